@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string>
 
 namespace kx::core::HDF5
 {
@@ -28,6 +29,8 @@ public:
   /** The HDF5 file identifier (hid_t), negative when unusable. */
   std::int64_t getId() const { return m_Id; }
   const std::filesystem::path& getFilePath() const { return m_FilePath; }
+  /** Why the open failed (missing, empty, not HDF5, damaged); empty for a usable handle. */
+  const std::string& getErrorMessage() const { return m_ErrorMessage; }
 
 private:
   FileIO(std::int64_t id, std::filesystem::path filePath);
@@ -35,5 +38,6 @@ private:
 
   std::int64_t m_Id = -1;
   std::filesystem::path m_FilePath;
+  std::string m_ErrorMessage;
 };
 } // namespace kx::core::HDF5
