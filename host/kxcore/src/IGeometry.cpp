@@ -24,8 +24,11 @@ void IGeometry::remapId(std::optional<IdType>& id, const std::map<IdType, IdType
   if(!id.has_value())
     return;
   auto iter = oldToNew.find(*id);
-  // a reference to an object that is gone stays dangling, and lookups give null
+  // a reference to an object that is gone is dropped: after renumbering its old
+  // identifier may belong to another object, which the geometry must not adopt
   if(iter != oldToNew.end())
     id = iter->second;
+  else
+    id.reset();
 }
 } // namespace kx::core
