@@ -168,6 +168,23 @@ TEST_F(TwoParentTree, AdditionalParentRefusesCyclesAndConflicts)
   EXPECT_FALSE(ds.setAdditionalParent(zeta->getId(), inner->getId()));
 }
 
+TEST_F(TwoParentTree, CopyKeepsEveryPathOfSharedObjects)
+{
+  // a top-level object may also sit in a group
+  auto* top = DataGroup::Create(ds, "Top");
+  ASSERT_TRUE(ds.setAdditionalParent(top->getId(), zeta->getId()));
+  EXPECT_EQ(PathStrings(top->getDataPaths()), (Strings{"Top", "Zeta/Top"}));
+
+  const DataStructure copy(ds);
+  EXPECT_EQ(copy.getAllDataPaths(), ds.getAllDataPaths());
+  EXPECT_EQ(PathStrings(copy.getData(b->getId())->getDataPaths()), (Strings{"Zeta/b", "Alpha/b"}));
+  EXPECT_EQ(PathStrings(copy.getData(top->getId())->getDataPaths()), (Strings{"Top", "Zeta/Top"}));
+  // both parents in the copy hold the same copied object
+  EXPECT_EQ(copy.getDataAs<BaseGroup>(1)->getDataMap().get(3), copy.getSharedData(3));
+  EXPECT_EQ(copy.getDataAs<BaseGroup>(2)->getDataMap().get(3), copy.getSharedData(3));
+  EXPECT_NE(copy.getSharedData(3).get(), b);
+}
+
 TEST(AttributeMatrix, AcceptsOnlyArraysOfItsTupleCount)
 {
   DataStructure ds;
@@ -183,6 +200,8 @@ TEST(AttributeMatrix, AcceptsOnlyArraysOfItsTupleCount)
   EXPECT_EQ(MakeArray<int32>(ds, "long", {6, 2}, {1}, id), nullptr);
   EXPECT_EQ(MakeArray<int32>(ds, "flat", {6}, {1}, id), nullptr);
   EXPECT_EQ(DataGroup::Create(ds, "group", id), nullptr);
+  const IdType elsewhere = MakeArray<int32>(ds, "elsewhere", {5}, {1}, std::nullopt)->getId();
+  EXPECT_FALSE(ds.setAdditionalParent(elsewhere, id));
 
   Strings names;
   for(const auto& [childId, child] : *matrix)
