@@ -237,6 +237,10 @@ bool Array<T>::AllocateTuples(vtkIdType numTuples)
     return true;
   }
   kx::core::ShapeType componentShape = m_DataStore ? m_DataStore->getComponentShape() : kx::core::ShapeType{1};
+  // VTK sets the component count before allocating (NewInstance, then
+  // SetNumberOfComponents, then Allocate): a count set that way wins
+  if(this->NumberOfComponents > 0 && static_cast<std::size_t>(this->NumberOfComponents) != kx::core::IDataStore::Product(componentShape))
+    componentShape = {static_cast<std::size_t>(this->NumberOfComponents)};
   m_DataStore = std::make_shared<kx::core::DataStore<T>>(kx::core::ShapeType{static_cast<std::size_t>(numTuples)},
                                                           componentShape, T{});
   this->NumberOfComponents = static_cast<int>(m_DataStore->getNumberOfComponents());

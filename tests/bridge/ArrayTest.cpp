@@ -3,6 +3,7 @@
 #include <bridge/Array.hpp>
 #include <bridge/VtkBridge.hpp>
 
+#include <kxcore/DataGroup.hpp>
 #include <kxcore/FileDataStore.hpp>
 
 #include "TestSupport.hpp"
@@ -175,8 +176,10 @@ TEST(WrappedArray, MagnitudeComponentAndBoundsChecks)
   DataStructure ds;
   auto* vec = bridgetest::makeArray<float>(ds, "Vec", {3.0f, 4.0f, 0.0f}, {1}, {3});
   auto* scalar = bridgetest::makeArray<int16>(ds, "S", {-7, 12}, {2});
-  auto* vecArray = CV::Array<float>::SafeDownCast(WrapDataArray(ds, vec->getId()));
-  auto* scalarArray = CV::Array<int16>::SafeDownCast(WrapDataArray(ds, scalar->getId()));
+  vtkSmartPointer<vtkDataArray> vecWrapped = WrapDataArray(ds, vec->getId());
+  vtkSmartPointer<vtkDataArray> scalarWrapped = WrapDataArray(ds, scalar->getId());
+  auto* vecArray = CV::Array<float>::SafeDownCast(vecWrapped);
+  auto* scalarArray = CV::Array<int16>::SafeDownCast(scalarWrapped);
   ASSERT_TRUE(vecArray && scalarArray);
 
   // component -1 of a multi-component tuple: square root of the plain sum
@@ -251,7 +254,8 @@ TEST(WrappedArray, GetTuplesRefusesComponentMismatch)
 {
   DataStructure ds;
   auto* source = bridgetest::makeArray<float>(ds, "Src", {1, 2, 3, 4, 5, 6}, {3}, {2});
-  auto* wrapped = CV::Array<float>::SafeDownCast(WrapDataArray(ds, source->getId()));
+  vtkSmartPointer<vtkDataArray> holder = WrapDataArray(ds, source->getId());
+  auto* wrapped = CV::Array<float>::SafeDownCast(holder);
   vtkSmartPointer<CV::Array<float>> target = vtkSmartPointer<CV::Array<float>>::Take(wrapped->NewInstance());
   target->SetNumberOfComponents(3);
   target->SetNumberOfTuples(2);
@@ -266,7 +270,8 @@ TEST(WrappedArray, AllocateWithCurrentTupleCountZeroesSharedStore)
 {
   DataStructure ds;
   auto* host = bridgetest::makeArray<uint16>(ds, "A", {4, 5, 6}, {3});
-  auto* wrapped = CV::Array<uint16>::SafeDownCast(WrapDataArray(ds, host->getId()));
+  vtkSmartPointer<vtkDataArray> holder = WrapDataArray(ds, host->getId());
+  auto* wrapped = CV::Array<uint16>::SafeDownCast(holder);
   ASSERT_TRUE(wrapped->AllocateTuples(3));
   EXPECT_EQ(host->getDataStoreRefTyped().getValue(0), 0);
   EXPECT_EQ(host->getDataStoreRefTyped().getValue(2), 0);

@@ -139,7 +139,8 @@ TEST(GeometryConversion, RectGridSharesBounds)
   auto* y = bridgetest::makeArray<float>(ds, "Y", {0.0f, 2.0f}, {2}, {1}, rect->getId());
   auto* z = bridgetest::makeArray<float>(ds, "Z", {0.0f, 1.0f, 2.0f, 4.0f}, {4}, {1}, rect->getId());
   rect->setBounds(x->getId(), y->getId(), z->getId());
-  auto* grid = vtkRectilinearGrid::SafeDownCast(VB::CreateFromGeom(ds.getSharedDataAs<RectGridGeom>(rect->getId())));
+  vtkSmartPointer<vtkDataSet> dataSet = VB::CreateFromGeom(ds.getSharedDataAs<RectGridGeom>(rect->getId()));
+  auto* grid = vtkRectilinearGrid::SafeDownCast(dataSet);
   ASSERT_NE(grid, nullptr);
   EXPECT_EQ(grid->GetNumberOfCells(), 6);
   EXPECT_EQ(grid->GetXCoordinates()->GetObjectName(), "X Bounds CV Array");
@@ -251,7 +252,8 @@ TEST(GeometryConversion, UnsupportedFaceSizeLeavesCellsEmpty)
   auto* pentagons = PentagonGeom::Create(ds, "Pentagons");
   pentagons->setVertexListId(makeVertices(ds, pentagons->getId(), 5)->getId());
   pentagons->setFaceListId(makeConnectivity(ds, pentagons->getId(), "Faces", 2, 5, 5)->getId());
-  auto* poly = vtkPolyData::SafeDownCast(VB::CreateFromGeom(ds.getSharedDataAs<TriangleGeom>(pentagons->getId())));
+  vtkSmartPointer<vtkDataSet> dataSet = VB::CreateFromGeom(ds.getSharedDataAs<TriangleGeom>(pentagons->getId()));
+  auto* poly = vtkPolyData::SafeDownCast(dataSet);
   ASSERT_NE(poly, nullptr);
   EXPECT_EQ(poly->GetNumberOfPoints(), 5);
   EXPECT_EQ(poly->GetNumberOfPolys(), 0);

@@ -11,6 +11,8 @@
 
 #include "TestSupport.hpp"
 
+#include <vtkCellData.h>
+
 #include <fstream>
 
 using namespace kx::core;
