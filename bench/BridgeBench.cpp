@@ -154,7 +154,7 @@ public:
     for(const Run& run : runs)
     {
       if(run.run_type == Run::RT_Iteration && run.iterations > 0)
-        m_Seconds[run.benchmark_name()] = run.real_accumulated_time / static_cast<double>(run.iterations);
+        m_Seconds[run.run_name.function_name] = run.real_accumulated_time / static_cast<double>(run.iterations);
     }
     ConsoleReporter::ReportRuns(runs);
   }

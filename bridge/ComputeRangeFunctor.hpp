@@ -5,8 +5,13 @@
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_reduce.h>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <type_traits>
 #include <vector>
@@ -182,6 +187,13 @@ private:
 
   void scanSingleComponentExact(std::size_t begin, std::size_t end)
   {
+#if defined(__SSE2__)
+    if constexpr(std::is_same_v<T, float> || std::is_same_v<T, std::uint8_t>)
+    {
+      scanSingleComponentSse(begin, end);
+      return;
+    }
+#endif
     // |v| of an 8- or 16-bit integer may not fit T itself (|-128|), so widen
     using Abs = std::conditional_t<std::is_same_v<T, float>, float, int>;
     T lo = m_Min[0];
@@ -210,6 +222,107 @@ private:
       takeMagnitude(static_cast<double>(absHi));
     }
   }
+
+#if defined(__SSE2__)
+  /**
+   * Sixteen bytes at a time. minps(v, m) is exactly "v < m ? v : m", so a NaN
+   * never replaces the running value, as in the scalar loop; for uint8 the
+   * magnitude is the value itself.
+   */
+  void scanSingleComponentSse(std::size_t begin, std::size_t end)
+  {
+    constexpr std::size_t lanes = 16 / sizeof(T);
+    const T* values = m_Buffer;
+    std::size_t i = begin;
+    T lo = m_Min[0];
+    T hi = m_Max[0];
+    if constexpr(std::is_same_v<T, float>)
+    {
+      float absLo = std::numeric_limits<float>::max();
+      float absHi = -1.0f;
+      if(end - begin >= 4 * lanes)
+      {
+        const __m128 signMask = _mm_set1_ps(-0.0f);
+        __m128 vLo = _mm_set1_ps(lo), vHi = _mm_set1_ps(hi);
+        __m128 vAbsLo = _mm_set1_ps(absLo), vAbsHi = _mm_set1_ps(absHi);
+        for(; i + lanes <= end; i += lanes)
+        {
+          const __m128 v = _mm_loadu_ps(values + i);
+          const __m128 a = _mm_andnot_ps(signMask, v);
+          vLo = _mm_min_ps(v, vLo);
+          vHi = _mm_max_ps(v, vHi);
+          vAbsLo = _mm_min_ps(a, vAbsLo);
+          vAbsHi = _mm_max_ps(a, vAbsHi);
+        }
+        alignas(16) float l[4], h[4], al[4], ah[4];
+        _mm_store_ps(l, vLo);
+        _mm_store_ps(h, vHi);
+        _mm_store_ps(al, vAbsLo);
+        _mm_store_ps(ah, vAbsHi);
+        for(std::size_t k = 0; k < 4; k++)
+        {
+          lo = l[k] < lo ? l[k] : lo;
+          hi = h[k] > hi ? h[k] : hi;
+          absLo = al[k] < absLo ? al[k] : absLo;
+          absHi = ah[k] > absHi ? ah[k] : absHi;
+        }
+      }
+      for(; i < end; i++)
+      {
+        const float v = values[i];
+        const float a = std::fabs(v);
+        lo = v < lo ? v : lo;
+        hi = v > hi ? v : hi;
+        absLo = a < absLo ? a : absLo;
+        absHi = a > absHi ? a : absHi;
+      }
+      m_Min[0] = lo;
+      m_Max[0] = hi;
+      if(absHi >= 0.0f)
+      {
+        takeMagnitude(static_cast<double>(absLo));
+        takeMagnitude(static_cast<double>(absHi));
+      }
+    }
+    else
+    {
+      if(end - begin >= 4 * lanes)
+      {
+        __m128i vLo = _mm_set1_epi8(static_cast<char>(lo)), vHi = _mm_set1_epi8(static_cast<char>(hi));
+        for(; i + lanes <= end; i += lanes)
+        {
+          const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(values + i));
+          vLo = _mm_min_epu8(v, vLo);
+          vHi = _mm_max_epu8(v, vHi);
+        }
+        alignas(16) std::uint8_t l[16], h[16];
+        _mm_store_si128(reinterpret_cast<__m128i*>(l), vLo);
+        _mm_store_si128(reinterpret_cast<__m128i*>(h), vHi);
+        for(std::size_t k = 0; k < 16; k++)
+        {
+          lo = l[k] < lo ? l[k] : lo;
+          hi = h[k] > hi ? h[k] : hi;
+        }
+      }
+      bool any = i > begin;
+      for(; i < end; i++)
+      {
+        lo = values[i] < lo ? values[i] : lo;
+        hi = values[i] > hi ? values[i] : hi;
+        any = true;
+      }
+      m_Min[0] = lo;
+      m_Max[0] = hi;
+      if(any)
+      {
+        // the chunk's own extremes bound its magnitudes; lo and hi may carry
+        // earlier chunks' values, which were taken into account then
+        takeMagnitude(static_cast<double>(lo));
+        takeMagnitude(static_cast<double>(hi));
+      }
+    }
+  }
+#endif
 
   const kx::core::AbstractDataStore<T>* m_Store = nullptr;
   std::size_t m_NumComponents = 0;

@@ -48,7 +48,9 @@ template <typename T>
 std::vector<T> specialValues()
 {
   using L = std::numeric_limits<T>;
-  std::vector<T> values = {L::lowest(), L::max(), T(0), T(1), T(L::max() / 2), T(L::lowest() / 2)};
+  std::vector<T> values;
+  values.reserve(16);
+  values.insert(values.end(), {L::lowest(), L::max(), T(0), T(1), T(L::max() / 2), T(L::lowest() / 2)});
   if constexpr(std::is_floating_point_v<T>)
   {
     values.insert(values.end(), {L::quiet_NaN(), L::infinity(), -L::infinity(), L::denorm_min(), L::min(), T(-2.5)});
