@@ -331,8 +331,8 @@ std::shared_ptr<AbstractDataStore<T>> readStore(hid_t dataset, const ArrayHeader
 std::string describeObject(const DataObject& object)
 {
   if(const auto* array = dynamic_cast<const IArray*>(&object))
-    return fmt::format("a {} array", DataTypeToString(array->getDataType()));
-  return fmt::format("a {}", object.getTypeName());
+    return fmt::format("an array of {}", DataTypeToString(array->getDataType()));
+  return fmt::format("an object of type {}", object.getTypeName());
 }
 
 /** Fails when a connectivity list names a vertex the geometry does not have. */
