@@ -292,7 +292,10 @@ Result<void> WriteFile(const std::filesystem::path& filePath, const DataStructur
   try
   {
     {
-      Handle file = Handle::File(H5Fcreate(tempPath.string().c_str(), H5F_ACC_EXCL, H5P_DEFAULT, H5P_DEFAULT));
+      // the 1.8 file format: checksummed metadata, so damage is detected, and readable by any HDF5 since 1.8
+      const Handle access = Handle::PropertyList(H5Pcreate(H5P_FILE_ACCESS));
+      H5Pset_libver_bounds(access.get(), H5F_LIBVER_V18, H5F_LIBVER_V18);
+      Handle file = Handle::File(H5Fcreate(tempPath.string().c_str(), H5F_ACC_EXCL, H5P_DEFAULT, access.get()));
       if(!file.isValid())
         fail(fmt::format("Cannot write '{}': the file '{}' could not be created{}.", filePath.string(), tempPath.string(), hdf5Detail()));
       TreeWriter(file.get(), dataStructure).write();
