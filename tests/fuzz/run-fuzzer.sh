@@ -20,11 +20,10 @@ rm -rf "$corpus" "$findings"
 mkdir -p "$corpus" "$findings"
 "$build/voxelia_seed_writer" "$corpus"
 
-# readable stack traces in a report, when a symbolizer is installed
-for sym in llvm-symbolizer /usr/lib/llvm-*/bin/llvm-symbolizer; do
-  if command -v "$sym" >/dev/null 2>&1; then export ASAN_SYMBOLIZER_PATH=$(command -v "$sym"); break; fi
-done
-export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:allocator_may_return_null=1
+# readable stack traces in a report need llvm-symbolizer; without it, module offsets
+symbolize=0
+if command -v llvm-symbolizer >/dev/null 2>&1; then symbolize=1; fi
+export ASAN_OPTIONS=symbolize=$symbolize:detect_leaks=1:abort_on_error=1:allocator_may_return_null=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 cd "$findings"
 "$build/voxelia_reader_fuzzer" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 \
