@@ -2,6 +2,7 @@
 #include <bridge/VtkBridge.hpp>
 
 #include <kxcore/AttributeMatrix.hpp>
+#include <kxcore/DataArray.hpp>
 #include <kxcore/DataStore.hpp>
 #include <kxcore/ImageGeom.hpp>
 
