@@ -35,7 +35,7 @@ TEST(VoxeliaRoundTrip, EveryObjectComesBackWithIdNameTypeParentsShapeAndValues)
 {
   TempDir dir;
   const DataStructure original = MakeEveryKindStructure();
-  ASSERT_EQ(original.getSize(), 61u);
+  ASSERT_EQ(original.getSize(), 62u);
   const DataStructure read = ReadBack(WriteEveryKind(dir, original), false);
 
   ExpectSameStructure(original, read, true);
@@ -132,12 +132,17 @@ TEST(VoxeliaRoundTrip, SharedObjectsKeepAllTheirParentsAndChildrenStayInIdentifi
   EXPECT_TRUE(read.getDataMap().contains(ids::k_SharedGroup));
   EXPECT_EQ(sharedGroup->getParentIds(), std::vector<IdType>({ids::k_Nested}));
   EXPECT_EQ(sharedGroup->getDataPaths().size(), 2u);
+  const DataObject* lateTop = read.getData(ids::k_LateTop);
+  ASSERT_NE(lateTop, nullptr);
+  EXPECT_TRUE(read.getDataMap().contains(ids::k_LateTop));
+  EXPECT_EQ(lateTop->getParentIds(), std::vector<IdType>({ids::k_GroupA}));
 
   // names sort the other way round from the identifiers: the order must follow the identifiers
   const auto* groupA = read.getDataAs<BaseGroup>(ids::k_GroupA);
   std::vector<IdType> expectedKeys = {ids::k_SharedValues, ids::k_Nested};
   for(IdType id = ids::k_FirstTyped; id < ids::k_FirstTyped + 11; id++)
     expectedKeys.push_back(id);
+  expectedKeys.push_back(ids::k_LateTop);
   EXPECT_EQ(groupA->getDataMap().getKeys(), expectedKeys);
   std::vector<std::string> names;
   for(const auto& [id, child] : *groupA)
@@ -145,8 +150,9 @@ TEST(VoxeliaRoundTrip, SharedObjectsKeepAllTheirParentsAndChildrenStayInIdentifi
   std::vector<std::string> expectedNames = {"Shared Values", "Nested"};
   for(const auto& name : TypedArrayNames())
     expectedNames.push_back(name);
+  expectedNames.push_back("Late Top");
   EXPECT_EQ(names, expectedNames);
-  EXPECT_EQ(read.getDataMap().getKeys(), (std::vector<IdType>{ids::k_SharedGroup, ids::k_GroupA, ids::k_Image, ids::k_Rect,
+  EXPECT_EQ(read.getDataMap().getKeys(), (std::vector<IdType>{ids::k_SharedGroup, ids::k_GroupA, ids::k_LateTop, ids::k_Image, ids::k_Rect,
                                                                ids::k_Points, ids::k_Edges, ids::k_Triangles, ids::k_Quads,
                                                                ids::k_Tets, ids::k_Hexes}));
   // new objects continue after the highest identifier read

@@ -67,6 +67,7 @@ constexpr IdType k_Nested = 12;
 constexpr IdType k_FirstTyped = 20; // 20..30: one array of each element type, bool last
 constexpr IdType k_Empty = 31;
 constexpr IdType k_Matrix = 32;
+constexpr IdType k_LateTop = 40; // top level and in "Group A", whose identifier is lower
 constexpr IdType k_Image = 100;
 constexpr IdType k_ImageCellData = 101;
 constexpr IdType k_Rect = 110;
@@ -87,8 +88,8 @@ inline std::vector<std::string> TypedArrayNames()
 }
 
 /**
- * One structure with every kind of object: groups, an object with three paths
- * (one of them top level), arrays of the eleven element types, an empty array,
+ * One structure with every kind of object: groups, an object with three paths,
+ * groups both top level and inside another group, arrays of the eleven element types, an empty array,
  * a two-dimensional component shape and the eight geometries with their lists
  * and attribute matrices. Identifiers are explicit and sparse.
  */
@@ -101,6 +102,8 @@ inline DataStructure MakeEveryKindStructure()
   DataGroup::Import(ds, "Nested", ids::k_Nested, ids::k_GroupA);
   EXPECT_TRUE(ds.setAdditionalParent(ids::k_SharedValues, ids::k_GroupA));
   EXPECT_TRUE(ds.setAdditionalParent(ids::k_SharedGroup, ids::k_Nested));
+  DataGroup::Import(ds, "Late Top", ids::k_LateTop);
+  EXPECT_TRUE(ds.setAdditionalParent(ids::k_LateTop, ids::k_GroupA));
 
   const auto names = TypedArrayNames();
   IdType id = ids::k_FirstTyped;
