@@ -1,0 +1,41 @@
+#pragma once
+
+#include "KXVtkLib_export.h"
+
+#include <QtCore/QString>
+#include <QtWidgets/QMessageBox>
+
+#include <functional>
+
+class QWidget;
+
+/**
+ * The one place where the pipeline asks the user something: a message box
+ * with standard buttons, or a file to open. Both go through replaceable
+ * handlers, so that automated runs (tests, scripted viewers) answer without a
+ * modal dialog blocking the event loop.
+ */
+class KXVTKLIB_EXPORT VXUserPrompt
+{
+public:
+  struct Question
+  {
+    QMessageBox::Icon icon = QMessageBox::Information;
+    QString title;
+    QString text;
+    QMessageBox::StandardButtons buttons = QMessageBox::Ok;
+    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
+  };
+
+  using AskHandler = std::function<QMessageBox::StandardButton(const Question&)>;
+  using OpenFileHandler = std::function<QString(const QString& title, const QString& filter)>;
+
+  /** Shows the question (or passes it to the installed handler) and gives the button chosen. */
+  static QMessageBox::StandardButton ask(QWidget* parent, const Question& question);
+  /** Asks for a file to open; empty when cancelled. */
+  static QString getOpenFileName(QWidget* parent, const QString& title, const QString& filter);
+
+  /** Installs handlers; an empty handler restores the real dialogs. */
+  static void setAskHandler(AskHandler handler);
+  static void setOpenFileHandler(OpenFileHandler handler);
+};
