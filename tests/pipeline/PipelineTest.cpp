@@ -1,0 +1,219 @@
+#include "PipelineTestSupport.hpp"
+
+#include <visualization/FileToVXBridge.hpp>
+#include <visualization/VXDataSource.hpp>
+
+#include <vtkCellArray.h>
+#include <vtkImageData.h>
+#include <vtkPoints.h>
+#include <vtkPolyData.h>
+#include <vtkRectilinearGrid.h>
+#include <vtkStructuredGrid.h>
+#include <vtkUnstructuredGrid.h>
+
+#include <QtTest/QSignalSpy>
+
+using namespace pipelinetest;
+
+namespace
+{
+vtkSmartPointer<vtkPolyData> polyWith(int verts, int lines, int cellType)
+{
+  auto poly = vtkSmartPointer<vtkPolyData>::New();
+  vtkNew<vtkPoints> points;
+  for(int i = 0; i < 8; i++)
+    points->InsertNextPoint(i & 1, (i >> 1) & 1, (i >> 2) & 1);
+  poly->SetPoints(points);
+  vtkNew<vtkCellArray> vertCells;
+  for(vtkIdType i = 0; i < verts; i++)
+    vertCells->InsertNextCell(1, &i);
+  poly->SetVerts(vertCells);
+  vtkNew<vtkCellArray> lineCells;
+  for(int i = 0; i < lines; i++)
+  {
+    const vtkIdType ids[2] = {0, 1};
+    lineCells->InsertNextCell(2, ids);
+  }
+  poly->SetLines(lineCells);
+  if(cellType != 0)
+  {
+    vtkNew<vtkCellArray> polys;
+    const vtkIdType ids[4] = {0, 1, 3, 2};
+    polys->InsertNextCell(cellType == VTK_TRIANGLE ? 3 : 4, ids);
+    poly->SetPolys(polys);
+  }
+  return poly;
+}
+
+vtkSmartPointer<vtkUnstructuredGrid> gridWith(int cellType)
+{
+  auto grid = vtkSmartPointer<vtkUnstructuredGrid>::New();
+  vtkNew<vtkPoints> points;
+  for(int i = 0; i < 8; i++)
+    points->InsertNextPoint(i & 1, (i >> 1) & 1, (i >> 2) & 1);
+  grid->SetPoints(points);
+  const vtkIdType ids[8] = {0, 1, 3, 2, 4, 5, 7, 6};
+  grid->InsertNextCell(cellType, cellType == VTK_TETRA ? 4 : (cellType == VTK_HEXAHEDRON ? 8 : 3), ids);
+  return grid;
+}
+
+/** Sets every default to a distinct type so the table's choice is visible, and restores them. */
+class DistinctDefaults
+{
+public:
+  DistinctDefaults()
+  {
+    VXPipeline::setDefaultImageGeomRepType(VXRepresentation::Volume);
+    VXPipeline::setDefaultRectGridRepType(VXRepresentation::Surface);
+    VXPipeline::setDefaultVertexRepType(VXRepresentation::Points);
+    VXPipeline::setDefaultEdgeRepType(VXRepresentation::Wireframe);
+    VXPipeline::setDefaultTriangleRepType(VXRepresentation::Glyph);
+    VXPipeline::setDefaultQuadRepType(VXRepresentation::ImageSlice);
+    VXPipeline::setDefaultTetRepType(VXRepresentation::Surface);
+    VXPipeline::setDefaultHexRepType(VXRepresentation::Wireframe);
+  }
+  ~DistinctDefaults()
+  {
+    for(auto setter : {&VXPipeline::setDefaultImageGeomRepType, &VXPipeline::setDefaultRectGridRepType,
+                       &VXPipeline::setDefaultVertexRepType, &VXPipeline::setDefaultEdgeRepType,
+                       &VXPipeline::setDefaultTriangleRepType, &VXPipeline::setDefaultQuadRepType,
+                       &VXPipeline::setDefaultTetRepType, &VXPipeline::setDefaultHexRepType})
+      setter(VXRepresentation::Outline);
+  }
+};
+} // namespace
+
+TEST(Pipeline, DefaultDataViewByDataSetType)
+{
+  DistinctDefaults defaults;
+  auto image = vtkSmartPointer<vtkImageData>::New();
+  auto rect = vtkSmartPointer<vtkRectilinearGrid>::New();
+  auto structured = vtkSmartPointer<vtkStructuredGrid>::New();
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(image), VXRepresentation::Volume);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(rect), VXRepresentation::Surface);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(2, 1, VTK_TRIANGLE)), VXRepresentation::Points);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 1, VTK_TRIANGLE)), VXRepresentation::Wireframe);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, VTK_TRIANGLE)), VXRepresentation::Glyph);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, VTK_QUAD)), VXRepresentation::ImageSlice);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, 0)), VXRepresentation::Outline);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_TETRA)), VXRepresentation::Surface);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_HEXAHEDRON)), VXRepresentation::Wireframe);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_TRIANGLE)), VXRepresentation::Outline);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(structured), VXRepresentation::Outline);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(nullptr), VXRepresentation::Outline);
+}
+
+TEST(Pipeline, DataSourcesGetTheirDefaultDataView)
+{
+  ScopedSettings settings;
+  registerRecordingViews();
+  DistinctDefaults defaults;
+  VXPipeline pipeline;
+  TestView view;
+  pipeline.setActiveViewWidget(&view);
+  QSignalSpy added(&pipeline, &VXPipeline::representationAdded);
+  QStringList order;
+  QObject::connect(&pipeline, &VXPipeline::dataSourceAdded, [&](VXDataSource*) { order << "source"; });
+  QObject::connect(&pipeline, &VXPipeline::representationAdded, [&](VXRepresentation*) { order << "view"; });
+
+  pipeline.importFile(qpath(kxtest::DataFile("hydrogen.vti")));
+  ASSERT_EQ(added.count(), 1);
+  EXPECT_EQ(order, (QStringList{"source", "view"})); // the model has the source before its view
+  auto* rep = dynamic_cast<RecordingRep*>(added.at(0).at(0).value<VXRepresentation*>());
+  ASSERT_NE(rep, nullptr);
+  EXPECT_EQ(rep->type(), VXRepresentation::Volume);
+  VXDataSource* source = pipeline.bridges().first()->dataSources().first();
+  EXPECT_EQ(rep->parent(), source);
+  EXPECT_EQ(rep->initializedWith, source->outputPort());
+  EXPECT_EQ(rep->pathName(), "hydrogen.vti > hydrogen > Volume View");
+  EXPECT_TRUE(source->viewWidgets().contains(&view));
+  EXPECT_EQ(source->pipeline(), &pipeline);
+
+  // reloads reach the data view
+  Q_EMIT pipeline.pipelineOutputReloaded();
+  EXPECT_EQ(rep->reloads, 1);
+}
+
+TEST(Pipeline, NoViewDataOnlyAndStateLoadSuppressDataViews)
+{
+  ScopedSettings settings;
+  registerRecordingViews();
+  const QString file = qpath(kxtest::DataFile("Bunny.vtp"));
+  {
+    VXPipeline pipeline; // no active view
+    QSignalSpy added(&pipeline, &VXPipeline::representationAdded);
+    pipeline.importFile(file);
+    EXPECT_EQ(added.count(), 0);
+    VXDataSource* source = pipeline.bridges().first()->dataSources().first();
+    EXPECT_TRUE(source->children().isEmpty());
+    EXPECT_EQ(source->pipeline(), &pipeline);
+  }
+  {
+    VXPipeline pipeline;
+    TestView view;
+    pipeline.setActiveViewWidget(&view);
+    pipeline.setDataOnlyMode(true);
+    QSignalSpy added(&pipeline, &VXPipeline::representationAdded);
+    pipeline.importFile(file);
+    EXPECT_EQ(added.count(), 0);
+    VXDataSource* source = pipeline.bridges().first()->dataSources().first();
+    EXPECT_EQ(source->pipeline(), nullptr);
+    EXPECT_TRUE(source->viewWidgets().isEmpty());
+  }
+  {
+    VXPipeline pipeline;
+    TestView view;
+    pipeline.setActiveViewWidget(&view);
+    QSignalSpy added(&pipeline, &VXPipeline::representationAdded);
+    {
+      VXPipeline::StateLoadScope outer(pipeline);
+      {
+        VXPipeline::StateLoadScope inner(pipeline);
+      }
+      EXPECT_TRUE(pipeline.isLoadingState()); // scopes nest
+      pipeline.importFile(file);
+    }
+    EXPECT_FALSE(pipeline.isLoadingState());
+    EXPECT_EQ(added.count(), 0);
+    pipeline.importFile(file);
+    EXPECT_EQ(added.count(), 1);
+  }
+}
+
+TEST(Pipeline, AddRepresentationMessages)
+{
+  ScopedSettings settings;
+  registerRecordingViews();
+  VXPipeline pipeline;
+  QSignalSpy output(&pipeline, &VXPipeline::sendOutputMessage);
+  VXDataSource source;
+  EXPECT_FALSE(pipeline.addRepresentation(nullptr, VXRepresentation::Surface));
+  EXPECT_FALSE(pipeline.addRepresentation(&source, VXRepresentation::Surface));
+  ASSERT_EQ(output.count(), 2);
+  EXPECT_EQ(output.at(0).at(0).toString(), "Cannot add representation view because the selected parent item does not exist!");
+  EXPECT_EQ(output.at(1).at(0).toString(), "Cannot add representation view because no active render window is selected!");
+
+  TestView view;
+  pipeline.setActiveViewWidget(&view);
+  EXPECT_FALSE(pipeline.addRepresentation(&source, VXRepresentation::None));
+  EXPECT_TRUE(pipeline.addRepresentation(&source, static_cast<VXRepresentation::Type>(9)));
+  EXPECT_TRUE(source.children().isEmpty());
+  EXPECT_TRUE(pipeline.addRepresentation(&source, VXRepresentation::Points));
+  EXPECT_EQ(source.children().size(), 1);
+}
+
+TEST(Pipeline, ActiveViewSignalComesBeforeTheChange)
+{
+  VXPipeline pipeline;
+  TestView first;
+  TestView second;
+  pipeline.setActiveViewWidget(&first);
+  VXAbstractViewWidget* seenDuringSignal = nullptr;
+  QObject::connect(&pipeline, &VXPipeline::activeViewChanged,
+                   [&](VXAbstractViewWidget*, VXAbstractViewWidget*) { seenDuringSignal = pipeline.activeViewWidget(); });
+  QSignalSpy spy(&pipeline, &VXPipeline::activeViewChanged);
+  pipeline.setActiveViewWidget(&second);
+  ASSERT_EQ(spy.count(), 1);
+  EXPECT_EQ(seenDuringSignal, &first);
+  EXPECT_EQ(pipeline.activeViewWidget(), &second);
+}

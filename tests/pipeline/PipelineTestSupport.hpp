@@ -1,0 +1,169 @@
+#pragma once
+
+#include "TestSupport.hpp"
+
+#include <visualization/QtWidgets/VXAbstractViewWidget.hpp>
+#include <visualization/VXPipeline.hpp>
+#include <visualization/VXRepresentation.hpp>
+#include <visualization/VXUserPrompt.hpp>
+
+#include <KX/IPipelineController.hpp>
+#include <KXComponents/QtKXSettings.hpp>
+#include <kxcore/VoxeliaFile.hpp>
+
+#include <MicrostructureGenerator.hpp>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+
+#include <deque>
+
+namespace pipelinetest
+{
+/** A render view frame without a render widget: enough for the tree logic. */
+class TestView : public VXAbstractViewWidget
+{
+public:
+  using VXAbstractViewWidget::VXAbstractViewWidget;
+  VXAbstractViewWidget* clone() override { return new TestView(); }
+  VXAbstractViewWidget* newInstance() override { return new TestView(); }
+};
+
+/** A host pipeline run. */
+class FakeController : public KX::IPipelineController
+{
+public:
+  FakeController(QString name, QString uuid, QString file = "/tmp/pipeline.kxpipe")
+  : m_Name(std::move(name))
+  , m_Uuid(std::move(uuid))
+  , m_File(std::move(file))
+  {
+  }
+  QString getPipelineName() const override { return m_Name; }
+  QString getPipelineFilePath() const override { return m_File; }
+  QString getPipelineUuid() const override { return m_Uuid; }
+
+private:
+  QString m_Name;
+  QString m_Uuid;
+  QString m_File;
+};
+
+/** A data view that records how the pipeline set it up. */
+class RecordingRep : public VXRepresentation
+{
+public:
+  RecordingRep(VXPipeline* pipeline, Type type)
+  : VXRepresentation(pipeline, k_RepresentationTypeToString.value(type) + " View")
+  , m_Type(type)
+  {
+  }
+  QString humanTypeName() override { return "Recording"; }
+  QString typeName() override { return "RecordingRep"; }
+  vtkAlgorithmOutput* outputPort() override { return nullptr; }
+  void initializeSettingsWidget() override {}
+  QIcon getIcon() override { return {}; }
+  void copyActiveSettings() const override {}
+  void pasteToActiveSettings() override {}
+  void receivePipelineOutputReloaded() override { reloads++; }
+  void addViewWidgetCopy(VXAbstractViewWidget*, VXAbstractViewWidget*) override {}
+  Type type() const override { return m_Type; }
+  void initializeImplementations(vtkAlgorithmOutput* port) override { initializedWith = port; }
+  bool addViewInstance(VXAbstractViewWidget*, VXAbstractViewWidget* view, vtkAlgorithmOutput* port, bool) override
+  {
+    addViewWidget(view);
+    initializedWith = port;
+    return true;
+  }
+  void updateDataSetInfo() override {}
+
+  vtkAlgorithmOutput* initializedWith = nullptr;
+  int reloads = 0;
+
+private:
+  Type m_Type;
+};
+
+/** Registers recording data views for every type, for the test's lifetime. */
+inline void registerRecordingViews()
+{
+  for(std::uint32_t t = VXRepresentation::Outline; t <= VXRepresentation::Glyph; t++)
+  {
+    const auto type = static_cast<VXRepresentation::Type>(t);
+    VXRepresentation::RegisterType(type, [type](VXPipeline* pipeline) { return new RecordingRep(pipeline, type); });
+  }
+}
+
+/** Settings go to a file of the test's own. */
+class ScopedSettings
+{
+public:
+  ScopedSettings()
+  : m_Previous(QtKXSettings::FilePath())
+  {
+    QtKXSettings::SetFilePath(QString::fromStdString((m_Dir / "settings.ini").string()));
+  }
+  ~ScopedSettings() { QtKXSettings::SetFilePath(m_Previous); }
+
+private:
+  kxtest::TempDir m_Dir;
+  QString m_Previous;
+};
+
+/** Answers the questions the code asks, in order, and records them. */
+class ScriptedPrompts
+{
+public:
+  ScriptedPrompts()
+  {
+    VXUserPrompt::setAskHandler([this](const VXUserPrompt::Question& question) {
+      asked.push_back(question);
+      if(answers.empty())
+        return QMessageBox::No;
+      const auto answer = answers.front();
+      answers.pop_front();
+      return answer;
+    });
+    VXUserPrompt::setOpenFileHandler([this](const QString& title, const QString&) {
+      fileTitles.push_back(title);
+      return fileAnswer;
+    });
+  }
+  ~ScriptedPrompts()
+  {
+    VXUserPrompt::setAskHandler({});
+    VXUserPrompt::setOpenFileHandler({});
+  }
+
+  std::deque<QMessageBox::StandardButton> answers;
+  std::vector<VXUserPrompt::Question> asked;
+  std::vector<QString> fileTitles;
+  QString fileAnswer;
+};
+
+/** Writes the sample microstructure at a small size. */
+inline std::filesystem::path writeSample(const kxtest::TempDir& dir, const std::string& name = "sample.voxelia")
+{
+  kxvtk::sample::MicrostructureGenerator generator(12);
+  const auto path = dir / name;
+  kx::core::DataStructure ds = generator.generate();
+  EXPECT_TRUE(kx::core::VOXELIA::WriteFile(path, ds).isValid());
+  return path;
+}
+
+/** Runs the event loop until the condition holds or the time is up. */
+template <typename Condition>
+bool waitFor(Condition condition, int milliseconds = 5000)
+{
+  QElapsedTimer timer;
+  timer.start();
+  while(!condition() && timer.elapsed() < milliseconds)
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+  return condition();
+}
+
+inline QString qpath(const std::filesystem::path& path)
+{
+  return QString::fromStdString(path.string());
+}
+} // namespace pipelinetest
