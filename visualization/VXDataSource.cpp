@@ -2,6 +2,7 @@
 
 #include "utils/KXVtkModuleUtils.hpp"
 #include "visualization/QtWidgets/VXDatasetInfoWidget.hpp"
+#include "visualization/VXLookupTable.hpp"
 #include "visualization/VXUserPrompt.hpp"
 
 #include <KXComponents/ColorPresetsDialog.hpp>
@@ -55,6 +56,8 @@ VXDataSource::VXDataSource(QObject* parent)
 , m_CurrentPreset(KXPreferences::getDefaultColorPreset())
 {
   m_BaseName = k_DefaultBaseName;
+  // not a QObject child: a data source's children are its data views and filters
+  m_LookupTable = new VXLookupTable();
   readSettings();
 }
 
@@ -64,6 +67,7 @@ VXDataSource::~VXDataSource()
   m_OutputAlgorithm->SetOutput(nullptr);
   m_OutputAlgorithm->Delete();
   delete m_ColorPresetsDialog;
+  delete m_LookupTable;
 }
 
 vtkAlgorithmOutput* VXDataSource::outputPort()

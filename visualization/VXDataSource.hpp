@@ -43,6 +43,8 @@ public:
   void setBaseName(const QString& name) override;
   vtkAlgorithmOutput* outputPort() override;
   void initializeSettingsWidget() override;
+  /** The colour map this data source and the children that follow it share. */
+  VXLookupTable* lookupTable() override { return m_LookupTable; }
   void setVisibility(bool visible) override;
   QIcon getIcon() override;
   void copyActiveSettings() const override;
@@ -117,4 +119,5 @@ private:
   QSharedPointer<VXDatasetInfoWidget> m_DataSetInfoWidget;
   QString m_QuadViewDisplayText;
   bool m_IsImageGeometrySource = false;
+  VXLookupTable* m_LookupTable = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include <bridge/Array.hpp>
 #include <visualization/VXDataSource.hpp>
+#include <visualization/VXLookupTable.hpp>
 
 #include <KXComponents/KXPreferences.hpp>
 
@@ -151,4 +152,15 @@ TEST(DataSource, WriteSettingsFollowsTheAnswer)
   EXPECT_EQ(prompts.asked[0].text,
             "Do you want to save the current data source setting values as the default values for all data sources?");
   EXPECT_EQ(prompts.asked[0].defaultButton, QMessageBox::Yes);
+}
+
+TEST(DataSource, OwnsOneLookupTableForItsChildren)
+{
+  ScopedSettings settings;
+  VXDataSource source;
+  VXLookupTable* table = source.lookupTable();
+  ASSERT_NE(table, nullptr);
+  // the tree's children are data views and filters only
+  EXPECT_TRUE(source.children().isEmpty());
+  EXPECT_EQ(source.lookupTable(), table);
 }
