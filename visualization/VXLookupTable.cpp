@@ -64,11 +64,12 @@ struct IndexedEntry
  * Adds categorical entries in ascending value order. VTK looks up the colour of
  * an annotated value as the node whose index equals the annotation's index, and
  * nodes are kept sorted by position: annotating in value order keeps the two
- * aligned whatever order a preset lists its values in.
+ * aligned whatever order a preset lists its values in. Leaves @p entries sorted.
  */
-void AddIndexedEntries(vtkColorTransferFunction* ctf, std::vector<IndexedEntry> entries)
+void AddIndexedEntries(vtkColorTransferFunction* ctf, std::vector<IndexedEntry>& entries)
 {
-  std::stable_sort(entries.begin(), entries.end(),
+  std::stable_sort(entries.begin(),
+                   entries.end(),
                    [](const IndexedEntry& a, const IndexedEntry& b) { return a.value < b.value; });
   for(const IndexedEntry& entry : entries)
   {
@@ -152,12 +153,16 @@ void NanColorOf(const ColorPreset& preset, const double current[3], double nan[3
 VXLookupTable::UserAnswer ShowMessageBox(const VXLookupTable::UserQuestion& question)
 {
   const bool warning = question.kind == VXLookupTable::UserQuestion::Kind::Warning;
-  QMessageBox box(warning ? QMessageBox::Warning : QMessageBox::Question, question.title, question.text,
-                  QMessageBox::NoButton, QApplication::activeWindow());
+  QMessageBox box(warning ? QMessageBox::Warning : QMessageBox::Question,
+                  question.title,
+                  question.text,
+                  QMessageBox::NoButton,
+                  QApplication::activeWindow());
   QList<QAbstractButton*> buttons;
   for(const QString& text : question.buttons)
   {
-    const auto role = text == VXLookupTable::k_CancelButton ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
+    const auto role =
+      text == VXLookupTable::k_CancelButton ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
     buttons.append(box.addButton(text, role));
   }
   QCheckBox* checkBox = nullptr;
@@ -283,7 +288,8 @@ QList<QString> VXLookupTable::getIndexedPresetArray() const
 
 QColor VXLookupTable::getNANColor() const
 {
-  return QColor::fromRgbF(static_cast<float>(m_NanColor[0]), static_cast<float>(m_NanColor[1]),
+  return QColor::fromRgbF(static_cast<float>(m_NanColor[0]),
+                          static_cast<float>(m_NanColor[1]),
                           static_cast<float>(m_NanColor[2]));
 }
 
@@ -307,7 +313,8 @@ std::array<double, 2> VXLookupTable::getRange() const
 
 void VXLookupTable::setRange(double min, double max)
 {
-  if(m_ColorTransferFunction->GetIndexedLookup() != 0 || min > max || std::isnan(min) || std::isnan(max))
+  if(m_ColorTransferFunction->GetIndexedLookup() != 0 || min > max || std::isnan(min) ||
+     std::isnan(max))
   {
     return;
   }
@@ -375,7 +382,8 @@ void VXLookupTable::invert()
   {
     const auto& position = points[k];
     const auto& color = points[n - 1 - k];
-    m_ColorTransferFunction->AddRGBPoint(position[0], color[1], color[2], color[3], position[4], position[5]);
+    m_ColorTransferFunction->AddRGBPoint(
+      position[0], color[1], color[2], color[3], position[4], position[5]);
   }
   refresh();
   m_IsInverted = !m_IsInverted;
@@ -569,8 +577,6 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset)
     m_ColorTransferFunction->ResetAnnotations();
     m_ColorTransferFunction->SetIndexedLookup(1);
     AddIndexedEntries(m_ColorTransferFunction, entries);
-    std::stable_sort(entries.begin(), entries.end(),
-                     [](const IndexedEntry& a, const IndexedEntry& b) { return a.value < b.value; });
     for(const IndexedEntry& entry : entries)
     {
       m_IndexedPresetArray.append(presetRow(entry.value, entry.rgb[0], entry.rgb[1], entry.rgb[2]));
@@ -607,7 +613,8 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset)
   refresh();
 }
 
-void VXLookupTable::parseIndexedJson(const ColorPreset& preset, const std::set<double>& uniqueValues)
+void VXLookupTable::parseIndexedJson(const ColorPreset& preset,
+                                     const std::set<double>& uniqueValues)
 {
   if(uniqueValues.empty())
   {
@@ -747,7 +754,8 @@ void VXLookupTable::read(const nlohmann::json& json)
 
   // keys of the wrong type are skipped like missing ones: a damaged state file
   // restores what it can
-  if(const auto it = json.find("indexed_lookup"); it != json.end() && (it->is_number() || it->is_boolean()))
+  if(const auto it = json.find("indexed_lookup");
+     it != json.end() && (it->is_number() || it->is_boolean()))
   {
     m_ColorTransferFunction->SetIndexedLookup(it->is_boolean() ? it->get<bool>() : it->get<int>());
   }
@@ -756,10 +764,13 @@ void VXLookupTable::read(const nlohmann::json& json)
     for(const auto& point : *it)
     {
       if(point.is_array() && point.size() == 4 &&
-         std::all_of(point.begin(), point.end(), [](const nlohmann::json& v) { return v.is_number(); }))
+         std::all_of(
+           point.begin(), point.end(), [](const nlohmann::json& v) { return v.is_number(); }))
       {
-        m_ColorTransferFunction->AddRGBPoint(point[0].get<double>(), point[1].get<double>(),
-                                             point[2].get<double>(), point[3].get<double>());
+        m_ColorTransferFunction->AddRGBPoint(point[0].get<double>(),
+                                             point[1].get<double>(),
+                                             point[2].get<double>(),
+                                             point[3].get<double>());
       }
     }
   }
@@ -772,7 +783,8 @@ void VXLookupTable::read(const nlohmann::json& json)
     m_IsInverted = it->get<bool>();
   }
   const char* nanKeys[3] = {"lut_nan_color_r", "lut_nan_color_g", "lut_nan_color_b"};
-  if(std::all_of(std::begin(nanKeys), std::end(nanKeys),
+  if(std::all_of(std::begin(nanKeys),
+                 std::end(nanKeys),
                  [&json](const char* key) { return json.contains(key) && json[key].is_number(); }))
   {
     for(int j = 0; j < 3; ++j)
@@ -799,7 +811,8 @@ void VXLookupTable::read(const nlohmann::json& json)
   {
     for(const auto& node : nodes())
     {
-      m_ColorTransferFunction->SetAnnotation(vtkVariant(node[0]), NumberText(node[0]).toStdString());
+      m_ColorTransferFunction->SetAnnotation(vtkVariant(node[0]),
+                                             NumberText(node[0]).toStdString());
     }
   }
   refresh();
@@ -923,7 +936,8 @@ VXLookupTable::UserAnswer VXLookupTable::askUser(const UserQuestion& question)
 
 QString VXLookupTable::presetRow(double x, double r, double g, double b)
 {
-  return QStringLiteral("%1/%2/%3/%4").arg(NumberText(x), NumberText(r), NumberText(g), NumberText(b));
+  return QStringLiteral("%1/%2/%3/%4")
+    .arg(NumberText(x), NumberText(r), NumberText(g), NumberText(b));
 }
 
 void VXLookupTable::applyNanColorToFunction()

@@ -101,25 +101,28 @@ public:
   static const QList<QColor> m_DefaultIndexedColors;
 
   /** Titles, texts and buttons of the questions this class asks. */
-  static inline const QString k_MissingValuesTitle = QStringLiteral("Missing annotated values in color map");
-  static inline const QString k_MissingValuesText = QStringLiteral(
-    "Some of the data in the active data array does not appear in the selected color map. Would you like "
-    "to use the NaN color for the missing values, auto generate new colors for the missing values, or "
-    "cancel and select a new color map?");
+  static inline const QString k_MissingValuesTitle =
+    QStringLiteral("Missing annotated values in color map");
+  static inline const QString k_MissingValuesText =
+    QStringLiteral("Some of the data in the active data array does not appear in the selected "
+                   "color map. Would you like to use the NaN color for the missing values, auto "
+                   "generate new colors for the missing values, or cancel and select a new color "
+                   "map?");
   static inline const QString k_UseNanColorButton = QStringLiteral("Use NaN Color");
   static inline const QString k_GenerateNewColorsButton = QStringLiteral("Generate New Colors");
   static inline const QString k_CancelButton = QStringLiteral("Cancel");
   static inline const QString k_TooManyValuesTitle =
     QStringLiteral("Too many discrete values to determine color map annotations");
-  static inline const QString k_TooManyValuesText = QStringLiteral(
-    "More than %1 unique values were found in the active array (%2). Categorical coloring may not be the "
-    "best color map to use for this data set");
+  static inline const QString k_TooManyValuesText =
+    QStringLiteral("More than %1 unique values were found in the active array (%2). Categorical "
+                   "coloring may not be the best color map to use for this data set");
   static inline const QString k_MoreValuesThanColorsTitle =
     QStringLiteral("One or more colors mapping to multiple array values");
-  static inline const QString k_MoreValuesThanColorsText = QStringLiteral(
-    "The number of unique array values (%1) is greater than the number of colors in the selected preset "
-    "(%2). This means that some colors may be mapped to more than one array value. It is strongly "
-    "recommended that you select a preset %3 or more colors.");
+  static inline const QString k_MoreValuesThanColorsText =
+    QStringLiteral("The number of unique array values (%1) is greater than the number of colors in "
+                   "the selected preset (%2). This means that some colors may be mapped to more "
+                   "than one array value. It is strongly recommended that you select a preset %3 "
+                   "or more colors.");
   static inline const QString k_DoNotShowAgain = QStringLiteral("Do Not Show Again");
 
   /** Builds the default continuous map (createDefaultRgbColorTransferFunction). */
@@ -154,7 +157,10 @@ public:
   QList<QString> getIndexedPresetArray() const;
 
   QColor getNANColor() const;
-  /** Stores the NaN colour and hands it to the function without rebuilding; callers request a render. */
+  /**
+   * Stores the NaN colour and hands it to the function without rebuilding; callers request a
+   * render.
+   */
   void setNANColor(QColor color);
   void setNANColor(const double color[3]);
 
@@ -218,7 +224,8 @@ public:
    * outside 1..32 or exceeds @p presetColorCount, unless the user switched the
    * warning off in the preferences. The message names @p arrayName.
    */
-  static IndexedValueWarning checkIndexedValueCount(int uniqueValueCount, int presetColorCount,
+  static IndexedValueWarning checkIndexedValueCount(int uniqueValueCount,
+                                                    int presetColorCount,
                                                     const QString& arrayName);
 
   /**

@@ -12,7 +12,9 @@ VXLookupTableModel::VXLookupTableModel(QObject* parent)
 
 VXLookupTableModel::~VXLookupTableModel() = default;
 
-void VXLookupTableModel::addRow(const QColor& color, const QString& value, const QString& annotation)
+void VXLookupTableModel::addRow(const QColor& color,
+                                const QString& value,
+                                const QString& annotation)
 {
   const int row = static_cast<int>(m_Table.size());
   beginInsertRows(QModelIndex(), row, row);
@@ -72,21 +74,22 @@ int VXLookupTableModel::columnCount(const QModelIndex& parent) const
 
 QVariant VXLookupTableModel::data(const QModelIndex& index, int role) const
 {
-  if(!index.isValid() || index.row() >= m_Table.size() || (role != Qt::DisplayRole && role != Qt::EditRole))
+  if(!index.isValid() || index.row() >= m_Table.size() ||
+     (role != Qt::DisplayRole && role != Qt::EditRole))
   {
     return {};
   }
   const LUTEntry& entry = m_Table[index.row()];
   switch(index.column())
   {
-  case k_ColorColumn:
-    return entry.color;
-  case k_ValueColumn:
-    return entry.value;
-  case k_AnnotationColumn:
-    return entry.annotation;
-  default:
-    return {};
+    case k_ColorColumn:
+      return entry.color;
+    case k_ValueColumn:
+      return entry.value;
+    case k_AnnotationColumn:
+      return entry.annotation;
+    default:
+      return {};
   }
 }
 
@@ -99,18 +102,18 @@ bool VXLookupTableModel::setData(const QModelIndex& index, const QVariant& value
   LUTEntry& entry = m_Table[index.row()];
   switch(index.column())
   {
-  case k_ColorColumn:
-    entry.color = value.value<QColor>();
-    break;
-  case k_ValueColumn:
-    entry.value = value.toString();
-    Q_EMIT valueChanged(index);
-    break;
-  case k_AnnotationColumn:
-    entry.annotation = value.toString();
-    break;
-  default:
-    return false;
+    case k_ColorColumn:
+      entry.color = value.value<QColor>();
+      break;
+    case k_ValueColumn:
+      entry.value = value.toString();
+      Q_EMIT valueChanged(index);
+      break;
+    case k_AnnotationColumn:
+      entry.annotation = value.toString();
+      break;
+    default:
+      return false;
   }
   Q_EMIT dataChanged(index, index, {Qt::DisplayRole, Qt::EditRole});
   return true;
@@ -132,14 +135,14 @@ QVariant VXLookupTableModel::headerData(int section, Qt::Orientation orientation
   {
     switch(section)
     {
-    case k_ColorColumn:
-      return QStringLiteral("Color");
-    case k_ValueColumn:
-      return QStringLiteral("Value");
-    case k_AnnotationColumn:
-      return QStringLiteral("Annotation");
-    default:
-      return {};
+      case k_ColorColumn:
+        return QStringLiteral("Color");
+      case k_ValueColumn:
+        return QStringLiteral("Value");
+      case k_AnnotationColumn:
+        return QStringLiteral("Annotation");
+      default:
+        return {};
     }
   }
   return QAbstractTableModel::headerData(section, orientation, role);
@@ -164,7 +167,9 @@ void VXLookupTableModel::colorButtonClicked(QModelIndex index)
   }
   else
   {
-    color = QColorDialog::getColor(oldColor, QApplication::activeWindow(), k_ColorDialogTitle,
+    color = QColorDialog::getColor(oldColor,
+                                   QApplication::activeWindow(),
+                                   k_ColorDialogTitle,
                                    QColorDialog::DontUseNativeDialog);
   }
   const QModelIndex colorIndex = this->index(index.row(), k_ColorColumn);

@@ -27,9 +27,12 @@ TEST_F(LookupTableModelTest, HeadersColumnsAndCells)
   EXPECT_EQ(m_Model.columnCount(), 3);
   EXPECT_EQ(m_Model.rowCount(), 3);
   EXPECT_EQ(m_Model.rowCount(m_Model.index(0, 0)), 0);
-  EXPECT_EQ(m_Model.headerData(VXLookupTableModel::k_ColorColumn, Qt::Horizontal).toString(), "Color");
-  EXPECT_EQ(m_Model.headerData(VXLookupTableModel::k_ValueColumn, Qt::Horizontal).toString(), "Value");
-  EXPECT_EQ(m_Model.headerData(VXLookupTableModel::k_AnnotationColumn, Qt::Horizontal).toString(), "Annotation");
+  EXPECT_EQ(m_Model.headerData(VXLookupTableModel::k_ColorColumn, Qt::Horizontal).toString(),
+            "Color");
+  EXPECT_EQ(m_Model.headerData(VXLookupTableModel::k_ValueColumn, Qt::Horizontal).toString(),
+            "Value");
+  EXPECT_EQ(m_Model.headerData(VXLookupTableModel::k_AnnotationColumn, Qt::Horizontal).toString(),
+            "Annotation");
 
   for(const int role : {int(Qt::DisplayRole), int(Qt::EditRole)})
   {
@@ -54,12 +57,16 @@ TEST_F(LookupTableModelTest, EditingAValueSignalsValueChangedOnlyForTheValueColu
   QSignalSpy changed(&m_Model, &QAbstractItemModel::dataChanged);
 
   EXPECT_TRUE(m_Model.setData(m_Model.index(0, VXLookupTableModel::k_ValueColumn), "10"));
-  EXPECT_TRUE(m_Model.setData(m_Model.index(0, VXLookupTableModel::k_AnnotationColumn), "Martensite"));
-  EXPECT_TRUE(m_Model.setData(m_Model.index(0, VXLookupTableModel::k_ColorColumn), QColor(Qt::yellow)));
-  EXPECT_FALSE(m_Model.setData(m_Model.index(0, VXLookupTableModel::k_ValueColumn), "11", Qt::DisplayRole));
+  EXPECT_TRUE(
+    m_Model.setData(m_Model.index(0, VXLookupTableModel::k_AnnotationColumn), "Martensite"));
+  EXPECT_TRUE(
+    m_Model.setData(m_Model.index(0, VXLookupTableModel::k_ColorColumn), QColor(Qt::yellow)));
+  EXPECT_FALSE(
+    m_Model.setData(m_Model.index(0, VXLookupTableModel::k_ValueColumn), "11", Qt::DisplayRole));
 
   ASSERT_EQ(values.count(), 1);
-  EXPECT_EQ(values.at(0).at(0).value<QModelIndex>(), m_Model.index(0, VXLookupTableModel::k_ValueColumn));
+  EXPECT_EQ(values.at(0).at(0).value<QModelIndex>(),
+            m_Model.index(0, VXLookupTableModel::k_ValueColumn));
   EXPECT_EQ(changed.count(), 3);
   const auto row = m_Model.table().at(0);
   EXPECT_EQ(row.value, "10");
@@ -89,11 +96,13 @@ TEST_F(LookupTableModelTest, ColourButtonTakesThePickedColourAndKeepsTheOldOnCan
   QString title;
   QColor initial;
   QColor answer(10, 20, 30);
-  VXLookupTableModel::setColorDialogFunction([&](const QColor& start, const QString& dialogTitle) {
-    initial = start;
-    title = dialogTitle;
-    return answer;
-  });
+  VXLookupTableModel::setColorDialogFunction(
+    [&](const QColor& start, const QString& dialogTitle)
+    {
+      initial = start;
+      title = dialogTitle;
+      return answer;
+    });
   QSignalSpy changed(&m_Model, &QAbstractItemModel::dataChanged);
 
   m_Model.colorButtonClicked(m_Model.index(2, VXLookupTableModel::k_AnnotationColumn));

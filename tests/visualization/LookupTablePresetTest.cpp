@@ -17,7 +17,9 @@ using namespace lut;
 
 namespace
 {
-Preset IndexedPreset(std::vector<float> colors, nlohmann::json annotations, std::vector<float> nan = {})
+Preset IndexedPreset(std::vector<float> colors,
+                     nlohmann::json annotations,
+                     std::vector<float> nan = {})
 {
   Preset preset;
   preset.name = "Test Indexed";
@@ -95,7 +97,8 @@ TEST_F(LookupTableTest, RgbJsonIsStretchedOntoTheCurrentRangeInRgbSpace)
   const std::vector<Node> expected = {{-50, 0, 0, 0}, {-12.5, 0.5, 0.5, 0.5}, {50, 1, 1, 1}};
   EXPECT_EQ(Nodes(ctf), expected);
   EXPECT_EQ(ctf->GetColorSpace(), VTK_CTF_RGB);
-  EXPECT_EQ(table.getColorPresetArray(), (QList<QString>{"0/0/0/0", "0.75/0.5/0.5/0.5", "2/1/1/1"}));
+  EXPECT_EQ(table.getColorPresetArray(),
+            (QList<QString>{"0/0/0/0", "0.75/0.5/0.5/0.5", "2/1/1/1"}));
 }
 
 TEST_F(LookupTableTest, IndexedRowsAnnotateEachValueWithItsColour)
@@ -108,7 +111,8 @@ TEST_F(LookupTableTest, IndexedRowsAnnotateEachValueWithItsColour)
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
   EXPECT_EQ(table.getIndexedPresetArray(), rows);
-  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{{1, "1"}, {3.5, "3.5"}, {7, "7"}}));
+  EXPECT_EQ(Annotations(ctf),
+            (std::vector<std::pair<double, std::string>>{{1, "1"}, {3.5, "3.5"}, {7, "7"}}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{1, 0, 0}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 3.5), (std::array<double, 3>{0, 1, 0}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 7.0), (std::array<double, 3>{0, 0, 1}));
@@ -177,8 +181,9 @@ TEST_F(LookupTableTest, ThirtyThreeValuesWarnThenAllTakeTheFirstColour)
   EXPECT_EQ(warning, VXLookupTable::IndexedValueWarning::TooManyValues);
   ASSERT_EQ(m_Questions.size(), 1u);
   EXPECT_EQ(m_Questions[0].title, "Too many discrete values to determine color map annotations");
-  EXPECT_EQ(m_Questions[0].text, "More than 32 unique values were found in the active array (Phases). "
-                                 "Categorical coloring may not be the best color map to use for this data set");
+  EXPECT_EQ(m_Questions[0].text,
+            "More than 32 unique values were found in the active array (Phases). "
+            "Categorical coloring may not be the best color map to use for this data set");
   EXPECT_EQ(m_Questions[0].checkBoxText, "Do Not Show Again");
 
   std::set<double> values;
@@ -234,17 +239,19 @@ TEST_F(LookupTableTest, MoreValuesThanColoursWarningTextAndDoNotShowAgain)
   ASSERT_EQ(m_Questions.size(), 1u);
   EXPECT_EQ(m_Questions[0].kind, VXLookupTable::UserQuestion::Kind::Warning);
   EXPECT_EQ(m_Questions[0].title, "One or more colors mapping to multiple array values");
-  EXPECT_EQ(m_Questions[0].text,
-            "The number of unique array values (12) is greater than the number of colors in the selected "
-            "preset (10). This means that some colors may be mapped to more than one array value. It is "
-            "strongly recommended that you select a preset 12 or more colors.");
+  EXPECT_EQ(
+    m_Questions[0].text,
+    "The number of unique array values (12) is greater than the number of colors in the selected "
+    "preset (10). This means that some colors may be mapped to more than one array value. It is "
+    "strongly recommended that you select a preset 12 or more colors.");
   EXPECT_FALSE(KXPreferences::getAllowMoreValuesThanIndexedColors());
   EXPECT_TRUE(KXPreferences::getAllowTooManyIndexedValues());
 
   // the choice persists, and the warning stays away
   QtKXSettings settings;
   EXPECT_FALSE(settings.childGroups().isEmpty());
-  EXPECT_EQ(VXLookupTable::checkIndexedValueCount(12, 10, "Phases"), VXLookupTable::IndexedValueWarning::None);
+  EXPECT_EQ(VXLookupTable::checkIndexedValueCount(12, 10, "Phases"),
+            VXLookupTable::IndexedValueWarning::None);
 
   m_Questions.clear();
   VXLookupTable::checkIndexedValueCount(40, 50, "Grains");
@@ -254,15 +261,17 @@ TEST_F(LookupTableTest, MoreValuesThanColoursWarningTextAndDoNotShowAgain)
 TEST_F(LookupTableTest, IndexedJsonWithAnnotationsGivesValuesLabelsAndColours)
 {
   VXLookupTable table;
-  const Preset preset = IndexedPreset({1, 0, 0, 0, 1, 0, 0, 0, 1},
-                                      nlohmann::json::array({5, "Ferrite", "2", "Austenite", 9.5, 42}),
-                                      {0.2f, 0.2f, 0.2f});
+  const Preset preset =
+    IndexedPreset({1, 0, 0, 0, 1, 0, 0, 0, 1},
+                  nlohmann::json::array({5, "Ferrite", "2", "Austenite", 9.5, 42}),
+                  {0.2f, 0.2f, 0.2f});
   table.parseIndexedJson(preset);
 
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
-  EXPECT_EQ(Annotations(ctf),
-            (std::vector<std::pair<double, std::string>>{{2, "Austenite"}, {5, "Ferrite"}, {9.5, "42"}}));
+  EXPECT_EQ(
+    Annotations(ctf),
+    (std::vector<std::pair<double, std::string>>{{2, "Austenite"}, {5, "Ferrite"}, {9.5, "42"}}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 5.0), (std::array<double, 3>{1, 0, 0}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{0, 1, 0}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 9.5), (std::array<double, 3>{0, 0, 1}));
@@ -279,13 +288,15 @@ TEST_F(LookupTableTest, IndexedJsonWithWrongAnnotationCountChangesNothing)
   const auto nodes = Nodes(ctf);
   const auto annotations = Annotations(ctf);
 
-  table.parseIndexedJson(IndexedPreset({1, 1, 1, 0, 0, 0}, nlohmann::json::array({1, "one"}), {1, 0, 0}));
+  table.parseIndexedJson(
+    IndexedPreset({1, 1, 1, 0, 0, 0}, nlohmann::json::array({1, "one"}), {1, 0, 0}));
   EXPECT_EQ(Nodes(ctf), nodes);
   EXPECT_EQ(Annotations(ctf), annotations);
   EXPECT_EQ(table.getNANColor(), QColor::fromRgbF(0.5f, 0.75f, 0.0f));
 
-  table.parseIndexedJson(IndexedPreset({1, 1, 1, 0, 0, 0}, nlohmann::json::array({1, "one"}), {1, 0, 0}),
-                         std::set<double>{1.0, 2.0, 3.0});
+  table.parseIndexedJson(
+    IndexedPreset({1, 1, 1, 0, 0, 0}, nlohmann::json::array({1, "one"}), {1, 0, 0}),
+    std::set<double>{1.0, 2.0, 3.0});
   EXPECT_EQ(Nodes(ctf), nodes);
   EXPECT_EQ(Annotations(ctf), annotations);
   EXPECT_TRUE(m_Questions.empty());
@@ -295,14 +306,15 @@ TEST_F(LookupTableTest, IndexedJsonWithoutAnnotationsRecoloursKnownValuesWrappin
 {
   VXLookupTable table;
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  table.parseIndexedJson(
-    IndexedPreset({0, 0, 0, 0, 0, 0, 0, 0, 0}, nlohmann::json::array({1, "Grain A", 2, "Grain B", 3, "Pore"})));
+  table.parseIndexedJson(IndexedPreset(
+    {0, 0, 0, 0, 0, 0, 0, 0, 0}, nlohmann::json::array({1, "Grain A", 2, "Grain B", 3, "Pore"})));
   ASSERT_EQ(ctf->GetSize(), 3);
 
   table.parseIndexedJson(IndexedPreset({1, 0, 0, 0, 1, 0, 0, 0}, nullptr));
   // eight floats: node 2 takes floats 6, 7 and 8 % 8 = 0
-  EXPECT_EQ(Annotations(ctf),
-            (std::vector<std::pair<double, std::string>>{{1, "Grain A"}, {2, "Grain B"}, {3, "Pore"}}));
+  EXPECT_EQ(
+    Annotations(ctf),
+    (std::vector<std::pair<double, std::string>>{{1, "Grain A"}, {2, "Grain B"}, {3, "Pore"}}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{1, 0, 0}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{0, 1, 0}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 3.0), (std::array<double, 3>{0, 0, 1}));
@@ -343,7 +355,8 @@ TEST_F(LookupTableTest, UniqueValuesWithoutAnnotationsTakeThePresetColoursInTurn
 {
   VXLookupTable table;
   QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
-  table.parseIndexedJson(IndexedPreset({1, 0, 0, 0, 1, 0}, nullptr), std::set<double>{-1.0, 0.125, 8.0});
+  table.parseIndexedJson(IndexedPreset({1, 0, 0, 0, 1, 0}, nullptr),
+                         std::set<double>{-1.0, 0.125, 8.0});
 
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
@@ -364,8 +377,9 @@ TEST_F(LookupTableTest, UniqueValuesWithoutAnnotationsTakeThePresetColoursInTurn
 TEST_F(LookupTableTest, UniqueValuesKnownToTheAnnotationsAskNothing)
 {
   VXLookupTable table;
-  table.parseIndexedJson(IndexedPreset({1, 0, 0, 0, 1, 0}, nlohmann::json::array({"1", "Matrix", 2, "Precipitate"})),
-                         std::set<double>{2.0});
+  table.parseIndexedJson(
+    IndexedPreset({1, 0, 0, 0, 1, 0}, nlohmann::json::array({"1", "Matrix", 2, "Precipitate"})),
+    std::set<double>{2.0});
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_TRUE(m_Questions.empty());
   EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{{2, "Precipitate"}}));
@@ -379,20 +393,22 @@ TEST_F(LookupTableTest, MissingValuesAskOnceAndCanTakeTheNanColour)
   VXLookupTable table;
   QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
   m_Answer.button = 0;
-  table.parseIndexedJson(IndexedPreset({1, 0, 0}, nlohmann::json::array({1, "Matrix"}), {0, 0, 0.5f}),
-                         std::set<double>{1.0, 2.0, 3.0});
+  table.parseIndexedJson(
+    IndexedPreset({1, 0, 0}, nlohmann::json::array({1, "Matrix"}), {0, 0, 0.5f}),
+    std::set<double>{1.0, 2.0, 3.0});
 
   ASSERT_EQ(m_Questions.size(), 1u);
   const auto& question = m_Questions[0];
   EXPECT_EQ(question.title, "Missing annotated values in color map");
   EXPECT_EQ(question.text,
-            "Some of the data in the active data array does not appear in the selected color map. Would you like "
-            "to use the NaN color for the missing values, auto generate new colors for the missing values, or "
-            "cancel and select a new color map?");
+            "Some of the data in the active data array does not appear in the selected color map. "
+            "Would you like to use the NaN color for the missing values, auto generate new colors "
+            "for the missing values, or cancel and select a new color map?");
   EXPECT_EQ(question.buttons, (QStringList{"Use NaN Color", "Generate New Colors", "Cancel"}));
 
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{{1, "Matrix"}, {2, "2"}, {3, "3"}}));
+  EXPECT_EQ(Annotations(ctf),
+            (std::vector<std::pair<double, std::string>>{{1, "Matrix"}, {2, "2"}, {3, "3"}}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{1, 0, 0}));
   const auto nodes = Nodes(ctf);
   ASSERT_EQ(nodes.size(), 3u);
@@ -412,8 +428,9 @@ TEST_F(LookupTableTest, MissingValuesCanTakeGeneratedColoursAndSyncTheMap)
   EXPECT_EQ(m_Questions.size(), 1u);
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetSize(), 4);
-  EXPECT_EQ(Annotations(ctf),
-            (std::vector<std::pair<double, std::string>>{{0, "0"}, {1, "Matrix"}, {2, "2"}, {3, "3"}}));
+  EXPECT_EQ(
+    Annotations(ctf),
+    (std::vector<std::pair<double, std::string>>{{0, "0"}, {1, "Matrix"}, {2, "2"}, {3, "3"}}));
   EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{1, 0, 0}));
   ASSERT_EQ(sync.count(), 1);
   EXPECT_EQ(sync.at(0).at(0).value<vtkSmartPointer<vtkColorTransferFunction>>().Get(), ctf);
@@ -434,8 +451,9 @@ TEST_F(LookupTableTest, CancellingTheMissingValuesQuestionLeavesAnEmptyIndexedMa
     VXLookupTable table;
     QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
     m_Answer.button = button;
-    table.parseIndexedJson(IndexedPreset({1, 0, 0}, nlohmann::json::array({1, "Matrix"}), {0, 0, 1}),
-                           std::set<double>{1.0, 2.0});
+    table.parseIndexedJson(
+      IndexedPreset({1, 0, 0}, nlohmann::json::array({1, "Matrix"}), {0, 0, 1}),
+      std::set<double>{1.0, 2.0});
     vtkColorTransferFunction* ctf = table.getColorTransferFunction();
     EXPECT_EQ(ctf->GetSize(), 0) << button;
     EXPECT_EQ(ctf->GetNumberOfAnnotatedValues(), 0);
@@ -448,8 +466,10 @@ TEST_F(LookupTableTest, CancellingTheMissingValuesQuestionLeavesAnEmptyIndexedMa
 TEST_F(LookupTableTest, EmptyUniqueValuesFallBackToThePresetAlone)
 {
   VXLookupTable table;
-  table.parseIndexedJson(IndexedPreset({0, 0, 1}, nlohmann::json::array({4, "Void"})), std::set<double>{});
-  EXPECT_EQ(Annotations(table.getColorTransferFunction()), (std::vector<std::pair<double, std::string>>{{4, "Void"}}));
+  table.parseIndexedJson(IndexedPreset({0, 0, 1}, nlohmann::json::array({4, "Void"})),
+                         std::set<double>{});
+  EXPECT_EQ(Annotations(table.getColorTransferFunction()),
+            (std::vector<std::pair<double, std::string>>{{4, "Void"}}));
   EXPECT_EQ(table.getIndexedPresetArray(), (QList<QString>{"4/0/0/1"}));
 }
 

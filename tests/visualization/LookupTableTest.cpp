@@ -69,7 +69,8 @@ TEST_F(LookupTableTest, SetRangeKeepsRelativePositionsOverManyChanges)
     double max;
     double middle;
   };
-  const Step steps[] = {{10.0, 50.0, 20.0}, {-4.0, 4.0, -2.0}, {1e-3, 2e-3, 1.25e-3}, {0.0, 1000.0, 250.0}};
+  const Step steps[] = {
+    {10.0, 50.0, 20.0}, {-4.0, 4.0, -2.0}, {1e-3, 2e-3, 1.25e-3}, {0.0, 1000.0, 250.0}};
   for(const Step& step : steps)
   {
     table.setRange(step.min, step.max);
@@ -78,7 +79,8 @@ TEST_F(LookupTableTest, SetRangeKeepsRelativePositionsOverManyChanges)
     EXPECT_DOUBLE_EQ(nodes[0][0], step.min);
     EXPECT_NEAR(nodes[1][0], step.middle, 1e-12 * (step.max - step.min + 1.0));
     EXPECT_DOUBLE_EQ(nodes[2][0], step.max);
-    EXPECT_EQ((std::array<double, 3>{nodes[1][1], nodes[1][2], nodes[1][3]}), (std::array<double, 3>{0.5, 0.0, 1.0}));
+    EXPECT_EQ((std::array<double, 3>{nodes[1][1], nodes[1][2], nodes[1][3]}),
+              (std::array<double, 3>{0.5, 0.0, 1.0}));
     EXPECT_EQ(table.getRange(), (std::array<double, 2>{step.min, step.max}));
   }
 }
@@ -96,7 +98,8 @@ TEST_F(LookupTableTest, SetRangeOfEqualBoundsGivesTwoNodesOfTheLowColour)
   EXPECT_EQ(nodes[1][0], std::nextafter(5.0, DBL_MAX));
   for(const Node& node : nodes)
   {
-    EXPECT_EQ((std::array<double, 3>{node[1], node[2], node[3]}), (std::array<double, 3>{0.0, 0.0, 1.0}));
+    EXPECT_EQ((std::array<double, 3>{node[1], node[2], node[3]}),
+              (std::array<double, 3>{0.0, 0.0, 1.0}));
   }
 
   // a constant map has no shape left: widening it again gives the default map
@@ -167,7 +170,8 @@ TEST_F(LookupTableTest, InvertReversesColoursAndKeepsUnevenPositions)
 
   table.invert();
   EXPECT_TRUE(table.isInverted());
-  const std::vector<Node> inverted = {{0.0, 1, 1, 1}, {0.1, 0, 0, 1}, {0.7, 0, 1, 0}, {1.0, 1, 0, 0}};
+  const std::vector<Node> inverted = {
+    {0.0, 1, 1, 1}, {0.1, 0, 0, 1}, {0.7, 0, 1, 0}, {1.0, 1, 0, 0}};
   EXPECT_EQ(Nodes(ctf), inverted);
   EXPECT_RGB_NEAR(ColorAt(ctf, 0.1), (std::array<double, 3>{0.0, 0.0, 1.0}));
 

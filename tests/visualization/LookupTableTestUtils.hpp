@@ -83,10 +83,12 @@ protected:
     KXPreferences::setDefaultColorPreset(DefaultPreset());
     KXPreferences::setAllowTooManyIndexedValues(true);
     KXPreferences::setAllowMoreValuesThanIndexedColors(true);
-    VXLookupTable::setAskUserFunction([this](const VXLookupTable::UserQuestion& question) {
-      m_Questions.push_back(question);
-      return m_Answer;
-    });
+    VXLookupTable::setAskUserFunction(
+      [this](const VXLookupTable::UserQuestion& question)
+      {
+        m_Questions.push_back(question);
+        return m_Answer;
+      });
   }
 
   void TearDown() override
