@@ -1,24 +1,34 @@
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 
-#include <QVTKOpenGLNativeWidget.h>
+#include <KXComponents/KXPreferences.hpp>
+
+#include <vtkCamera.h>
 #include <vtkGenericOpenGLRenderWindow.h>
+#include <vtkProp.h>
+#include <vtkRenderWindowInteractor.h>
 #include <vtkRenderer.h>
 
-#include <QtCore/QTimer>
-#include <QtWidgets/QVBoxLayout>
-
-VXVisualizationWidget::VXVisualizationWidget(QWidget* parent, int numberOfLayers)
-: QWidget(parent)
-, m_OpenGLWidget(new QVTKOpenGLNativeWidget(this))
-, m_RenderWindow(vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New())
-, m_Renderer(vtkSmartPointer<vtkRenderer>::New())
+VXVisualizationWidget::VXVisualizationWidget(QWidget* parent, int numRenderLayers)
+: VXGLWidget(parent)
+, m_NumRenderLayers(numRenderLayers > 0 ? numRenderLayers : 1)
 {
-  auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(m_OpenGLWidget);
-  m_RenderWindow->SetNumberOfLayers(numberOfLayers > 0 ? numberOfLayers : 1);
-  m_RenderWindow->AddRenderer(m_Renderer);
-  m_OpenGLWidget->setRenderWindow(m_RenderWindow);
+  m_Renderer = vtkSmartPointer<vtkRenderer>::New();
+  m_Renderer->SetLayer(0);
+  m_OutlineRenderer = vtkSmartPointer<vtkRenderer>::New();
+  m_OutlineRenderer->SetLayer(1);
+  const QColor background = KXPreferences::getDefaultRenderWindowBackground();
+  m_Renderer->SetBackground(background.redF(), background.greenF(), background.blueF());
+  m_OutlineRenderer->SetBackground(background.redF(), background.greenF(), background.blueF());
+
+  auto window = vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New();
+  window->SetMultiSamples(8);
+  setRenderWindow(window);
+  window->SetNumberOfLayers(m_NumRenderLayers);
+  window->AddRenderer(m_OutlineRenderer);
+  window->AddRenderer(m_Renderer);
+  m_Renderer->GetActiveCamera()->SetParallelProjection(KXPreferences::getCameraParallelProjDefault());
+  // both renderers look through one camera
+  m_OutlineRenderer->SetActiveCamera(m_Renderer->GetActiveCamera());
 }
 
 VXVisualizationWidget::~VXVisualizationWidget() = default;
@@ -28,22 +38,47 @@ vtkRenderer* VXVisualizationWidget::getRenderer() const
   return m_Renderer;
 }
 
-vtkGenericOpenGLRenderWindow* VXVisualizationWidget::getRenderWindow() const
+vtkRenderer* VXVisualizationWidget::getOutlineRenderer() const
 {
-  return m_RenderWindow;
+  return m_OutlineRenderer;
+}
+
+vtkRenderWindowInteractor* VXVisualizationWidget::getRenderWindowInteractor() const
+{
+  return renderWindow() != nullptr ? renderWindow()->GetInteractor() : nullptr;
+}
+
+void VXVisualizationWidget::addActor(vtkProp* prop)
+{
+  m_Renderer->AddViewProp(prop);
+  Q_EMIT actorAdded(prop);
+}
+
+void VXVisualizationWidget::removeActor(vtkProp* prop)
+{
+  Q_EMIT actorRemoved(prop);
+  m_Renderer->RemoveViewProp(prop);
 }
 
 void VXVisualizationWidget::render()
 {
-  if(m_RenderPending)
+  if(m_RenderPending != 0)
     return;
-  m_RenderPending = true;
-  QTimer::singleShot(0, this, &VXVisualizationWidget::renderNow);
+  m_RenderPending = 1;
+  QMetaObject::invokeMethod(this, &VXVisualizationWidget::renderQueued, Qt::QueuedConnection);
 }
 
-void VXVisualizationWidget::renderNow()
+void VXVisualizationWidget::renderQueued()
 {
-  m_RenderPending = false;
+  m_RenderPending = 0;
   m_FrameCount++;
-  m_RenderWindow->Render();
+  if(renderWindow() != nullptr && renderWindow()->GetInteractor() != nullptr)
+    renderWindow()->GetInteractor()->Render();
+  update();
+}
+
+void VXVisualizationWidget::resetCamera()
+{
+  m_Renderer->ResetCamera();
+  render();
 }

@@ -1,44 +1,54 @@
 #pragma once
 
-#include "KXVtkLib_export.h"
-
-#include <QtWidgets/QWidget>
+#include "visualization/QtWidgets/VXGLWidget.hpp"
 
 #include <vtkSmartPointer.h>
 
-class QVTKOpenGLNativeWidget;
 class vtkGenericOpenGLRenderWindow;
+class vtkProp;
 class vtkRenderer;
+class vtkRenderWindowInteractor;
 
 /**
- * The render widget of one view: a VTK render window in a Qt widget. Nobody
- * draws directly: render() only asks for a frame, and any number of requests
- * made in one turn of the event loop give one frame.
+ * The widget that owns one view's VTK scene: the scene renderer (layer 0) and
+ * the outline renderer (layer 1) on a layered render window. Nobody draws
+ * directly: render() only asks for a frame, and any number of requests made
+ * in one turn of the event loop give one frame.
  */
-class KXVTKLIB_EXPORT VXVisualizationWidget : public QWidget
+class KXVTKLIB_EXPORT VXVisualizationWidget : public VXGLWidget
 {
   Q_OBJECT
 
 public:
-  explicit VXVisualizationWidget(QWidget* parent = nullptr, int numberOfLayers = 2);
+  explicit VXVisualizationWidget(QWidget* parent = nullptr, int numRenderLayers = 2);
   ~VXVisualizationWidget() override;
 
   vtkRenderer* getRenderer() const;
-  vtkGenericOpenGLRenderWindow* getRenderWindow() const;
-  QVTKOpenGLNativeWidget* getOpenGLWidget() const { return m_OpenGLWidget; }
+  vtkRenderer* getOutlineRenderer() const;
+  vtkRenderWindowInteractor* getRenderWindowInteractor() const;
+  /** Adds a prop to the scene. */
+  void addActor(vtkProp* prop);
+  void removeActor(vtkProp* prop);
   /** Frames drawn so far. */
   int frameCount() const { return m_FrameCount; }
 
 public Q_SLOTS:
   /** Schedules one frame for the next turn of the event loop; repeated calls before it merge. */
   void render();
-  /** Draws now. */
-  void renderNow();
+  virtual void resetCamera();
+
+Q_SIGNALS:
+  void mousePressed();
+  void actorAdded(vtkProp* prop);
+  void actorRemoved(vtkProp* prop);
+
+private Q_SLOTS:
+  void renderQueued();
 
 private:
-  QVTKOpenGLNativeWidget* m_OpenGLWidget = nullptr;
-  vtkSmartPointer<vtkGenericOpenGLRenderWindow> m_RenderWindow;
   vtkSmartPointer<vtkRenderer> m_Renderer;
-  bool m_RenderPending = false;
+  vtkSmartPointer<vtkRenderer> m_OutlineRenderer;
+  int m_NumRenderLayers = 2;
+  int m_RenderPending = 0;
   int m_FrameCount = 0;
 };
