@@ -167,9 +167,9 @@ TEST(FileBridge, SameFileTwiceGetsASuffix)
   EXPECT_EQ(pipeline.bridges()[2]->name(), "Hexahedron.vtu (2)");
 }
 
-// The watcher on a real file: a rewrite reloads without a word, a delete flags
-// the item once, and watching again after the file is back reloads it.
-TEST(FileBridge, WatchedFileFollowsRewriteDeleteAndReturn)
+// The watcher on a real file: a rewrite reloads without a word, a rename or a
+// delete flags the item once, and watching again after the file is back reloads it.
+TEST(FileBridge, WatchedFileFollowsRewriteRenameAndDelete)
 {
   ScopedSettings settings;
   kxtest::TempDir dir;
@@ -196,8 +196,9 @@ TEST(FileBridge, WatchedFileFollowsRewriteDeleteAndReturn)
   EXPECT_EQ(popups.count(), 0);
   EXPECT_FALSE(bridge->autoReloadFlagged());
 
-  // delete: flagged, told once
-  std::filesystem::remove(path);
+  // renamed away: flagged, told once
+  const auto moved = dir / "moved.vtu";
+  std::filesystem::rename(path, moved);
   ASSERT_TRUE(waitFor([&] { return bridge->autoReloadFlagged(); }));
   QCoreApplication::processEvents();
   ASSERT_EQ(output.count(), 1);
@@ -210,14 +211,20 @@ TEST(FileBridge, WatchedFileFollowsRewriteDeleteAndReturn)
   // the data in memory stay usable
   EXPECT_EQ(bridge->dataSources().first()->getOutput()->GetNumberOfCells(), 96);
 
-  // the file comes back; watching again clears the flag and reloads
-  std::filesystem::copy_file(kxtest::DataFile("Hexahedron.vtu"), path);
+  // renamed back; watching again clears the flag and reloads
+  std::filesystem::rename(moved, path);
   const int reloadsBefore = reloaded.count();
   bridge->setWatchFile(true);
   EXPECT_FALSE(bridge->autoReloadFlagged());
   EXPECT_TRUE(bridge->isWatchingFile());
   EXPECT_EQ(reloaded.count(), reloadsBefore + 1);
-  EXPECT_EQ(bridge->dataSources().first()->getOutput()->GetNumberOfCells(), 7);
+  EXPECT_EQ(output.count(), 1);
+
+  // and a delete is told once too
+  std::filesystem::remove(path);
+  ASSERT_TRUE(waitFor([&] { return bridge->autoReloadFlagged(); }));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(output.count(), 2);
 }
 
 TEST(FileBridge, ReloadOfMissingFileAsksFirst)
