@@ -24,15 +24,23 @@ vtkSmartPointer<vtkDataSet> readOtherFile(const QString& path, const QString& su
   return nullptr;
 }
 
-VXUserPrompt::Question missingFileQuestion(const QString& text)
+/**
+ * Tells the user the file is gone and offers to locate it: the path chosen,
+ * or empty when the user declines or cancels.
+ */
+QString locateMissingFile(const QString& purpose, const QString& dialogTitle, const QString& filePath)
 {
   VXUserPrompt::Question question;
   question.icon = QMessageBox::Information;
   question.title = "Source File Missing";
-  question.text = text;
+  question.text = QString("The source file (%1) has been renamed or deleted. Do you want to locate the file to %2? (WARNING: This "
+                          "will overwrite the current data for this pipeline item with the data in the file selected!)")
+                    .arg(filePath, purpose);
   question.buttons = QMessageBox::Yes | QMessageBox::No;
   question.defaultButton = QMessageBox::No;
-  return question;
+  if(VXUserPrompt::ask(nullptr, question) != QMessageBox::Yes)
+    return {};
+  return VXUserPrompt::getOpenFileName(nullptr, dialogTitle, FileToVXBridge::FileFilterList());
 }
 } // namespace
 
@@ -114,14 +122,7 @@ void FileToVXBridge::reload()
   }
   if(m_Flagged || !QFileInfo::exists(m_FilePath))
   {
-    const auto answer = VXUserPrompt::ask(
-      nullptr, missingFileQuestion(QString("The source file (%1) has been renamed or deleted. Do you want to locate the file to "
-                                           "reload? (WARNING: This will overwrite the current data for this pipeline item "
-                                           "with the data in the file selected!)")
-                                     .arg(m_FilePath)));
-    if(answer != QMessageBox::Yes)
-      return;
-    const QString located = VXUserPrompt::getOpenFileName(nullptr, "Locate File To Reload", FileFilterList());
+    const QString located = locateMissingFile("reload", "Locate File To Reload", m_FilePath);
     if(located.isEmpty())
       return;
     m_FilePath = located;
@@ -196,14 +197,7 @@ void FileToVXBridge::setWatchFile(bool watch)
     return;
   if(!QFileInfo::exists(m_FilePath))
   {
-    const auto answer = VXUserPrompt::ask(
-      nullptr, missingFileQuestion(QString("The source file (%1) has been renamed or deleted. Do you want to locate the file to "
-                                           "watch for automatic reloading? (WARNING: This will overwrite the current data for "
-                                           "this pipeline item with the data in the file selected!)")
-                                     .arg(m_FilePath)));
-    if(answer != QMessageBox::Yes)
-      return;
-    const QString located = VXUserPrompt::getOpenFileName(nullptr, "Locate File To Watch", FileFilterList());
+    const QString located = locateMissingFile("watch for automatic reloading", "Locate File To Watch", m_FilePath);
     if(located.isEmpty())
       return;
     m_FilePath = located;
