@@ -91,6 +91,20 @@ TEST(SelectiveImport, ReportsUnreadableFilesAndFilesWithoutGeometries)
     EXPECT_EQ(error, QString("The file '%1' could not be read as a VOXELIA file.").arg(qpath));
   }
 
+  // a good file cut short anywhere
+  const auto good = writeMixedFile(tmp);
+  const auto size = std::filesystem::file_size(good);
+  for(double fraction : {0.1, 0.5, 0.9, 0.999})
+  {
+    const auto cut = tmp / ("cut_" + std::to_string(static_cast<int>(fraction * 1000)) + ".voxelia");
+    std::filesystem::copy_file(good, cut);
+    std::filesystem::resize_file(cut, static_cast<std::uintmax_t>(static_cast<double>(size) * fraction));
+    QString error;
+    const QString qpath = QString::fromStdString(cut.string());
+    EXPECT_EQ(VB::selectivelyImportGeometryData(qpath, &error), nullptr) << fraction;
+    EXPECT_EQ(error, QString("The file '%1' could not be read as a VOXELIA file.").arg(qpath)) << fraction;
+  }
+
   DataStructure noGeometry;
   bridgetest::makeArray<int32>(noGeometry, "Numbers", {1, 2, 3}, {3});
   const auto tablePath = tmp / "table.voxelia";
