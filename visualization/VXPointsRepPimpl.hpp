@@ -1,0 +1,192 @@
+#pragma once
+
+#include "visualization/VXOutlineRepPimpl.hpp"
+
+#include <kxcore/ColorPreset.hpp>
+
+#include <QtCore/QSharedPointer>
+#include <QtWidgets/QComboBox>
+
+#include <KXComponents/ColorPresetsDialog.hpp>
+
+#include <vtkGeometryFilter.h>
+#include <vtkScalarBarRepresentation.h>
+#include <vtkScalarBarWidget.h>
+
+#include <map>
+#include <set>
+
+class ColorPresetsDialog;
+class QComboBox;
+class vtkDataArray;
+class vtkDataSet;
+class vtkGeometryFilter;
+class vtkScalarBarRepresentation;
+class vtkScalarBarWidget;
+
+/**
+ * The points data view in one render view: the data's own geometry drawn as
+ * points, coloured by an array (component or magnitude) through this view's
+ * lookup table, or by a solid colour. It adds the legend, categorical colours,
+ * presets, custom range, the histogram hook and the decimated copy of the
+ * geometry used while the camera moves. Wireframe and surface derive from it
+ * and only change how the actor is drawn.
+ */
+class KXVTKLIB_EXPORT VXPointsRepPimpl : public VXOutlineRepPimpl
+{
+  Q_OBJECT
+
+public:
+  using ColorPreset = kx::core::ColorTableUtilities::ColorPreset;
+  /** Distinct values by array name, then by component (-1 the magnitude). */
+  using UniqueValueCache = std::map<QString, std::map<int, std::set<double>>>;
+
+  VXPointsRepPimpl(VXAbstractViewWidget* view, VXRepresentation* owner);
+  ~VXPointsRepPimpl() override;
+
+  bool initialize(vtkAlgorithmOutput* port) override;
+  bool finalize() override;
+  void write(nlohmann::json& output) const override;
+  void read(const nlohmann::json& input) override;
+  vtkAlgorithmOutput* outputPort() override;
+  vtkAlgorithmOutput* inputPort() override;
+  void buildSettingsPage() override;
+  void connectParentColorSignals(bool trigger) override;
+  void disconnectParentColorSignals() override;
+  void setVisibility(bool visible) override;
+  void copyFrom(VXRepresentationPimpl* other) override;
+  void pasteSettingsFromClipboard() override;
+  void saveDefaultSettings() override;
+  void loadDefaultSettings() override;
+  void openHelp() override;
+  void updateToolTips() override;
+  void useFullGeometry() override;
+  void useDecimatedGeometry() override;
+  virtual VXLookupTable* lookupTable() const { return m_LookupTable.data(); }
+
+  /** Colours by the named array (point array before cell array); an empty name means none. */
+  void setActiveArray(const QString& arrayName);
+  /** Colours by a component of the active array; below -1 counts as -1, the magnitude. */
+  void setActiveComponent(int component);
+  QString activeArray() const { return m_ActiveArray; }
+  int activeComponent() const { return m_ActiveComponent; }
+  int scalarMapping() const { return m_ScalarMapping; }
+  QString legendTitle() const { return m_LegendTitle; }
+  bool showLegend() const { return m_ShowLegend; }
+  bool useSolidColor() const { return m_UseSolidColor; }
+  bool valuesAsCategories() const { return m_ValuesAsCategories; }
+  bool usingCustomRange() const { return m_UsingCustomRange; }
+  std::array<double, 2> customRange() const { return m_CustomRange; }
+  bool colorMapInverted() const { return m_ColorMapInverted; }
+  ColorPreset colorPreset() const { return m_ColorPreset; }
+  ColorPreset indexedColorPreset() const { return m_IndexedColorPreset; }
+  bool usingDefaultPreset() const { return m_UsingDefaultPreset; }
+  bool usingDefaultIndexedPreset() const { return m_UsingDefaultIndexedPreset; }
+  int pointSize() const { return m_PointSize; }
+  bool renderPointsAsSpheres() const { return m_RenderPointsAsSpheres; }
+  bool generateHistogram() const { return m_GenerateHistogram; }
+  const UniqueValueCache& uniqueValues() const { return m_UniqueValues; }
+  vtkScalarBarWidget* scalarBarWidget() const { return m_ScalarBarWidget; }
+  vtkScalarBarRepresentation* scalarBarRepresentation() const { return m_ScalarBarRepresentation; }
+  vtkGeometryFilter* geometryFilter() const { return m_GeometryFilter; }
+  vtkQuadricClustering* quadricClustering() const { return m_QuadricClustering; }
+  /** Whether the mapper shows the decimated copy. */
+  bool usingDecimatedGeometry() const { return m_UsingDecimatedGeometry; }
+  /**
+   * The distinct values of an array's component, computed once and cached; a
+   * walk that passes the categorical colour limit leaves an empty set.
+   */
+  std::set<double> computeUniqueValues(const QString& arrayName, int component);
+
+public Q_SLOTS:
+  void receivePipelineOutputReloaded() override;
+  void arrayNameComboTextChanged(QString text);
+  void arrayNameComboIndexChanged(int index);
+  void arrayComponentComboChanged(int index);
+  /** The scalar mapping combo: the chosen mode lands in the active component field, as the host expects. */
+  void updateColorMode(int index);
+  void updateArrayColoringChoices();
+  void loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset);
+  void loadIndexedPresetColors(kx::core::ColorTableUtilities::ColorPreset preset);
+  void restoreDefaultRgbPresetColors();
+  void restoreDefaultIndexedPresetColors();
+  void onDetachColorSettings(bool checked) override;
+  void setColorMapInverted(bool inverted);
+  void pointSizeChanged();
+  void pointSizeEdited(QString text);
+  void setRenderPointsAsSpheres(bool spheres);
+  void setScalarBarVisibility(bool visible);
+  void setScalarBarTitleText(QString arrayName);
+  /** "Scale to Data": the finite range of the active component goes to the lookup table. */
+  void rescaleToDataRange();
+  void rescaleToCustomRange(double min, double max);
+  void setNanColor(QColor color);
+  void editColorsButtonClicked();
+  void setUseSolidColor(bool checked);
+  void setInterpretValuesAsCategories(bool categories);
+  void setGenerateHistogram(bool generate);
+  void decimateGeometry() override;
+  void updateHistogram() override;
+  void onSyncColorMapToParentGeometry() override;
+
+Q_SIGNALS:
+  /** The data of the histogram changed: the array, its component and the range in use. */
+  void histogramDataChanged(vtkDataArray* array, int component, bool usingCustomRange, double rangeMin, double rangeMax);
+  /** The colour editor was asked for; hosts with a colour map editor open it. */
+  void editColorMapRequested(VXLookupTable* table);
+
+protected:
+  /** The data set this view colours from: the parent's output. */
+  vtkDataSet* inputDataSet() const;
+  vtkDataArray* activeDataArray() const;
+  /** Sets up the legend once and applies title, table and visibility. */
+  void setupScalarBar();
+  void applyIndexedPreset();
+  void syncControls() override;
+  void refillComponentCombo();
+  void loadPointsDefaults(QtKXSettings& settings);
+  void savePointsDefaults(QtKXSettings& settings) const;
+
+  vtkSmartPointer<vtkGeometryFilter> m_GeometryFilter;
+  QSharedPointer<VXLookupTable> m_LookupTable;
+  QSharedPointer<ColorPresetsDialog> m_ColorPresetsDialog;
+  vtkSmartPointer<vtkScalarBarWidget> m_ScalarBarWidget;
+  vtkSmartPointer<vtkScalarBarRepresentation> m_ScalarBarRepresentation;
+  bool m_ShowLegend = false;
+  UniqueValueCache m_UniqueValues;
+  bool m_BlockHistogram = false;
+  QString m_ActiveArray;
+  int m_ActiveComponent = -1;
+  int m_ScalarMapping = 1;
+  bool m_ColorMapInverted = false;
+  ColorPreset m_ColorPreset;
+  ColorPreset m_IndexedColorPreset;
+  bool m_UsingDefaultPreset = true;
+  bool m_UsingDefaultIndexedPreset = true;
+  int m_PointSize = 1;
+  bool m_RenderPointsAsSpheres = false;
+  bool m_UsingCustomRange = false;
+  std::array<double, 2> m_CustomRange = {0.0, 1.0};
+  bool m_UseSolidColor = false;
+  bool m_ValuesAsCategories = false;
+  bool m_GenerateHistogram = false;
+  QString m_LegendTitle;
+  bool m_UsingDecimatedGeometry = false;
+  bool m_HasLegendPositions = false;
+  std::array<double, 4> m_LegendPositions = {0.9, 0.175, 0.1, 0.5};
+
+  QPointer<QComboBox> m_ArrayCombo;
+  QPointer<QComboBox> m_ComponentCombo;
+  QPointer<QCheckBox> m_SolidColorCheckBox;
+  QPointer<QCheckBox> m_CategoriesCheckBox;
+  QPointer<QPushButton> m_ColorPresetButton;
+  QPointer<QPushButton> m_InvertColorBtn;
+  QPointer<QPushButton> m_EditColorMapButton;
+  QPointer<QPushButton> m_ScaleToDataButton;
+  QPointer<QPushButton> m_CustomRangeButton;
+  QPointer<QComboBox> m_ScalarMappingCombo;
+  QPointer<QLineEdit> m_PointSizeEdit;
+  QPointer<QCheckBox> m_SpheresCheckBox;
+  QPointer<QCheckBox> m_LegendCheckBox;
+  QPointer<QCheckBox> m_HistogramCheckBox;
+};

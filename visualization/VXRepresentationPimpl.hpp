@@ -1,0 +1,224 @@
+#pragma once
+
+#include "KXVtkLib_export.h"
+
+#include <nlohmann/json.hpp>
+
+#include <QtCore/QObject>
+#include <QtCore/QPointer>
+#include <QtCore/QString>
+#include <QtGui/QColor>
+#include <QtWidgets/QFrame>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QWidget>
+
+#include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
+#include <KXComponents/KXIconPushButton.hpp>
+#include <KXComponents/QElidedLabel.hpp>
+
+#include <vtkCallbackCommand.h>
+#include <vtkGridAxesActor3D.h>
+#include <vtkRenderWindowInteractor.h>
+#include <vtkSmartPointer.h>
+#include <vtkWeakPointer.h>
+
+#include <array>
+#include <vector>
+
+class KXIconPushButton;
+class QCheckBox;
+class QElidedLabel;
+class QFrame;
+class QScrollArea;
+class QWidget;
+class QtKXSettings;
+class VXAbstractViewWidget;
+class VXRepresentation;
+class VXVisualizationWidget;
+class vtkAlgorithmOutput;
+class vtkCallbackCommand;
+class vtkGridAxesActor3D;
+class vtkObject;
+class vtkRenderer;
+class vtkRenderWindowInteractor;
+
+/**
+ * The implementation of one data view in one render view. It owns everything
+ * tied to that view's renderer (actors, mappers, colour map, legend, data axes
+ * grid, local transform, settings page) and the settings that may differ from
+ * one split of a view to the next. A VXRepresentation holds one of these per
+ * view; a split copies the source's settings once (copyFrom) and they are
+ * independent afterwards.
+ */
+class KXVTKLIB_EXPORT VXRepresentationPimpl : public QObject
+{
+  Q_OBJECT
+
+public:
+  /** @param view the render view this implementation draws in; @param owner the item, not owned. */
+  VXRepresentationPimpl(VXAbstractViewWidget* view, VXRepresentation* owner);
+  ~VXRepresentationPimpl() override;
+
+  /** Builds the VTK chain on @p port and adds it to the view; false when nothing was added. */
+  virtual bool initialize(vtkAlgorithmOutput* port) = 0;
+  /** Takes everything out of the view; false when the view or renderer is gone. */
+  virtual bool finalize() = 0;
+  /** Writes this implementation's state keys. */
+  virtual void write(nlohmann::json& output) const;
+  /** Takes the state keys present in @p input; a key of the wrong type throws. */
+  virtual void read(const nlohmann::json& input);
+  virtual vtkAlgorithmOutput* outputPort() = 0;
+  virtual vtkAlgorithmOutput* inputPort() = 0;
+  virtual void buildSettingsPage() = 0;
+  /** Follows the parent data source's colours; with @p trigger the source replays them at once. */
+  virtual void connectParentColorSignals(bool trigger) = 0;
+  virtual void disconnectParentColorSignals() = 0;
+  virtual void bounds(double bounds[6]) = 0;
+  virtual bool isVisible() const = 0;
+  virtual void setVisibility(bool visible) = 0;
+  virtual void copySettingsToClipboard() = 0;
+  /** Takes the settings of another implementation of the same data view (a split). */
+  virtual void copyFrom(VXRepresentationPimpl* other);
+  virtual void pasteSettingsFromClipboard() = 0;
+  /** Asks, then writes the current settings as defaults for this class. */
+  virtual void saveDefaultSettings();
+  /** Reads the defaults of this class; missing keys keep the constructor's values. */
+  virtual void loadDefaultSettings();
+  virtual void openHelp();
+  /** The path name, the delimiter, "Split View " and the split id. */
+  virtual QString splitViewName() const;
+  virtual void setHighlighted(bool highlighted) = 0;
+  virtual void updateToolTips() = 0;
+  virtual void useFullGeometry() = 0;
+  virtual void useDecimatedGeometry() = 0;
+
+  VXAbstractViewWidget* view() const { return m_View; }
+  VXVisualizationWidget* visualizationWidget() const;
+  vtkRenderer* renderer() const;
+  VXRepresentation* owner() const { return m_Owner; }
+  /** The page of this implementation: title frame above the scroll area, built on first request. */
+  QWidget* settingsWidget();
+  QFrame* settingsTitleFrame() const { return m_SettingsTitleFrame; }
+
+  bool detachColorSettings() const { return m_DetachColorSettings; }
+  bool isDataGridVisible() const { return m_DataGridVisible; }
+  vtkGridAxesActor3D* gridAxes() const { return m_GridAxes; }
+  std::array<double, 3> gridAxesSpacing() const { return m_GridSpacing; }
+  bool gridLinesVisible() const { return m_GridLines; }
+  QColor gridColor() const { return m_GridColor; }
+  double gridOpacity() const;
+  bool gridLabelsVisible() const { return m_GridLabels; }
+  std::array<QString, 3> gridTitles() const { return m_GridTitles; }
+  /** The custom label values last given to the grid for an axis; empty where VTK labels the axis. */
+  std::vector<double> gridCustomLabels(int axis) const;
+  void setGridAxesOptions(const std::array<double, 3>& spacing, bool gridLines, const QColor& color, double opacity,
+                          bool labels, const std::array<QString, 3>& titles);
+  int splitId() const { return m_SplitId; }
+  bool isLinked() const { return m_Linked; }
+  void setLinked(bool linked) { m_Linked = linked; }
+  bool showBoxTool() const { return m_ShowBoxTool; }
+  std::array<double, 3> translation() const { return m_Translation; }
+  std::array<double, 3> rotation() const { return m_Rotation; }
+  std::array<double, 3> scale() const { return m_Scale; }
+  bool linkPhysicalUnits() const { return m_LinkPhysicalUnits; }
+  bool useDecimationOnInteraction() const { return m_UseDecimationOnInteraction; }
+  std::array<int, 3> numberOfDimensions() const { return m_DecimationDivisions; }
+  QString helpUrl() const { return m_HelpUrl; }
+
+  /** The settings group of a data view class: VisualizationSettings/RepresentationSettings/<typeName>. */
+  static void BeginSettingsGroup(QtKXSettings& settings, const QString& typeName);
+
+public Q_SLOTS:
+  virtual void receivePipelineOutputReloaded() = 0;
+  /** Shows or hides the data axes grid of this implementation, creating it on first use. */
+  void setDataGridVisibility(bool visible);
+  void updateGridAxesBounds();
+  void show();
+  void hide();
+  virtual void onSyncColorMapToParentGeometry() = 0;
+  virtual void applyTransform() = 0;
+  virtual void setTransform(const std::array<double, 3>& translation, const std::array<double, 3>& rotation,
+                            const std::array<double, 3>& scale);
+  void setTranslation(const std::array<double, 3>& translation);
+  void setRotation(const std::array<double, 3>& rotation);
+  void setScale(const std::array<double, 3>& scale);
+  void setNumberOfDimensions(std::array<int, 3> dimensions);
+  void setUseInputPoints(bool use);
+  void setUseFeatureEdges(bool use);
+  void setUseFeaturePoints(bool use);
+  void setUseInternalTriangles(bool use);
+  void setUseDecimationOnInteraction(bool use);
+  virtual void decimateGeometry() = 0;
+  virtual void updateHistogram() = 0;
+  /** Applies spacing, grid lines, colour, opacity, labels and titles to the grid actor. */
+  void setCustomGridAxesOptions();
+  /** The grid options dialog belongs to the render widget's module; nothing to open here yet. */
+  void showEditGridAxesDialog();
+
+Q_SIGNALS:
+  void showTransformBoxChanged(bool shown);
+
+protected:
+  /** Asks the view for one frame. */
+  void requestRender();
+  /** Creates the grid actor if missing and puts it in the renderer when both flags are on. */
+  void setupGridAxes();
+  /** The title row of the page: eye, help, save-defaults and grid buttons beside the name. */
+  void initializeSettingsTitle();
+  /** The display name used in the title-row tooltips and the save question. */
+  QString displayName() const;
+  /** Reads the base keys from an open group. */
+  void loadBaseDefaults(QtKXSettings& settings);
+  void saveBaseDefaults(QtKXSettings& settings) const;
+  /** True when the user agreed to overwrite the defaults. */
+  bool askSaveDefaults() const;
+  /** Writes the JSON of this implementation to the clipboard. */
+  void writeToClipboard() const;
+  /** The clipboard's JSON object, or null when the text is no JSON object. */
+  static nlohmann::json readClipboard();
+
+  static void OnInteractionEvent(vtkObject* caller, unsigned long eventId, void* clientData, void* callData);
+
+  bool m_DetachColorSettings = true;
+  bool m_DataGridVisible = false;
+  bool m_Visible = true;
+  vtkSmartPointer<vtkGridAxesActor3D> m_GridAxes;
+  QPointer<VXAbstractViewWidget> m_View;
+  QPointer<QWidget> m_SettingsWidget;
+  QPointer<QScrollArea> m_SettingsScrollArea;
+  QPointer<QFrame> m_SettingsTitleFrame;
+  QPointer<KXIconPushButton> m_VisibilityButton;
+  QPointer<KXIconPushButton> m_HelpButton;
+  QPointer<KXIconPushButton> m_SaveDefaultsButton;
+  QPointer<QElidedLabel> m_TitleLabel;
+  QPointer<KXIconPushButton> m_GridAxesButton;
+  QPointer<KXIconPushButton> m_GridAxesEditButton;
+  bool m_ShowBoxTool = false;
+  std::array<double, 3> m_Translation = {0.0, 0.0, 0.0};
+  std::array<double, 3> m_Rotation = {0.0, 0.0, 0.0};
+  std::array<double, 3> m_Scale = {1.0, 1.0, 1.0};
+  QString m_HelpUrl;
+  int m_SplitId = 1;
+  bool m_Linked = false;
+  std::array<double, 3> m_GridSpacing = {0.0, 0.0, 0.0};
+  bool m_GridLines = false;
+  QColor m_GridColor = Qt::white;
+  double m_GridOpacity = 1.0;
+  bool m_GridLabels = true;
+  std::array<QString, 3> m_GridTitles;
+  std::array<std::vector<double>, 3> m_GridCustomLabels;
+  bool m_LinkPhysicalUnits = false;
+  std::array<int, 3> m_DecimationDivisions = {50, 50, 50};
+  bool m_UseInputPoints = true;
+  bool m_UseFeatureEdges = false;
+  bool m_UseFeaturePoints = false;
+  bool m_UseInternalTriangles = false;
+  bool m_UseDecimationOnInteraction = false;
+  bool m_DecimationOutOfDate = true;
+  unsigned long m_PressObserverTag = 0;
+  unsigned long m_EndInteractionObserverTag = 0;
+  vtkWeakPointer<vtkRenderWindowInteractor> m_Interactor;
+  vtkSmartPointer<vtkCallbackCommand> m_PressCallback;
+  vtkSmartPointer<vtkCallbackCommand> m_EndInteractionCallback;
+  VXRepresentation* m_Owner = nullptr;
+};

@@ -1,0 +1,22 @@
+#include "visualization/VXOutlineRep.hpp"
+#include "visualization/VXPointsRep.hpp"
+#include "visualization/VXSurfaceRep.hpp"
+#include "visualization/VXWireframeRep.hpp"
+
+void VXRepresentation::RegisterBuiltInRepresentations()
+{
+  RegisterType(Outline, [](VXPipeline* pipeline) { return new VXOutlineRep(pipeline); });
+  RegisterType(Points, [](VXPipeline* pipeline) { return new VXPointsRep(pipeline); });
+  RegisterType(Wireframe, [](VXPipeline* pipeline) { return new VXWireframeRep(pipeline); });
+  RegisterType(Surface, [](VXPipeline* pipeline) { return new VXSurfaceRep(pipeline); });
+}
+
+namespace
+{
+// runs when the library is loaded, so every process that can make a pipeline has the built-in data views;
+// hosts and tests may register their own classes over them afterwards
+[[maybe_unused]] const bool s_BuiltInRepresentationsRegistered = []() {
+  VXRepresentation::RegisterBuiltInRepresentations();
+  return true;
+}();
+} // namespace
