@@ -1,5 +1,7 @@
 #include "visualization/VXPointsRepPimpl.hpp"
 
+#include <vtkAlgorithm.h>
+
 #include "utils/KXVtkModuleUtils.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXDataSource.hpp"
@@ -246,6 +248,9 @@ bool VXPointsRepPimpl::finalize()
 
 void VXPointsRepPimpl::setActiveArray(const QString& arrayName)
 {
+  // before the first frame the mapper's input is still empty: bring it up to date
+  if(m_Mapper != nullptr && m_Mapper->GetInputAlgorithm() != nullptr)
+    m_Mapper->GetInputAlgorithm()->Update();
   vtkDataSet* input = m_Mapper != nullptr ? m_Mapper->GetInput() : nullptr;
   if(input == nullptr)
     return;
