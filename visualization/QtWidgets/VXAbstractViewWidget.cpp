@@ -2,6 +2,8 @@
 
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 
+#include <vtkRenderer.h>
+
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QVBoxLayout>
 
@@ -49,5 +51,21 @@ void VXAbstractViewWidget::notifyViewWidgetCreated(VXAbstractViewWidget* splitVi
 void VXAbstractViewWidget::renderView()
 {
   if(!m_BlockRender && m_VisualizationWidget != nullptr)
+    m_VisualizationWidget->render();
+}
+
+void VXAbstractViewWidget::setBlockRender(bool block)
+{
+  m_BlockRender = block;
+  vtkRenderer* renderer = m_VisualizationWidget != nullptr ? m_VisualizationWidget->getRenderer() : nullptr;
+  if(renderer == nullptr)
+    return;
+  if(block)
+  {
+    renderer->DrawOff();
+    return;
+  }
+  renderer->DrawOn();
+  if(!m_BlockRender)
     m_VisualizationWidget->render();
 }

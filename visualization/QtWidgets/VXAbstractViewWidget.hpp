@@ -52,7 +52,8 @@ public Q_SLOTS:
   void notifyViewWidgetCreated(VXAbstractViewWidget* splitView);
   /** Asks the render widget for a frame, unless rendering is blocked. */
   void renderView();
-  void setBlockRender(bool block) { m_BlockRender = block; }
+  /** Blocks or unblocks rendering; a blocked view's renderer draws nothing whatever path asks it. */
+  void setBlockRender(bool block);
 
 protected:
   VXVisualizationWidget* m_VisualizationWidget = nullptr;

@@ -1,0 +1,354 @@
+// Camera snaps and rolls, the centre of rotation, props, outlines and links.
+#include "RenderTestUtils.hpp"
+
+#include "visualization/QtWidgets/VXViewActionsController.hpp"
+#include "visualization/QtWidgets/VXVisualizationToolbarWidget.hpp"
+#include "visualization/VXInteractorStyleCamera.hpp"
+#include "visualization/VXPickerCallback.hpp"
+
+#include <vtkCamera.h>
+#include <vtkCursor3D.h>
+#include <vtkGridAxesActor3D.h>
+#include <vtkRenderWindow.h>
+#include <vtkRenderer.h>
+
+#include <QtTest/QSignalSpy>
+#include <QtWidgets/QToolButton>
+
+#include <array>
+#include <cmath>
+#include <functional>
+
+using rendertest::makeBox;
+using rendertest::pump;
+
+namespace
+{
+class CameraView : public rendertest::ViewTest
+{
+protected:
+  void addBox()
+  {
+    m_Box = makeBox(0, 2, 0, 4, 0, 6);
+    m_View->addActor(m_Box);
+    pump();
+  }
+  std::array<double, 3> position() const
+  {
+    std::array<double, 3> p;
+    m_View->getRenderer()->GetActiveCamera()->GetPosition(p.data());
+    return p;
+  }
+  std::array<double, 3> viewUp() const
+  {
+    std::array<double, 3> p;
+    m_View->getRenderer()->GetActiveCamera()->GetViewUp(p.data());
+    return p;
+  }
+  vtkSmartPointer<vtkActor> m_Box;
+};
+
+struct SnapCase
+{
+  const char* name;
+  std::function<void(VXVisualizationWidget&)> snap;
+  std::array<double, 3> offset; // position minus focal point, in units of the distance
+  std::array<double, 3> viewUp;
+};
+
+void expectNear3(const std::array<double, 3>& actual, const std::array<double, 3>& expected, double tolerance)
+{
+  for(int i = 0; i < 3; ++i)
+    EXPECT_NEAR(actual[i], expected[i], tolerance) << "component " << i;
+}
+} // namespace
+
+TEST_F(CameraView, SnapsPlaceTheCameraOnTheOppositeSideOfTheAxisItLooksAlong)
+{
+  addBox();
+  const std::vector<SnapCase> cases = {
+    {"camXPlus", [](VXVisualizationWidget& v) { v.camXPlus(); }, {-1, 0, 0}, {0, 0, 1}},
+    {"camYPlus", [](VXVisualizationWidget& v) { v.camYPlus(); }, {0, -1, 0}, {0, 0, 1}},
+    {"camZPlus", [](VXVisualizationWidget& v) { v.camZPlus(); }, {0, 0, -1}, {0, 1, 0}},
+    {"camXMinus", [](VXVisualizationWidget& v) { v.camXMinus(); }, {1, 0, 0}, {0, 0, 1}},
+    {"camYMinus", [](VXVisualizationWidget& v) { v.camYMinus(); }, {0, 1, 0}, {0, 0, 1}},
+    {"camZMinus", [](VXVisualizationWidget& v) { v.camZMinus(); }, {0, 0, 1}, {0, 1, 0}},
+    {"camImageView", [](VXVisualizationWidget& v) { v.camImageView(); }, {0, 0, -1}, {0, -1, 0}},
+    {"XPlus", [](VXVisualizationWidget& v) { v.setCameraView(VXVisualizationWidget::CameraPosition::XPlus); },
+      {-1, 0, 0}, {0, 0, 1}},
+    {"ZMinus", [](VXVisualizationWidget& v) { v.setCameraView(VXVisualizationWidget::CameraPosition::ZMinus); },
+      {0, 0, 1}, {0, 1, 0}},
+  };
+  for(const SnapCase& c : cases)
+  {
+    SCOPED_TRACE(c.name);
+    // start from an oblique camera so that every snap really moves it
+    vtkCamera* camera = m_View->getRenderer()->GetActiveCamera();
+    camera->SetPosition(10, 20, 30);
+    camera->SetViewUp(0, 1, 0);
+    c.snap(*m_View);
+    const std::array<double, 4> fd = m_View->getCameraFocalPointAndDistance();
+    // the reset camera centres on the box
+    EXPECT_NEAR(fd[0], 1.0, 1e-9);
+    EXPECT_NEAR(fd[1], 2.0, 1e-9);
+    EXPECT_NEAR(fd[2], 3.0, 1e-9);
+    ASSERT_GT(fd[3], 0.0);
+    expectNear3(position(),
+      {fd[0] + c.offset[0] * fd[3], fd[1] + c.offset[1] * fd[3], fd[2] + c.offset[2] * fd[3]}, 1e-9);
+    expectNear3(viewUp(), c.viewUp, 1e-9);
+  }
+}
+
+TEST_F(CameraView, DefaultCameraLooksFromUnitDistance)
+{
+  const std::array<double, 4> fd = m_View->getCameraFocalPointAndDistance();
+  // the default camera looks from (0, 0, 1) at the origin
+  EXPECT_DOUBLE_EQ(fd[0], 0.0);
+  EXPECT_DOUBLE_EQ(fd[3], 1.0);
+}
+
+TEST_F(CameraView, RollsTurnTheViewUpByQuarterTurns)
+{
+  addBox();
+  m_View->camZMinus(); // view up (0, 1, 0), looking along -Z
+  m_View->rotateCamClockwise();
+  expectNear3(viewUp(), {-1, 0, 0}, 1e-9);
+  m_View->rotateCamCounterClockwise();
+  m_View->rotateCamCounterClockwise();
+  expectNear3(viewUp(), {1, 0, 0}, 1e-9);
+}
+
+TEST_F(CameraView, AddingActorsRecentresRotationOnceThePropsAreIn)
+{
+  QSignalSpy added(m_View.get(), &VXVisualizationWidget::actorAdded);
+  auto a = makeBox(0, 2, 0, 2, 0, 2);
+  auto b = makeBox(8, 10, 0, 2, 0, 2);
+  m_View->addActor(a);
+  m_View->addActor(b);
+  EXPECT_EQ(added.count(), 2);
+  // recentring waits for the event loop, so both boxes count
+  pump();
+  const std::array<double, 3> center = m_View->getCenterOfRotation();
+  EXPECT_DOUBLE_EQ(center[0], 5.0);
+  EXPECT_DOUBLE_EQ(center[1], 1.0);
+  EXPECT_DOUBLE_EQ(center[2], 1.0);
+  EXPECT_FALSE(m_View->isCenterOfRotationLocked());
+
+  // the cross is sized a quarter of the largest extent (10)
+  double modelBounds[6];
+  m_View->getCenterOfRotationCursor()->GetModelBounds(modelBounds);
+  EXPECT_DOUBLE_EQ(modelBounds[0], 5.0 - 2.5);
+  EXPECT_DOUBLE_EQ(modelBounds[1], 5.0 + 2.5);
+
+  QSignalSpy removed(m_View.get(), &VXVisualizationWidget::actorRemoved);
+  m_View->removeActor(b);
+  EXPECT_EQ(removed.count(), 1);
+  EXPECT_FALSE(m_View->getRenderer()->HasViewProp(b));
+  pump();
+  EXPECT_DOUBLE_EQ(m_View->getCenterOfRotation()[0], 1.0);
+}
+
+TEST_F(CameraView, PickedCentreSurvivesAddAndRemoveUntilReset)
+{
+  auto a = makeBox(0, 2, 0, 2, 0, 2);
+  m_View->addActor(a);
+  pump();
+  double picked[3] = {0.5, 1.5, 0.25};
+  // the toolbar's button enters the pick mode, as a user would
+  m_View->getToolbar()->centerOfRotationButton()->setChecked(true);
+  ASSERT_TRUE(m_View->pickCenterOfRotationModeOn());
+  Q_EMIT m_View->pickEvent(picked, true, true);
+  EXPECT_TRUE(m_View->isCenterOfRotationLocked());
+  // the pick releases the toolbar button, which ends the pick mode
+  EXPECT_FALSE(m_View->pickCenterOfRotationModeOn());
+
+  auto b = makeBox(10, 20, 10, 20, 10, 20);
+  m_View->addActor(b);
+  pump();
+  m_View->removeActor(a);
+  pump();
+  std::array<double, 3> center = m_View->getCenterOfRotation();
+  EXPECT_DOUBLE_EQ(center[0], 0.5);
+  EXPECT_DOUBLE_EQ(center[1], 1.5);
+  EXPECT_DOUBLE_EQ(center[2], 0.25);
+
+  m_View->resetCenterOfRotation();
+  EXPECT_FALSE(m_View->isCenterOfRotationLocked());
+  center = m_View->getCenterOfRotation();
+  EXPECT_DOUBLE_EQ(center[0], 15.0);
+  EXPECT_DOUBLE_EQ(center[1], 15.0);
+  EXPECT_DOUBLE_EQ(center[2], 15.0);
+}
+
+TEST_F(CameraView, PickWithoutCellPickModeLeavesTheCentre)
+{
+  addBox();
+  const std::array<double, 3> before = m_View->getCenterOfRotation();
+  double picked[3] = {100, 100, 100};
+  Q_EMIT m_View->pickEvent(picked, true, false);
+  EXPECT_EQ(m_View->getCenterOfRotation(), before);
+  EXPECT_FALSE(m_View->isCenterOfRotationLocked());
+}
+
+TEST_F(CameraView, CentreOfRotationPickingTurnsHoverCellsOnAndOff)
+{
+  m_View->toggleHoverPoints(true);
+  EXPECT_TRUE(m_View->hoverPointsModeOn());
+  m_View->toggleCenterOfRotationPicking(true);
+  EXPECT_TRUE(m_View->pickCenterOfRotationModeOn());
+  EXPECT_TRUE(m_View->hoverCellsModeOn());
+  EXPECT_FALSE(m_View->hoverPointsModeOn());
+  m_View->toggleCenterOfRotationPicking(false);
+  EXPECT_FALSE(m_View->pickCenterOfRotationModeOn());
+  EXPECT_FALSE(m_View->hoverCellsModeOn());
+  m_View->toggleHoverPoints();
+  EXPECT_TRUE(m_View->hoverPointsModeOn());
+  m_View->toggleHoverPoints();
+  EXPECT_FALSE(m_View->hoverPointsModeOn());
+}
+
+TEST_F(CameraView, ResetCameraRecentresUnlessLocked)
+{
+  addBox();
+  double picked[3] = {-3, -3, -3};
+  m_View->getInteractorStyle()->setCellPickMode(true);
+  Q_EMIT m_View->pickEvent(picked, true, false);
+  m_View->resetCamera();
+  EXPECT_DOUBLE_EQ(m_View->getCenterOfRotation()[0], -3.0);
+  m_View->resetCenterOfRotation();
+  m_View->getRenderer()->GetActiveCamera()->SetFocalPoint(50, 50, 50);
+  m_View->resetCamera();
+  const std::array<double, 3> center = m_View->getCenterOfRotation();
+  EXPECT_DOUBLE_EQ(center[0], 1.0);
+  EXPECT_DOUBLE_EQ(center[1], 2.0);
+  EXPECT_DOUBLE_EQ(center[2], 3.0);
+}
+
+TEST_F(CameraView, DataViewActorsExcludeGridHighlightersAndHiddenProps)
+{
+  addBox();
+  EXPECT_TRUE(m_View->isDataViewActor(m_Box));
+  m_Box->SetVisibility(false);
+  EXPECT_FALSE(m_View->isDataViewActor(m_Box));
+  m_Box->SetVisibility(true);
+
+  auto outside = makeBox(0, 1, 0, 1, 0, 1);
+  EXPECT_FALSE(m_View->isDataViewActor(outside));
+
+  VXPickerCallback* picker = m_View->getPickerCallback();
+  picker->getPointHighlightActor()->SetVisibility(true);
+  EXPECT_FALSE(m_View->isDataViewActor(picker->getPointHighlightActor()));
+  m_View->getViewActionsController()->setGridAxesEnabled(true);
+  vtkGridAxesActor3D* grid = m_View->getViewActionsController()->getGridAxesActor();
+  ASSERT_NE(grid, nullptr);
+  EXPECT_TRUE(grid->GetVisibility());
+  EXPECT_FALSE(m_View->isDataViewActor(grid));
+}
+
+TEST_F(CameraView, OutlinesAreAddedOnceAndCleared)
+{
+  auto a = makeBox(0, 1, 0, 1, 0, 1);
+  auto b = makeBox(0, 1, 0, 1, 0, 1);
+  m_View->addOutline(a);
+  m_View->addOutline(a);
+  m_View->addOutline(b);
+  EXPECT_EQ(m_View->getOutlineRenderer()->GetViewProps()->GetNumberOfItems(), 2);
+  EXPECT_TRUE(m_View->hasOutlineActor(a));
+  EXPECT_FALSE(m_View->getRenderer()->HasViewProp(a));
+  m_View->removeOutline(a);
+  EXPECT_FALSE(m_View->hasOutlineActor(a));
+  EXPECT_TRUE(m_View->hasOutlineActor(b));
+  m_View->clearOutlines();
+  EXPECT_EQ(m_View->getOutlineRenderer()->GetViewProps()->GetNumberOfItems(), 0);
+}
+
+TEST_F(CameraView, ClearRenderWindowDropsPropsAndOrientationWidget)
+{
+  addBox();
+  m_View->clearRenderWindow();
+  EXPECT_EQ(m_View->getRenderer()->GetViewProps()->GetNumberOfItems(), 0);
+  EXPECT_EQ(m_View->getCameraOrientationWidget(), nullptr);
+}
+
+TEST_F(CameraView, CopyTakesCameraAndCentre)
+{
+  addBox();
+  double picked[3] = {7, 8, 9};
+  m_View->getInteractorStyle()->setCellPickMode(true);
+  Q_EMIT m_View->pickEvent(picked, true, false);
+  m_View->getRenderer()->GetActiveCamera()->SetPosition(1, 2, 30);
+
+  VXVisualizationWidget clone(nullptr, 2);
+  clone.copy(m_View.get());
+  double p[3];
+  clone.getRenderer()->GetActiveCamera()->GetPosition(p);
+  EXPECT_DOUBLE_EQ(p[2], 30.0);
+  EXPECT_TRUE(clone.isCenterOfRotationLocked());
+  EXPECT_DOUBLE_EQ(clone.getCenterOfRotation()[1], 8.0);
+  // a copy, not a link
+  EXPECT_NE(clone.getRenderer()->GetActiveCamera(), m_View->getRenderer()->GetActiveCamera());
+}
+
+TEST_F(CameraView, LinkedViewsShareOneCameraUntilUnlinked)
+{
+  VXVisualizationWidget other(nullptr, 2);
+  VXVisualizationWidget third(nullptr, 2);
+  m_View->linkCameraWith(&other);
+  other.linkCameraWith(&third);
+  EXPECT_EQ(m_View->getLinkedWidgets().size(), 3u);
+  EXPECT_EQ(third.getLinkedWidgets().size(), 3u);
+  EXPECT_EQ(third.getRenderer()->GetActiveCamera(), other.getRenderer()->GetActiveCamera());
+  EXPECT_EQ(third.getOutlineRenderer()->GetActiveCamera(), other.getRenderer()->GetActiveCamera());
+
+  vtkCamera* shared = other.getRenderer()->GetActiveCamera();
+  other.unlinkCamera();
+  EXPECT_FALSE(other.isLinked());
+  EXPECT_NE(other.getRenderer()->GetActiveCamera(), shared);
+  // the others stay linked with the camera they shared
+  EXPECT_EQ(m_View->getLinkedWidgets().size(), 2u);
+  EXPECT_EQ(m_View->getRenderer()->GetActiveCamera(), third.getRenderer()->GetActiveCamera());
+  m_View->unlinkCamera();
+  EXPECT_FALSE(third.isLinked());
+}
+
+TEST_F(CameraView, LinkingStartsInOneViewAndEndsWhenAnotherGetsFocus)
+{
+  VXVisualizationWidget other(nullptr, 2);
+  other.resize(100, 100);
+  other.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&other));
+  m_View->getLinkCamerasAction()->trigger();
+  EXPECT_EQ(VXVisualizationWidget::linkingWidget(), m_View.get());
+  QFocusEvent focus(QEvent::FocusIn, Qt::MouseFocusReason);
+  QCoreApplication::sendEvent(&other, &focus);
+  EXPECT_EQ(VXVisualizationWidget::linkingWidget(), nullptr);
+  EXPECT_TRUE(m_View->isLinked());
+  EXPECT_EQ(other.getRenderer()->GetActiveCamera(), m_View->getRenderer()->GetActiveCamera());
+}
+
+TEST_F(CameraView, CustomCameraPresetsRestoreThePosition)
+{
+  vtkCamera* camera = m_View->getRenderer()->GetActiveCamera();
+  camera->SetPosition(3, 4, 5);
+  const QString name = m_View->addCustomCameraPosPreset();
+  EXPECT_FALSE(name.isEmpty());
+  EXPECT_TRUE(m_View->customCameraPosPresetNames().contains(name));
+  camera->SetPosition(-9, -9, -9);
+  m_View->applyCustomCameraPosPreset(name);
+  double p[3];
+  camera->GetPosition(p);
+  EXPECT_DOUBLE_EQ(p[0], 3.0);
+  EXPECT_DOUBLE_EQ(p[2], 5.0);
+  m_View->applyCustomCameraPosPreset(QStringLiteral("no such preset"));
+  camera->GetPosition(p);
+  EXPECT_DOUBLE_EQ(p[1], 4.0);
+}
+
+TEST_F(CameraView, TextureLimitComesFromTheContext)
+{
+  int maxSize = 0;
+  EXPECT_TRUE(m_View->areDimensionsValid(16, 16, 16, maxSize));
+  EXPECT_GE(maxSize, 16);
+  EXPECT_FALSE(m_View->areDimensionsValid(maxSize + 1, 1, 1, maxSize));
+  EXPECT_TRUE(m_View->areDimensionsValid(maxSize, maxSize, maxSize, maxSize));
+}

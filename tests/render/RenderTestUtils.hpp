@@ -1,0 +1,89 @@
+#pragma once
+// Shared helpers of the render widget tests: a shown view, event pumping,
+// event counters and simple props with known bounds.
+
+#include "visualization/QtWidgets/VXVisualizationWidget.hpp"
+
+#include <gtest/gtest.h>
+
+#include <vtkActor.h>
+#include <vtkCallbackCommand.h>
+#include <vtkCubeSource.h>
+#include <vtkNew.h>
+#include <vtkObject.h>
+#include <vtkPolyDataMapper.h>
+#include <vtkSmartPointer.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtTest/QTest>
+
+#include <memory>
+
+namespace rendertest
+{
+/** Lets queued calls and paint events run; several rounds so chained posts settle too. */
+inline void pump()
+{
+  for(int i = 0; i < 5; ++i)
+  {
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+  }
+}
+
+/** Counts one VTK event of one object for as long as it lives. */
+class EventCounter
+{
+public:
+  EventCounter(vtkObject* object, unsigned long event)
+  : m_Object(object)
+  {
+    m_Command->SetClientData(&m_Count);
+    m_Command->SetCallback([](vtkObject*, unsigned long, void* clientData, void*)
+      { ++*static_cast<int*>(clientData); });
+    m_Tag = object->AddObserver(event, m_Command);
+  }
+  ~EventCounter() { m_Object->RemoveObserver(m_Tag); }
+  EventCounter(const EventCounter&) = delete;
+  EventCounter& operator=(const EventCounter&) = delete;
+
+  int count() const { return m_Count; }
+  void reset() { m_Count = 0; }
+
+private:
+  vtkObject* m_Object;
+  vtkNew<vtkCallbackCommand> m_Command;
+  unsigned long m_Tag = 0;
+  int m_Count = 0;
+};
+
+/** A box actor spanning the given bounds. */
+inline vtkSmartPointer<vtkActor> makeBox(double x0, double x1, double y0, double y1, double z0, double z1)
+{
+  vtkNew<vtkCubeSource> cube;
+  cube->SetBounds(x0, x1, y0, y1, z0, z1);
+  vtkNew<vtkPolyDataMapper> mapper;
+  mapper->SetInputConnection(cube->GetOutputPort());
+  auto actor = vtkSmartPointer<vtkActor>::New();
+  actor->SetMapper(mapper);
+  mapper->Update();
+  return actor;
+}
+
+/** A shown 300 x 300 view, exposed and settled. */
+class ViewTest : public ::testing::Test
+{
+protected:
+  void SetUp() override
+  {
+    m_View = std::make_unique<VXVisualizationWidget>(nullptr, 2);
+    m_View->resize(300, 300);
+    m_View->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(m_View.get()));
+    pump();
+  }
+  void TearDown() override { m_View.reset(); }
+
+  std::unique_ptr<VXVisualizationWidget> m_View;
+};
+} // namespace rendertest
