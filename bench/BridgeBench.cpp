@@ -8,6 +8,8 @@
 #include <kxcore/DataStore.hpp>
 #include <kxcore/DataStructure.hpp>
 
+#include "RecordingReporter.hpp"
+
 #include <benchmark/benchmark.h>
 
 #include <tbb/blocked_range.h>
@@ -21,7 +23,6 @@
 #include <cstdio>
 #include <fstream>
 #include <limits>
-#include <map>
 #include <string>
 #include <unistd.h>
 
@@ -145,37 +146,6 @@ long residentBytes()
   return resident * sysconf(_SC_PAGESIZE);
 }
 
-/** Keeps each run's real time per iteration, by benchmark name. */
-class RecordingReporter : public benchmark::ConsoleReporter
-{
-public:
-  void ReportRuns(const std::vector<Run>& runs) override
-  {
-    for(const Run& run : runs)
-    {
-      if(run.run_type == Run::RT_Iteration && run.iterations > 0)
-        m_Seconds[run.run_name.function_name] = run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  double seconds(const std::string& name) const
-  {
-    auto iter = m_Seconds.find(name);
-    return iter == m_Seconds.end() ? 0.0 : iter->second;
-  }
-
-private:
-  std::map<std::string, double> m_Seconds;
-};
-
-void printRatio(const RecordingReporter& reporter, const char* name, const std::string& numerator, const std::string& denominator,
-                const char* target)
-{
-  const double top = reporter.seconds(numerator);
-  const double bottom = reporter.seconds(denominator);
-  if(top > 0.0 && bottom > 0.0)
-    std::printf("RATIO %s %.2f %s\n", name, top / bottom, target);
-}
 } // namespace
 
 int main(int argc, char** argv)
@@ -183,14 +153,14 @@ int main(int argc, char** argv)
   benchmark::Initialize(&argc, argv);
   if(benchmark::ReportUnrecognizedArguments(argc, argv))
     return 1;
-  RecordingReporter reporter;
+  kxbench::RecordingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
 
   std::printf("\n");
-  printRatio(reporter, "wrap_vs_raw_pass_float", "wrap/float_1GiB", "raw_pass/float_1GiB", "1.5");
-  printRatio(reporter, "vtk_deepcopy_vs_wrap_float", "vtk_deepcopy/float_1GiB", "wrap/float_1GiB", "-");
-  printRatio(reporter, "wrap_vs_raw_pass_uint8", "wrap/uint8_256Mi", "raw_pass/uint8_256Mi", "1.5");
-  printRatio(reporter, "vtk_deepcopy_vs_wrap_uint8", "vtk_deepcopy/uint8_256Mi", "wrap/uint8_256Mi", "-");
+  reporter.printRatio("wrap_vs_raw_pass_float", "wrap/float_1GiB", "raw_pass/float_1GiB", "1.5");
+  reporter.printRatio("vtk_deepcopy_vs_wrap_float", "vtk_deepcopy/float_1GiB", "wrap/float_1GiB", "-");
+  reporter.printRatio("wrap_vs_raw_pass_uint8", "wrap/uint8_256Mi", "raw_pass/uint8_256Mi", "1.5");
+  reporter.printRatio("vtk_deepcopy_vs_wrap_uint8", "vtk_deepcopy/uint8_256Mi", "wrap/uint8_256Mi", "-");
 
   // memory a presentation adds, beyond the host's own 1 GiB
   auto& f = fixture<float>();

@@ -10,6 +10,8 @@
 #include <visualization/VXOutlineRepPimpl.hpp>
 #include <visualization/VXPipeline.hpp>
 
+#include "RecordingReporter.hpp"
+
 #include <benchmark/benchmark.h>
 
 #include <QVTKOpenGLNativeWidget.h>
@@ -29,7 +31,6 @@
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <string>
 
@@ -126,27 +127,6 @@ void bareFrame(benchmark::State& state)
   frameLoop(state, s_Bare->renderWindow, s_Bare->renderer->GetActiveCamera());
 }
 
-class RecordingReporter : public benchmark::ConsoleReporter
-{
-public:
-  void ReportRuns(const std::vector<Run>& runs) override
-  {
-    for(const Run& run : runs)
-    {
-      if(run.run_type == Run::RT_Iteration && run.iterations > 0)
-        m_Seconds[run.run_name.function_name] = run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  double seconds(const std::string& name) const
-  {
-    auto iter = m_Seconds.find(name);
-    return iter == m_Seconds.end() ? 0.0 : iter->second;
-  }
-
-private:
-  std::map<std::string, double> m_Seconds;
-};
 } // namespace
 
 int main(int argc, char** argv)
@@ -190,12 +170,9 @@ int main(int argc, char** argv)
   s_Bare = std::make_unique<BareScene>(triangles->GetOutput(), s_Library->actor);
   benchmark::RegisterBenchmark("frame/library_surface_1M", libraryFrame)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(10);
   benchmark::RegisterBenchmark("frame/bare_vtk_1M", bareFrame)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(10);
-  RecordingReporter reporter;
+  kxbench::RecordingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  const double library = reporter.seconds("frame/library_surface_1M");
-  const double bare = reporter.seconds("frame/bare_vtk_1M");
-  if(library > 0.0 && bare > 0.0)
-    std::printf("RATIO surface_frame_vs_bare_vtk %.2f 1.05\n", library / bare);
+  reporter.printRatio("surface_frame_vs_bare_vtk", "frame/library_surface_1M", "frame/bare_vtk_1M", "1.05");
   s_Bare.reset();
   s_Library.reset();
   return 0;
