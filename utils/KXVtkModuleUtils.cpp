@@ -27,4 +27,14 @@ QString HtmlToolTip(const QString& text)
 {
   return QString("<html><head/><body><p>%1</p></body></html>").arg(text);
 }
+
+VXAbstractViewWidget* GetViewWidget(const QMap<VXAbstractViewWidget*, int>& viewIndices, int index)
+{
+  for(auto iter = viewIndices.cbegin(); iter != viewIndices.cend(); ++iter)
+  {
+    if(iter.value() == index)
+      return iter.key();
+  }
+  return nullptr;
+}
 } // namespace KXVtkModule::utils

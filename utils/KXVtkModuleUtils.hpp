@@ -2,7 +2,10 @@
 
 #include "KXVtkLib_export.h"
 
+#include <QtCore/QMap>
+
 class QFrame;
+class VXAbstractViewWidget;
 class QScrollArea;
 class QWidget;
 class QString;
@@ -17,4 +20,6 @@ KXVTKLIB_EXPORT QWidget* CreateSettingsWidget(QFrame* titleFrame, QScrollArea* s
 
 /** Wraps a tooltip text in the rich-text frame used throughout the module. */
 KXVTKLIB_EXPORT QString HtmlToolTip(const QString& text);
+/** The view that a state file's window index names, or null when no view has it. */
+KXVTKLIB_EXPORT VXAbstractViewWidget* GetViewWidget(const QMap<VXAbstractViewWidget*, int>& viewIndices, int index);
 } // namespace KXVtkModule::utils

@@ -1,48 +1,73 @@
 #include "ViewerApplication.hpp"
 
+#include <visualization/QtWidgets/VXInfoWidget.hpp>
+#include <visualization/QtWidgets/VXViewGridWidget.hpp>
+#include <visualization/QtWidgets/VXVisualizationModuleWidget.hpp>
 #include <visualization/QtWidgets/VXVisualizationWidget.hpp>
 #include <visualization/VXBridgeObject.hpp>
 #include <visualization/VXDataSource.hpp>
+#include <visualization/VXPipeline.hpp>
 #include <visualization/VXPointsRepPimpl.hpp>
+#include <visualization/VXUserPrompt.hpp>
 
 #include <vtkCamera.h>
-#include <vtkPNGWriter.h>
-#include <vtkRenderWindow.h>
 #include <vtkRenderer.h>
-#include <vtkWindowToImageFilter.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFileInfo>
+#include <QtCore/QSaveFile>
+#include <QtGui/QImage>
 
 #include <cstdio>
 
+namespace
+{
+void settle()
+{
+  for(int i = 0; i < 10; ++i)
+  {
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+  }
+}
+} // namespace
+
 ViewerApplication::ViewerApplication(ViewerOptions options)
 : m_Options(std::move(options))
-, m_View(std::make_unique<ViewerViewFrame>())
-, m_Pipeline(std::make_unique<VXPipeline>())
 {
-  m_View->setupView();
-  m_View->resize(m_Options.size);
-  m_Pipeline->setActiveViewWidget(m_View.get());
-  QObject::connect(m_Pipeline.get(), &VXPipeline::sendPopupMessage, [this](const QString& title, const QString& message) {
-    m_Errors << message;
-    std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(message));
-  });
-  QObject::connect(m_Pipeline.get(), &VXPipeline::sendOutputMessage,
-                   [](const QString& message) { std::fprintf(stderr, "%s\n", qPrintable(message)); });
+  if(m_Options.isBatch())
+  {
+    // nobody is there to click: questions take their safe answer, messages go to stderr
+    VXUserPrompt::setAskHandler([this](const VXUserPrompt::Question& question) {
+      std::fprintf(stderr, "%s: %s\n", qPrintable(question.title), qPrintable(question.text));
+      if(question.icon == QMessageBox::Critical || question.icon == QMessageBox::Warning)
+        m_Errors << question.text;
+      if(question.buttons.testFlag(QMessageBox::Open))
+        return QMessageBox::Open;
+      return question.defaultButton != QMessageBox::NoButton ? question.defaultButton : QMessageBox::Ok;
+    });
+  }
+  m_Window = std::make_unique<ViewerMainWindow>();
+  m_Window->resize(m_Options.size);
+  VXVisualizationModuleWidget* module = m_Window->module();
+  QObject::connect(module->pipeline(), &VXPipeline::sendPopupMessage, [this](const QString&, const QString& message) { m_Errors << message; });
+  QObject::connect(module, &VXVisualizationModuleWidget::printOutput, [](const QString& message) { std::fprintf(stderr, "%s\n", qPrintable(message)); });
 }
 
 ViewerApplication::~ViewerApplication()
 {
-  // the tree goes before the view its data views draw in
-  m_Pipeline.reset();
-  m_View.reset();
+  m_Window.reset();
+  VXUserPrompt::setAskHandler({});
+  VXUserPrompt::setSaveFileHandler({});
 }
 
 bool ViewerApplication::load()
 {
   if(!applyRepresentation())
     return false;
+  if(m_Options.isBatch())
+    m_Window->show();
+  VXPipeline* pipeline = m_Window->module()->pipeline();
   for(const QString& file : m_Options.files)
   {
     if(!QFileInfo(file).isFile())
@@ -51,12 +76,32 @@ bool ViewerApplication::load()
       return false;
     }
     const int errorsBefore = m_Errors.size();
-    m_Pipeline->importFile(file);
-    VXBridgeObject* bridge = m_Pipeline->bridges().last();
-    if(bridge->dataSources().isEmpty())
+    pipeline->importFile(file);
+    VXBridgeObject* bridge = pipeline->bridges().isEmpty() ? nullptr : pipeline->bridges().last();
+    if(bridge == nullptr || bridge->dataSources().isEmpty())
     {
       if(m_Errors.size() == errorsBefore)
         std::fprintf(stderr, "kxvtk-viewer: cannot load '%s': not a readable data file\n", qPrintable(file));
+      return false;
+    }
+  }
+  if(!m_Options.stateFile.isEmpty())
+  {
+    if(!QFileInfo(m_Options.stateFile).isFile())
+    {
+      std::fprintf(stderr, "kxvtk-viewer: cannot load state '%s': no such file\n", qPrintable(m_Options.stateFile));
+      return false;
+    }
+    QStringList problems;
+    auto connection = QObject::connect(m_Window->module(), &VXVisualizationModuleWidget::printOutput, [&problems](const QString& message) {
+      if(message.startsWith("Error"))
+        problems << message;
+    });
+    m_Window->module()->loadState(m_Options.stateFile);
+    QObject::disconnect(connection);
+    if(!problems.isEmpty() && pipeline->bridges().isEmpty())
+    {
+      std::fprintf(stderr, "kxvtk-viewer: cannot load state '%s'\n", qPrintable(m_Options.stateFile));
       return false;
     }
   }
@@ -75,9 +120,8 @@ bool ViewerApplication::applyRepresentation()
   }
   const VXRepresentation::Type type = VXRepresentation::k_RepresentationStringToType.value(m_Options.representation);
   // every kind of data set gets the chosen data view as its default
-  for(auto setter : {&VXPipeline::setDefaultImageGeomRepType, &VXPipeline::setDefaultRectGridRepType,
-                     &VXPipeline::setDefaultVertexRepType, &VXPipeline::setDefaultEdgeRepType,
-                     &VXPipeline::setDefaultTriangleRepType, &VXPipeline::setDefaultQuadRepType,
+  for(auto setter : {&VXPipeline::setDefaultImageGeomRepType, &VXPipeline::setDefaultRectGridRepType, &VXPipeline::setDefaultVertexRepType,
+                     &VXPipeline::setDefaultEdgeRepType, &VXPipeline::setDefaultTriangleRepType, &VXPipeline::setDefaultQuadRepType,
                      &VXPipeline::setDefaultTetRepType, &VXPipeline::setDefaultHexRepType, &VXPipeline::setDefaultRepType})
     setter(type);
   return true;
@@ -88,7 +132,7 @@ bool ViewerApplication::applyColoring()
   if(m_Options.colorBy.isEmpty())
     return true;
   bool found = false;
-  for(VXBridgeObject* bridge : m_Pipeline->bridges())
+  for(VXBridgeObject* bridge : m_Window->module()->pipeline()->bridges())
   {
     for(VXDataSource* source : bridge->dataSources())
     {
@@ -106,8 +150,8 @@ bool ViewerApplication::applyColoring()
           if(auto* colored = dynamic_cast<VXPointsRepPimpl*>(split))
             colored->setActiveArray(m_Options.colorBy);
           else
-            std::fprintf(stderr, "kxvtk-viewer: the %s view of '%s' has no array colouring\n",
-                         qPrintable(representation->humanTypeName()), qPrintable(source->name()));
+            std::fprintf(stderr, "kxvtk-viewer: the %s view of '%s' has no array colouring\n", qPrintable(representation->humanTypeName()),
+                         qPrintable(source->name()));
         }
       }
     }
@@ -117,31 +161,64 @@ bool ViewerApplication::applyColoring()
   return found;
 }
 
+bool ViewerApplication::saveState()
+{
+  const QString path = m_Options.saveStatePath;
+  VXUserPrompt::setSaveFileHandler([path](const QString&, const QString&) { return path; });
+  QStringList failures;
+  auto connection = QObject::connect(m_Window->module(), &VXVisualizationModuleWidget::printOutput, [&failures](const QString& message) {
+    if(message.startsWith("Failed"))
+      failures << message;
+  });
+  m_Window->module()->saveState();
+  QObject::disconnect(connection);
+  VXUserPrompt::setSaveFileHandler({});
+  if(!failures.isEmpty() || !QFileInfo(path).isFile())
+  {
+    std::fprintf(stderr, "kxvtk-viewer: failed to write state '%s'\n", qPrintable(path));
+    return false;
+  }
+  std::printf("%s\n", qPrintable(path));
+  return true;
+}
+
+void ViewerApplication::fitViewsToRequestedSize()
+{
+  VXViewGridWidget* grid = m_Window->module()->getViewGridWidget();
+  for(int attempt = 0; attempt < 3; ++attempt)
+  {
+    settle();
+    const QSize delta = m_Options.size - grid->size();
+    if(delta.isNull())
+      return;
+    m_Window->resize(m_Window->size() + delta);
+  }
+  settle();
+}
+
 bool ViewerApplication::saveScreenshot()
 {
-  m_View->show();
-  QCoreApplication::processEvents();
-  VXVisualizationWidget* renderWidget = m_View->getVisualizationWidget();
-  vtkRenderWindow* window = renderWidget->renderWindow();
-  // an oblique view shows three faces of a volume instead of one
-  vtkRenderer* renderer = renderWidget->getRenderer();
-  renderer->ResetCamera();
-  renderer->GetActiveCamera()->Azimuth(35.0);
-  renderer->GetActiveCamera()->Elevation(25.0);
-  renderer->GetActiveCamera()->OrthogonalizeViewUp();
-  renderer->ResetCamera();
-  window->Render();
-  vtkNew<vtkWindowToImageFilter> capture;
-  capture->SetInput(window);
-  capture->SetInputBufferTypeToRGB();
-  capture->ReadFrontBufferOff();
-  capture->Update();
-  vtkNew<vtkPNGWriter> writer;
-  const std::string path = m_Options.screenshotPath.toStdString();
-  writer->SetFileName(path.c_str());
-  writer->SetInputConnection(capture->GetOutputPort());
-  writer->Write();
-  if(writer->GetErrorCode() != 0 || !QFileInfo(m_Options.screenshotPath).isFile())
+  m_Window->show();
+  fitViewsToRequestedSize();
+  VXVisualizationModuleWidget* module = m_Window->module();
+  // a state file brings its own cameras; otherwise an oblique view shows three faces of a volume
+  if(m_Options.stateFile.isEmpty())
+  {
+    for(VXAbstractViewWidget* view : module->getAllViewWidgets())
+    {
+      vtkRenderer* renderer = view->getVisualizationWidget()->getRenderer();
+      renderer->ResetCamera();
+      renderer->GetActiveCamera()->Azimuth(35.0);
+      renderer->GetActiveCamera()->Elevation(25.0);
+      renderer->GetActiveCamera()->OrthogonalizeViewUp();
+      renderer->ResetCamera();
+    }
+  }
+  module->renderAllViews();
+  settle();
+  const QImage image = module->grabAllViewsImage();
+  QSaveFile file(m_Options.screenshotPath);
+  if(image.isNull() || !file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit())
   {
     std::fprintf(stderr, "kxvtk-viewer: failed to write '%s'\n", qPrintable(m_Options.screenshotPath));
     return false;

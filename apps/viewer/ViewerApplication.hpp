@@ -1,38 +1,16 @@
 #pragma once
 
-#include <visualization/QtWidgets/VXAbstractViewWidget.hpp>
-#include <visualization/VXPipeline.hpp>
+#include "ViewerMainWindow.hpp"
+#include "ViewerOptions.hpp"
 
-#include <QtCore/QSize>
-#include <QtCore/QString>
 #include <QtCore/QStringList>
 
 #include <memory>
 
-/** What the viewer was asked to do, from its command line. */
-struct ViewerOptions
-{
-  QStringList files;
-  QString screenshotPath;
-  QSize size = QSize(800, 600);
-  QString representation;
-  QString colorBy;
-};
-
-/** The render view frame of the viewer: one view, no splits. */
-class ViewerViewFrame : public VXAbstractViewWidget
-{
-  Q_OBJECT
-
-public:
-  using VXAbstractViewWidget::VXAbstractViewWidget;
-  VXAbstractViewWidget* clone() override { return new ViewerViewFrame(); }
-  VXAbstractViewWidget* newInstance() override { return new ViewerViewFrame(); }
-};
-
 /**
- * Loads files into a pipeline shown in one render view; either keeps the
- * window open or renders once to a PNG and quits.
+ * Runs the viewer's command line: opens the files and the state file in the
+ * main window, then either leaves the window to the user or, in a batch run,
+ * saves the state and/or a screenshot of all views and quits.
  */
 class ViewerApplication
 {
@@ -40,18 +18,21 @@ public:
   explicit ViewerApplication(ViewerOptions options);
   ~ViewerApplication();
 
-  /** Loads every file; false (with the reason on stderr) when one can't be loaded. */
+  /** Loads every file and the state file; false (with the reason on stderr) when one can't be loaded. */
   bool load();
-  /** Renders the scene and writes the PNG; false on failure. */
+  /** Writes the state file asked for; false on failure. */
+  bool saveState();
+  /** Renders all views and writes the PNG; false on failure. */
   bool saveScreenshot();
-  ViewerViewFrame* view() const { return m_View.get(); }
+  ViewerMainWindow* window() const { return m_Window.get(); }
 
 private:
   bool applyRepresentation();
   bool applyColoring();
+  /** Gives the render area the requested size (the pipeline browser keeps its own width). */
+  void fitViewsToRequestedSize();
 
   ViewerOptions m_Options;
-  std::unique_ptr<ViewerViewFrame> m_View;
-  std::unique_ptr<VXPipeline> m_Pipeline;
+  std::unique_ptr<ViewerMainWindow> m_Window;
   QStringList m_Errors;
 };

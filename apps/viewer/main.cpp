@@ -1,9 +1,12 @@
-// kxvtk-viewer: shows data files in a render view, or renders them to a PNG.
+// kxvtk-viewer: shows data files and state files in split 3D views, or renders
+// them to a PNG / saves their state without a window.
 //
-//   kxvtk-viewer [--screenshot OUT.png] [--size WxH] [--representation NAME] [--color-by ARRAY] FILE...
+//   kxvtk-viewer [--state FILE] [--save-state FILE] [--screenshot OUT.png] [--size WxH]
+//                [--representation NAME] [--color-by ARRAY] FILE...
 #include "ViewerApplication.hpp"
 
 #include <utils/GuiProcess.hpp>
+#include <visualization/QtWidgets/VXVisualizationModuleWidget.hpp>
 
 #include <QtCore/QCommandLineParser>
 #include <QtWidgets/QApplication>
@@ -17,33 +20,44 @@ int main(int argc, char** argv)
   QApplication::setApplicationName("kxvtk-viewer");
 
   QCommandLineParser parser;
-  parser.setApplicationDescription("Shows data files in a 3D view, or renders them to a PNG.");
+  parser.setApplicationDescription("Shows data files in split 3D views, or renders them to a PNG.");
   parser.addHelpOption();
-  const QCommandLineOption screenshot("screenshot", "Render once to OUT.png and exit.", "OUT.png");
-  const QCommandLineOption size("size", "Image or window size, e.g. 800x600.", "WxH", "800x600");
-  const QCommandLineOption representation("representation", "Data view for every data set: Outline, Points, Wireframe, Surface, ...",
-                                          "NAME");
+  const QCommandLineOption state("state", "Load this state file (.vlxstate) after the files.", "FILE");
+  const QCommandLineOption saveState("save-state", "After loading, save the state to FILE and exit.", "FILE");
+  const QCommandLineOption screenshot("screenshot", "Render all views once to OUT.png and exit.", "OUT.png");
+  const QCommandLineOption size("size", "Size of the render area, e.g. 800x600.", "WxH");
+  const QCommandLineOption representation("representation", "Data view for every data set: Outline, Points, Wireframe, Surface, ...", "NAME");
   const QCommandLineOption colorBy("color-by", "Colour by this point or cell array.", "ARRAY");
-  parser.addOptions({screenshot, size, representation, colorBy});
-  parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "FILE...");
+  parser.addOptions({state, saveState, screenshot, size, representation, colorBy});
+  parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "[FILE...]");
   parser.process(app);
 
   ViewerOptions options;
   options.files = parser.positionalArguments();
+  options.stateFile = parser.value(state);
+  options.saveStatePath = parser.value(saveState);
   options.screenshotPath = parser.value(screenshot);
   options.representation = parser.value(representation);
   options.colorBy = parser.value(colorBy);
-  const QStringList dims = parser.value(size).split('x');
-  bool okWidth = false;
-  bool okHeight = false;
-  if(dims.size() == 2)
-    options.size = QSize(dims[0].toInt(&okWidth), dims[1].toInt(&okHeight));
-  if(!okWidth || !okHeight || options.size.width() <= 0 || options.size.height() <= 0)
+  if(parser.isSet(size))
   {
-    std::fprintf(stderr, "kxvtk-viewer: invalid --size '%s', expected WxH\n", qPrintable(parser.value(size)));
-    return 2;
+    const QStringList dims = parser.value(size).split('x');
+    bool okWidth = false;
+    bool okHeight = false;
+    if(dims.size() == 2)
+      options.size = QSize(dims[0].toInt(&okWidth), dims[1].toInt(&okHeight));
+    if(!okWidth || !okHeight || options.size.width() <= 0 || options.size.height() <= 0)
+    {
+      std::fprintf(stderr, "kxvtk-viewer: invalid --size '%s', expected WxH\n", qPrintable(parser.value(size)));
+      return 2;
+    }
+    options.sizeGiven = true;
   }
-  if(options.files.isEmpty())
+  else if(options.isBatch())
+  {
+    options.size = QSize(800, 600);
+  }
+  if(options.isBatch() && options.files.isEmpty() && options.stateFile.isEmpty())
   {
     std::fprintf(stderr, "kxvtk-viewer: no file given\n%s", qPrintable(parser.helpText()));
     return 2;
@@ -52,8 +66,14 @@ int main(int argc, char** argv)
   ViewerApplication viewer(options);
   if(!viewer.load())
     return 1;
-  if(!options.screenshotPath.isEmpty())
-    return viewer.saveScreenshot() ? 0 : 1;
-  viewer.view()->show();
+  if(options.isBatch())
+  {
+    if(!options.saveStatePath.isEmpty() && !viewer.saveState())
+      return 1;
+    if(!options.screenshotPath.isEmpty() && !viewer.saveScreenshot())
+      return 1;
+    return 0;
+  }
+  viewer.window()->show();
   return QApplication::exec();
 }

@@ -1,0 +1,154 @@
+#include "ViewerMainWindow.hpp"
+
+#include <MicrostructureGenerator.hpp>
+
+#include <visualization/FileToVXBridge.hpp>
+#include <visualization/QtWidgets/VXInfoWidget.hpp>
+#include <visualization/QtWidgets/VXVisualizationModuleWidget.hpp>
+#include <visualization/VXPipeline.hpp>
+#include <visualization/VXPipelineModel.hpp>
+#include <visualization/VXUserPrompt.hpp>
+
+#include <QtGui/QAction>
+#include <QtGui/QKeySequence>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QDockWidget>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QPlainTextEdit>
+
+namespace
+{
+// big enough to look like a microstructure, small enough to build in a blink
+constexpr kx::core::usize k_HostSampleSize = 48;
+} // namespace
+
+ViewerMainWindow::ViewerMainWindow(QWidget* parent)
+: QMainWindow(parent)
+{
+  setWindowTitle("KXVtk Viewer");
+  setAcceptDrops(true);
+  m_Module = new VXVisualizationModuleWidget(this);
+  m_Module->setObjectName("visualizationModule");
+  setCentralWidget(m_Module);
+
+  auto* dock = new QDockWidget("Output", this);
+  dock->setObjectName("outputDock");
+  m_Output = new QPlainTextEdit(dock);
+  m_Output->setObjectName("outputText");
+  m_Output->setReadOnly(true);
+  m_Output->setMaximumBlockCount(5000);
+  dock->setWidget(m_Output);
+  addDockWidget(Qt::BottomDockWidgetArea, dock);
+
+  connect(m_Module, &VXVisualizationModuleWidget::printOutput, this, &ViewerMainWindow::appendOutput);
+  // the module asks its host to load state files; this host always agrees
+  connect(m_Module, &VXVisualizationModuleWidget::loadStateRequested, m_Module, qOverload<QString>(&VXVisualizationModuleWidget::loadState));
+  createMenus();
+}
+
+ViewerMainWindow::~ViewerMainWindow() = default;
+
+void ViewerMainWindow::createMenus()
+{
+  QMenu* file = menuBar()->addMenu("&File");
+  QAction* open = file->addAction("&Open...", this, &ViewerMainWindow::openFiles);
+  open->setShortcut(QKeySequence::Open);
+  file->addAction("&Import State...", m_Module, qOverload<>(&VXVisualizationModuleWidget::loadState));
+  file->addAction("&Save State...", m_Module, qOverload<>(&VXVisualizationModuleWidget::saveState));
+  file->addSeparator();
+  file->addAction("Save Screenshot of &All Views...", m_Module, &VXVisualizationModuleWidget::saveAllViewsScreenshot);
+  file->addAction("&Copy All Views to Clipboard", m_Module, &VXVisualizationModuleWidget::copyAllViewsToClipboard);
+  file->addSeparator();
+  QAction* quit = file->addAction("&Quit", qApp, &QApplication::closeAllWindows);
+  quit->setShortcut(QKeySequence::Quit);
+
+  QMenu* view = menuBar()->addMenu("&View");
+  view->addAction("&Link All Cameras", m_Module, &VXVisualizationModuleWidget::linkAllViews);
+  view->addAction("&Unlink All Cameras", m_Module, &VXVisualizationModuleWidget::unlinkAllViews);
+  view->addAction("Equalize View &Widths", m_Module, &VXVisualizationModuleWidget::equalizeViewWidths);
+  view->addAction("Equalize View &Heights", m_Module, &VXVisualizationModuleWidget::equalizeViewHeights);
+  view->addSeparator();
+  view->addAction("Save Current Layout as &Default...", m_Module, &VXVisualizationModuleWidget::writeSettings);
+
+  QMenu* presets = menuBar()->addMenu("&Presets");
+  presets->addAction("&Save Preset of Selected Data Source...", this, [this] {
+    const QModelIndex index = m_Module->getInfoWidget()->currentIndex();
+    if(!m_Module->pipelineModel()->isDataSource(index))
+    {
+      appendOutput("Select a data source in the pipeline browser to save its data views as a preset.");
+      return;
+    }
+    const QString name = VXUserPrompt::getText(this, "Create Visualization Preset", "Preset name:").trimmed();
+    if(!name.isEmpty())
+      m_Module->createPreset(index, name, false);
+  });
+  QMenu* apply = presets->addMenu("&Apply Preset to Selected Data Source");
+  connect(apply, &QMenu::aboutToShow, this, [this, apply] {
+    apply->clear();
+    for(const QString& name : VXInfoWidget::PresetNames())
+    {
+      apply->addAction(name, this, [this, name] {
+        const QModelIndex index = m_Module->getInfoWidget()->currentIndex();
+        if(m_Module->pipelineModel()->isDataSource(index))
+          m_Module->applyPreset(index, name);
+        else
+          appendOutput("Select a data source in the pipeline browser to apply a preset to it.");
+      });
+    }
+  });
+  presets->addSeparator();
+  presets->addAction("&Export Presets...", this, [this] {
+    const QString path = VXUserPrompt::getSaveFileName(this, "Export Visualization Presets", "JSON File (*.json)");
+    if(!path.isEmpty())
+      m_Module->exportPresets(path, VXInfoWidget::PresetNames());
+  });
+  presets->addAction("&Import Presets...", this, [this] {
+    const QString path = VXUserPrompt::getOpenFileName(this, "Import Visualization Presets", "JSON File (*.json)");
+    if(!path.isEmpty())
+      m_Module->importPresets(path);
+  });
+
+  QMenu* host = menuBar()->addMenu("&Host Pipeline");
+  host->addAction("&Run Sample Pipeline", this, &ViewerMainWindow::runHostPipeline);
+  host->addAction("Run Again with &New Values", this, &ViewerMainWindow::rerunHostPipeline);
+}
+
+void ViewerMainWindow::openFiles()
+{
+  const QStringList paths = QFileDialog::getOpenFileNames(this, "Open", QString(), FileToVXBridge::FileFilterList());
+  for(const QString& path : paths)
+  {
+    if(!m_Module->getInfoWidget()->checkForExistingFile(path))
+      m_Module->pipeline()->importFile(path);
+  }
+}
+
+void ViewerMainWindow::runHostPipeline()
+{
+  kxvtk::sample::MicrostructureGenerator generator(k_HostSampleSize);
+  m_HostData = std::make_shared<kx::core::DataStructure>(generator.generate());
+  m_HostRun = 0;
+  if(m_Module->pipeline()->importPipelineOutput(&m_Controller, m_HostData))
+    appendOutput(QString("%1: %2 grains shown from memory").arg(m_Controller.getPipelineName()).arg(generator.summary().grains));
+}
+
+void ViewerMainWindow::rerunHostPipeline()
+{
+  if(!m_HostData)
+  {
+    runHostPipeline();
+    return;
+  }
+  // same geometry names, new grain layout: the shown data sources are updated in place
+  ++m_HostRun;
+  kxvtk::sample::MicrostructureGenerator generator(k_HostSampleSize, 20240611u + m_HostRun);
+  m_HostData = std::make_shared<kx::core::DataStructure>(generator.generate());
+  if(m_Module->pipeline()->reloadPipelineOutput(&m_Controller, m_HostData))
+    appendOutput(QString("%1: run %2, %3 grains").arg(m_Controller.getPipelineName()).arg(m_HostRun + 1).arg(generator.summary().grains));
+}
+
+void ViewerMainWindow::appendOutput(const QString& message)
+{
+  m_Output->appendPlainText(message);
+}

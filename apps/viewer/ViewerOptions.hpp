@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QtCore/QSize>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+/** What the viewer was asked to do, from its command line. */
+struct ViewerOptions
+{
+  QStringList files;
+  QString stateFile;
+  QString saveStatePath;
+  QString screenshotPath;
+  QSize size = QSize(1280, 800);
+  bool sizeGiven = false;
+  QString representation;
+  QString colorBy;
+
+  /** Runs that end by themselves answer every question without a dialog. */
+  bool isBatch() const { return !screenshotPath.isEmpty() || !saveStatePath.isEmpty(); }
+};
