@@ -1,0 +1,291 @@
+#pragma once
+
+#include "TestSupport.hpp"
+
+#include <visualization/FileToVXBridge.hpp>
+#include <visualization/KXToVXBridge.hpp>
+#include <visualization/QtWidgets/VXAbstractViewWidget.hpp>
+#include <visualization/VXDataSource.hpp>
+#include <visualization/VXFilter.hpp>
+#include <visualization/VXGlobalSource.hpp>
+#include <visualization/VXPipeline.hpp>
+#include <visualization/VXPipelineModel.hpp>
+#include <visualization/VXRepresentation.hpp>
+
+#include <KX/IPipelineController.hpp>
+#include <KXComponents/KXPreferences.hpp>
+#include <KXComponents/KXStyle.hpp>
+#include <KXComponents/QtKXSettings.hpp>
+#include <kxcore/AttributeMatrix.hpp>
+#include <kxcore/DataStore.hpp>
+#include <kxcore/ImageGeom.hpp>
+#include <kxcore/VertexGeom.hpp>
+#include <kxcore/VoxeliaFile.hpp>
+
+#include <MicrostructureGenerator.hpp>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QEvent>
+#include <QtCore/QPointer>
+#include <QtWidgets/QWidget>
+
+#include <vtkCellArray.h>
+#include <vtkNew.h>
+#include <vtkPoints.h>
+#include <vtkPolyData.h>
+#include <vtkXMLPolyDataWriter.h>
+
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+/** Readable texts in failure messages. */
+inline void PrintTo(const QString& text, std::ostream* os)
+{
+  *os << '"' << text.toStdString() << '"';
+}
+
+namespace modeltest
+{
+/** A render view frame without a render widget: enough for the tree and its check states. */
+class TestView : public VXAbstractViewWidget
+{
+public:
+  using VXAbstractViewWidget::VXAbstractViewWidget;
+  VXAbstractViewWidget* clone() override { return new TestView(); }
+  VXAbstractViewWidget* newInstance() override { return new TestView(); }
+};
+
+/** A host pipeline run. */
+class FakeController : public KX::IPipelineController
+{
+public:
+  FakeController(QString name, QString uuid)
+  : m_Name(std::move(name))
+  , m_Uuid(std::move(uuid))
+  {
+  }
+  QString getPipelineName() const override { return m_Name; }
+  QString getPipelineFilePath() const override { return "/tmp/run.kxpipe"; }
+  QString getPipelineUuid() const override { return m_Uuid; }
+
+private:
+  QString m_Name;
+  QString m_Uuid;
+};
+
+/** A pass-through visual filter: its output is its input. */
+class PassFilter : public VXFilter
+{
+public:
+  PassFilter() { m_BaseName = "Pass Filter"; }
+  QString humanTypeName() override { return "Pass Filter"; }
+  QString typeName() override { return "PassFilter"; }
+  vtkAlgorithmOutput* outputPort() override { return m_InputPort; }
+  void initializeSettingsWidget() override {}
+  QIcon getIcon() override { return KXStyle::generateThemeIconFromName("Filter"); }
+  void copyActiveSettings() const override {}
+  void pasteToActiveSettings() override {}
+  void receivePipelineOutputReloaded() override {}
+  void addViewWidgetCopy(VXAbstractViewWidget*, VXAbstractViewWidget*) override {}
+  void initializeFilter() override { initialized = true; }
+
+  bool initialized = false;
+};
+
+/** An annotation without an icon of its own; each settings page it builds is counted. */
+class CaptionSource : public VXGlobalSource
+{
+public:
+  CaptionSource() { m_BaseName = "Caption"; }
+  QString humanTypeName() override { return "Caption"; }
+  QString typeName() override { return "CaptionSource"; }
+  vtkAlgorithmOutput* outputPort() override { return nullptr; }
+  void initializeSettingsWidget() override
+  {
+    // pages hang from a holder of this object, so a dropped page is still freed
+    m_SettingsWidget = new QWidget(&m_PageHolder);
+    pagesBuilt++;
+  }
+  QIcon getIcon() override { return {}; }
+  void copyActiveSettings() const override {}
+  void pasteToActiveSettings() override {}
+  void receivePipelineOutputReloaded() override {}
+  void addViewWidgetCopy(VXAbstractViewWidget*, VXAbstractViewWidget*) override {}
+
+  int pagesBuilt = 0;
+
+private:
+  QWidget m_PageHolder;
+};
+
+/** Settings and preferences of the test's own. */
+class ScopedSettings
+{
+public:
+  ScopedSettings()
+  : m_Previous(QtKXSettings::FilePath())
+  {
+    QtKXSettings::SetFilePath(QString::fromStdString((m_Dir / "settings.ini").string()));
+    KXPreferences::resetToDefaults();
+  }
+  ~ScopedSettings()
+  {
+    QtKXSettings::SetFilePath(m_Previous);
+    KXPreferences::resetToDefaults();
+  }
+
+private:
+  kxtest::TempDir m_Dir;
+  QString m_Previous;
+};
+
+inline QString qpath(const std::filesystem::path& path)
+{
+  return QString::fromStdString(path.string());
+}
+
+/** Writes a poly data file of two triangles. */
+inline std::filesystem::path writeTriangles(const kxtest::TempDir& dir, const std::string& name = "surface.vtp")
+{
+  vtkNew<vtkPoints> points;
+  points->InsertNextPoint(0, 0, 0);
+  points->InsertNextPoint(1, 0, 0);
+  points->InsertNextPoint(1, 1, 0);
+  points->InsertNextPoint(0, 1, 0);
+  vtkNew<vtkCellArray> triangles;
+  const vtkIdType first[3] = {0, 1, 2};
+  const vtkIdType second[3] = {0, 2, 3};
+  triangles->InsertNextCell(3, first);
+  triangles->InsertNextCell(3, second);
+  vtkNew<vtkPolyData> poly;
+  poly->SetPoints(points);
+  poly->SetPolys(triangles);
+  const auto path = dir / name;
+  vtkNew<vtkXMLPolyDataWriter> writer;
+  writer->SetFileName(path.string().c_str());
+  writer->SetInputData(poly);
+  EXPECT_EQ(writer->Write(), 1) << "could not write " << path;
+  return path;
+}
+
+/** Writes the sample microstructure (image, grain boundaries, centroids) as a host file. */
+inline std::filesystem::path writeSample(const kxtest::TempDir& dir, const std::string& name = "sample.voxelia")
+{
+  kxvtk::sample::MicrostructureGenerator generator(8);
+  const auto path = dir / name;
+  kx::core::DataStructure ds = generator.generate();
+  EXPECT_TRUE(kx::core::VOXELIA::WriteFile(path, ds).isValid());
+  return path;
+}
+
+/** A host result: an image "Grains" and, optionally, a point cloud "Seeds". */
+inline std::shared_ptr<kx::core::DataStructure> hostResult(bool withSeeds)
+{
+  using namespace kx::core;
+  auto ds = std::make_shared<DataStructure>();
+  auto* image = ImageGeom::Create(*ds, "Grains");
+  image->setDimensions({3, 2, 1});
+  auto* cells = AttributeMatrix::Create(*ds, "Cell Data", {1, 2, 3}, image->getId());
+  image->setCellData(cells->getId());
+  auto store = std::make_shared<DataStore<int32>>(ShapeType{1, 2, 3}, ShapeType{1}, 1);
+  Int32Array::Create(*ds, "FeatureIds", store, cells->getId());
+  if(withSeeds)
+  {
+    auto* seeds = VertexGeom::Create(*ds, "Seeds");
+    auto xyz = std::make_shared<DataStore<float>>(ShapeType{2}, ShapeType{3}, 0.5f);
+    seeds->setVertexListId(Float32Array::Create(*ds, "Vertices", xyz, seeds->getId())->getId());
+  }
+  return ds;
+}
+
+/** Runs the event loop until the condition holds or the time is up. */
+template <typename Condition>
+bool waitFor(Condition condition, int milliseconds = 5000)
+{
+  QElapsedTimer timer;
+  timer.start();
+  while(!condition() && timer.elapsed() < milliseconds)
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+  return condition();
+}
+
+/** Lets the deferred deletes of removed items happen. */
+inline void flushDeletes()
+{
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+/** The index of the row reached by following @p rows from the top (column as given). */
+inline QModelIndex indexAt(const QAbstractItemModel& model, const std::vector<int>& rows, int column = 0)
+{
+  QModelIndex index;
+  for(size_t i = 0; i < rows.size(); i++)
+    index = model.index(rows[i], i + 1 == rows.size() ? column : 0, index);
+  return index;
+}
+
+/**
+ * A pipeline with one active view and the model over it, as the module makes
+ * them: the model is a child of the pipeline.
+ */
+class Scene
+{
+public:
+  Scene()
+  {
+    pipeline = std::make_unique<VXPipeline>();
+    model = new VXPipelineModel(pipeline.get(), pipeline.get());
+    pipeline->setActiveViewWidget(&view);
+  }
+  ~Scene()
+  {
+    // a global source has no QObject parent: the code that made it frees it
+    delete caption.data();
+    pipeline.reset();
+  }
+  Scene(const Scene&) = delete;
+  Scene& operator=(const Scene&) = delete;
+
+  /**
+   * The tree the tests look at:
+   *   0 surface.vtp               (file bridge)
+   *     0 surface                 (data source, named after the file)
+   *       0 Outline View          (its default data view)
+   *       1 Pass Filter
+   *         0 Surface View
+   *   1 Caption                   (global source)
+   */
+  void buildSurfaceTree()
+  {
+    surfaceFile = writeTriangles(dir);
+    pipeline->importFile(qpath(surfaceFile));
+    surfaceBridge = qobject_cast<FileToVXBridge*>(pipeline->bridges().last());
+    ASSERT_NE(surfaceBridge, nullptr);
+    ASSERT_EQ(surfaceBridge->dataSources().size(), 1);
+    surfaceSource = surfaceBridge->dataSources().first();
+    filter = new PassFilter();
+    const QModelIndex filterIndex = model->addFilter(model->helperIndex(surfaceSource), filter);
+    ASSERT_TRUE(filterIndex.isValid());
+    const QModelIndex surfaceIndex = model->addRepresentation(filterIndex, VXRepresentation::Surface);
+    ASSERT_TRUE(surfaceIndex.isValid());
+    surfaceView = model->getRepresentation(surfaceIndex);
+    caption = new CaptionSource();
+    ASSERT_TRUE(model->addGlobalSource(caption).isValid());
+  }
+
+  kxtest::TempDir dir;
+  ScopedSettings settings;
+  TestView view;
+  std::unique_ptr<VXPipeline> pipeline;
+  VXPipelineModel* model = nullptr;
+
+  std::filesystem::path surfaceFile;
+  FileToVXBridge* surfaceBridge = nullptr;
+  VXDataSource* surfaceSource = nullptr;
+  PassFilter* filter = nullptr;
+  VXRepresentation* surfaceView = nullptr;
+  QPointer<CaptionSource> caption;
+};
+} // namespace modeltest
