@@ -1,6 +1,7 @@
 #include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
 
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
+#include "visualization/VXInteractorStyleCamera.hpp"
 
 #include <vtkRenderer.h>
 
@@ -25,17 +26,44 @@ void VXAbstractViewWidget::setActive(bool active)
 
 void VXAbstractViewWidget::setupView()
 {
-  if(m_VisualizationWidget != nullptr)
-    return;
-  m_VisualizationWidget = new VXVisualizationWidget(this, 2);
+  if(m_VisualizationWidget == nullptr)
+  {
+    m_VisualizationWidget = new VXVisualizationWidget(this, 2);
+    connect(m_VisualizationWidget, &VXVisualizationWidget::mousePressed, this, &VXAbstractViewWidget::mousePressed);
+    connect(m_VisualizationWidget, &VXVisualizationWidget::statusMessage, this,
+            &VXAbstractViewWidget::updateStatusMessage);
+  }
   auto* frameLayout = qobject_cast<QVBoxLayout*>(layout());
-  if(frameLayout == nullptr)
+  if(frameLayout == nullptr && layout() == nullptr)
   {
     frameLayout = new QVBoxLayout(this);
     frameLayout->setContentsMargins(0, 0, 0, 0);
   }
-  frameLayout->addWidget(m_VisualizationWidget);
   m_VisualizationWidget->show();
+  if(frameLayout != nullptr && frameLayout->indexOf(m_VisualizationWidget) < 0)
+    frameLayout->addWidget(m_VisualizationWidget);
+  // the style redraws the linked views while the user turns this one
+  if(VXInteractorStyleCamera* style = m_VisualizationWidget->getInteractorStyle())
+    style->setViewWidget(this);
+}
+
+void VXAbstractViewWidget::setSplitId(int)
+{
+}
+
+int VXAbstractViewWidget::getSplitId() const
+{
+  return 1;
+}
+
+void VXAbstractViewWidget::setSplitIdOverlayHintVisibility(bool)
+{
+}
+
+void VXAbstractViewWidget::setClosable(bool closable)
+{
+  m_Closable = closable;
+  updateClosable();
 }
 
 void VXAbstractViewWidget::notifyClosingView()
@@ -54,6 +82,26 @@ void VXAbstractViewWidget::renderView()
     m_VisualizationWidget->render();
 }
 
+void VXAbstractViewWidget::resetCamera()
+{
+  if(!m_BlockRender && m_VisualizationWidget != nullptr)
+    m_VisualizationWidget->resetCamera();
+}
+
+void VXAbstractViewWidget::unlinkCamera()
+{
+  if(!m_BlockRender && m_VisualizationWidget != nullptr)
+    m_VisualizationWidget->unlinkCamera();
+}
+
+void VXAbstractViewWidget::updateScene()
+{
+  if(m_BlockRender || m_VisualizationWidget == nullptr)
+    return;
+  m_VisualizationWidget->render();
+  m_VisualizationWidget->resetCamera();
+}
+
 void VXAbstractViewWidget::setBlockRender(bool block)
 {
   m_BlockRender = block;
@@ -68,4 +116,52 @@ void VXAbstractViewWidget::setBlockRender(bool block)
   renderer->DrawOn();
   if(!m_BlockRender)
     m_VisualizationWidget->render();
+}
+
+void VXAbstractViewWidget::onPipelineOutputReloaded()
+{
+  if(m_VisualizationWidget != nullptr)
+    m_VisualizationWidget->updateGridAxesBounds(true);
+}
+
+void VXAbstractViewWidget::mousePressed()
+{
+  // the flag is set directly; the grid's answer to markActive re-polishes
+  m_Active = true;
+  Q_EMIT markActive(this);
+}
+
+void VXAbstractViewWidget::updateStatusMessage(QString)
+{
+}
+
+void VXAbstractViewWidget::saveState(nlohmann::json& output)
+{
+  if(!output.is_object())
+    output = nlohmann::json::object();
+  output[k_BlockRenderKey] = m_BlockRender;
+  output[k_ActiveViewKey] = m_Active;
+  if(m_VisualizationWidget != nullptr)
+    m_VisualizationWidget->saveState(output);
+}
+
+void VXAbstractViewWidget::loadState(nlohmann::json input)
+{
+  if(!input.is_object())
+    return;
+  if(input.contains(k_BlockRenderKey))
+    setBlockRender(input.at(k_BlockRenderKey).get<bool>());
+  if(input.contains(k_ActiveViewKey))
+  {
+    const bool active = input.at(k_ActiveViewKey).get<bool>();
+    setActive(active);
+    if(active)
+      Q_EMIT markActive(this);
+  }
+  if(m_VisualizationWidget != nullptr)
+    m_VisualizationWidget->loadState(input);
+}
+
+void VXAbstractViewWidget::updateClosable()
+{
 }
