@@ -54,8 +54,8 @@ protected:
     ASSERT_EQ(m_Module->pipeline()->bridges().size(), 1);
   }
 
-  QModelIndex bridgeIndex() const { return model()->index(0, 1, QModelIndex()); }
-  QModelIndex sourceIndex(int row) const { return model()->index(row, 1, bridgeIndex()); }
+  QModelIndex bridgeIndex() const { return model()->index(0, 0, QModelIndex()); }
+  QModelIndex sourceIndex(int row) const { return model()->index(row, 0, bridgeIndex()); }
 
   /** A tree state of one bridge over the sample, with the given data source items. */
   nlohmann::json bridgeState(const nlohmann::json& children) const

@@ -12,6 +12,7 @@
 #include <visualization/VXPipelineModel.hpp>
 
 #include <QtTest/QSignalSpy>
+#include <QtWidgets/QAbstractButton>
 
 #include <memory>
 
@@ -25,6 +26,7 @@ inline void pump()
   for(int i = 0; i < 5; ++i)
   {
     QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCoreApplication::processEvents();
   }
 }

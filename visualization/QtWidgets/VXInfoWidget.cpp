@@ -115,7 +115,7 @@ void VXInfoWidget::setPipelineModel(VXPipelineModel* model)
 
 VXPipeline* VXInfoWidget::pipeline() const
 {
-  return m_Model != nullptr ? qobject_cast<VXPipeline*>(m_Model->parent()) : nullptr;
+  return m_Model != nullptr ? m_Model->pipeline() : nullptr;
 }
 
 bool VXInfoWidget::modelIsEmpty() const
@@ -420,6 +420,9 @@ QModelIndex VXInfoWidget::loadRepresentationHelper(const QModelIndex& parent, co
   auto* representation = entry != nullptr ? qobject_cast<VXRepresentation*>(entry->make(pipeline())) : nullptr;
   if(representation == nullptr)
     return {};
+  // the per-view parts read their settings over the parent's data, so the parent comes first
+  representation->setPipeline(pipeline());
+  representation->setParentSource(m_Model->getCoreObject(parent));
   representation->read(itemData, views);
   return m_Model->loadRepresentation(parent, representation);
 }
@@ -485,36 +488,8 @@ void VXInfoWidget::removeItem(const QModelIndex& index)
     return;
   releaseSettingsPage();
   Q_EMIT clearAllRenderWindowHighlighters();
-  if(m_Model->isPipeline(index))
-  {
-    VXBridgeObject* bridge = m_Model->getPipelineObject(index);
-    m_Model->removePipeline(bridge);
-    if(VXPipeline* owner = pipeline())
-      owner->pipelineBridgeRemoved(bridge);
-    // the data sources go with their bridge (QObject children), and their data views with them
-    delete bridge;
-  }
-  else if(m_Model->isDataSource(index))
-  {
-    VXDataSource* source = m_Model->getCoreObject(index) != nullptr ? qobject_cast<VXDataSource*>(m_Model->getCoreObject(index)) : nullptr;
-    m_Model->removeDataSource(source);
-    if(VXPipeline* owner = pipeline())
-      owner->onDataSourceRemoved(source);
-    delete source;
-  }
-  else if(m_Model->isGlobalSource(index))
-  {
-    VXGlobalSource* source = m_Model->getGlobalSource(index);
-    m_Model->removeGlobalSource(source);
-    if(VXPipeline* owner = pipeline())
-      owner->globalSourceRemoved(source);
-    delete source;
-  }
-  else if(VXCoreObject* object = m_Model->getCoreObject(index))
-  {
-    m_Model->removeItem(index);
-    delete object;
-  }
+  // the model removes the rows depth first and lets the objects go
+  m_Model->removeItem(index);
   if(VXPipeline* owner = pipeline())
     Q_EMIT owner->requestRenderAll();
   checkForValidSaveState();

@@ -97,7 +97,7 @@ public Q_SLOTS:
   void setCurrentIndex(const QModelIndex& index);
   /** Adds a data view of the type under the current item. */
   void addRepresentation(VXRepresentation::Type type);
-  /** Removes the item and everything under it, deleting the objects. */
+  /** Removes the item and everything under it; the objects are deleted once control returns to the event loop. */
   void removeItem(const QModelIndex& index);
   void reloadItem(const QModelIndex& index);
 
