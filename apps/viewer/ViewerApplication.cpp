@@ -105,7 +105,25 @@ bool ViewerApplication::load()
       return false;
     }
   }
-  return applyColoring();
+  if(!applyColoring())
+    return false;
+  // a state file brings its own cameras; otherwise an oblique view shows three faces of a volume
+  if(m_Options.stateFile.isEmpty())
+    frameViews();
+  return true;
+}
+
+void ViewerApplication::frameViews()
+{
+  for(VXAbstractViewWidget* view : m_Window->module()->getAllViewWidgets())
+  {
+    vtkRenderer* renderer = view->getVisualizationWidget()->getRenderer();
+    renderer->ResetCamera();
+    renderer->GetActiveCamera()->Azimuth(35.0);
+    renderer->GetActiveCamera()->Elevation(25.0);
+    renderer->GetActiveCamera()->OrthogonalizeViewUp();
+    renderer->ResetCamera();
+  }
 }
 
 bool ViewerApplication::applyRepresentation()
@@ -201,19 +219,6 @@ bool ViewerApplication::saveScreenshot()
   m_Window->show();
   fitViewsToRequestedSize();
   VXVisualizationModuleWidget* module = m_Window->module();
-  // a state file brings its own cameras; otherwise an oblique view shows three faces of a volume
-  if(m_Options.stateFile.isEmpty())
-  {
-    for(VXAbstractViewWidget* view : module->getAllViewWidgets())
-    {
-      vtkRenderer* renderer = view->getVisualizationWidget()->getRenderer();
-      renderer->ResetCamera();
-      renderer->GetActiveCamera()->Azimuth(35.0);
-      renderer->GetActiveCamera()->Elevation(25.0);
-      renderer->GetActiveCamera()->OrthogonalizeViewUp();
-      renderer->ResetCamera();
-    }
-  }
   module->renderAllViews();
   settle();
   const QImage image = module->grabAllViewsImage();

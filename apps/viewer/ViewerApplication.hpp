@@ -29,6 +29,8 @@ public:
 private:
   bool applyRepresentation();
   bool applyColoring();
+  /** Points every view's camera obliquely at the whole scene. */
+  void frameViews();
   /** Gives the render area the requested size (the pipeline browser keeps its own width). */
   void fitViewsToRequestedSize();
 

@@ -325,8 +325,11 @@ void VXVisualizationModuleWidget::fillViewIndexMap()
 QImage VXVisualizationModuleWidget::grabAllViewsImage()
 {
   VXViewGridWidget* grid = ui->viewGridWidget;
-  QImage image(grid->size(), QImage::Format_RGB32);
-  image.fill(palette().color(QPalette::Window));
+  // the frames (status strips, buttons) as Qt paints them; the scenes go on top,
+  // since an OpenGL surface does not show in a widget grab
+  QImage image = grid->grab().toImage().convertToFormat(QImage::Format_RGB32);
+  if(image.size() != grid->size())
+    image = image.scaled(grid->size());
   QPainter painter(&image);
   for(VXAbstractViewWidget* view : grid->allViews())
   {
