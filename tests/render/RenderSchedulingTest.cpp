@@ -58,6 +58,38 @@ TEST_F(RenderScheduling, TwoRequestsInOneTurnDrawOneFrame)
   EXPECT_EQ(windowFrames.count(), windowRendersForOne);
 }
 
+TEST_F(RenderScheduling, OutlineLayerDrawsOnlyInFramesWithVisibleOutlines)
+{
+  vtkRenderer* outline = m_View->getOutlineRenderer();
+  vtkRenderWindow* window = m_View->renderWindow();
+  EventCounter outlineFrames(outline, vtkCommand::StartEvent);
+  EventCounter sceneFrames(m_View->getRenderer(), vtkCommand::StartEvent);
+
+  window->Render();
+  EXPECT_EQ(outlineFrames.count(), 0);
+  EXPECT_EQ(sceneFrames.count(), 1);
+
+  vtkSmartPointer<vtkActor> box = rendertest::makeBox(0, 1, 0, 1, 0, 1);
+  m_View->addOutline(box);
+  window->Render();
+  EXPECT_EQ(outlineFrames.count(), 1);
+  EXPECT_EQ(outline->GetDraw(), 1);
+
+  // a hidden outline is no reason to draw the layer
+  box->VisibilityOff();
+  window->Render();
+  EXPECT_EQ(outlineFrames.count(), 1);
+  box->VisibilityOn();
+  window->Render();
+  EXPECT_EQ(outlineFrames.count(), 2);
+
+  m_View->clearOutlines();
+  window->Render();
+  EXPECT_EQ(outlineFrames.count(), 2);
+  EXPECT_EQ(outline->GetDraw(), 0);
+  EXPECT_EQ(sceneFrames.count(), 5);
+}
+
 TEST_F(RenderScheduling, ConstructionBuildsLayeredRenderersSharingOneCamera)
 {
   vtkRenderer* scene = m_View->getRenderer();

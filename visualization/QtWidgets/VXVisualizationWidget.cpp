@@ -13,6 +13,8 @@
 #include <vtkActor.h>
 #include <vtkAnnotatedCubeActor.h>
 #include <vtkCamera.h>
+#include <vtkCameraOrientationRepresentation.h>
+#include <vtkCommand.h>
 #include <vtkCursor3D.h>
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkGridAxesActor3D.h>
@@ -69,6 +71,8 @@ VXVisualizationWidget::~VXVisualizationWidget()
   if(m_LinkingWidget == this)
     m_LinkingWidget = nullptr;
   m_ViewActions.reset();
+  if(renderWindow() != nullptr && m_WindowStartObserver != 0)
+    renderWindow()->RemoveObserver(m_WindowStartObserver);
   // the widgets observe the interactor, which goes away with the window
   if(m_HoverWidget != nullptr)
     m_HoverWidget->SetEnabled(0);
@@ -172,6 +176,11 @@ void VXVisualizationWidget::initializeRendererAndAxes()
     vtkNew<vtkOutlineGlowPass> glow;
     glow->SetDelegatePass(steps);
     m_OutlineRenderer->SetPass(glow);
+    // The glow pass blurs and blends whole frame buffers even with nothing to
+    // outline, which costs a large scene about a tenth of its frame time; the
+    // layer is therefore switched on only for frames that have outlines.
+    m_WindowStartObserver =
+      window->AddObserver(vtkCommand::StartEvent, this, &VXVisualizationWidget::onWindowStartRender);
 
     vtkRenderWindowInteractor* interactor = window->GetInteractor();
     m_HoverWidget = vtkSmartPointer<vtkHoverWidget>::New();
@@ -233,6 +242,15 @@ void VXVisualizationWidget::initializeCameraOrientationWidget()
     return;
   m_CameraOrientationWidget = vtkSmartPointer<VXViewCubeWidget>::New();
   m_CameraOrientationWidget->SetParentRenderer(m_Renderer);
+  // The gizmo is rebuilt in every frame that turns the camera and is drawn a
+  // few dozen pixels wide: coarser tubes and discs look the same there and
+  // keep it from adding to the frame time of large scenes.
+  if(auto* rep = vtkCameraOrientationRepresentation::SafeDownCast(m_CameraOrientationWidget->GetRepresentation()))
+  {
+    rep->SetShaftResolution(6);
+    rep->SetHandleCircumferentialResolution(16);
+    rep->SetContainerCircumferentialResolution(16);
+  }
   m_CameraOrientationWidget->On();
   m_CameraOrientationWidget->setFaceLabels(KXPreferences::getOrientationMarkerText());
 }
@@ -347,6 +365,12 @@ void VXVisualizationWidget::renderQueued()
     ++m_FrameCount;
   }
   QWidget::update();
+}
+
+void VXVisualizationWidget::onWindowStartRender(vtkObject*, unsigned long, void*)
+{
+  if(m_OutlineRenderer != nullptr)
+    m_OutlineRenderer->SetDraw(m_OutlineRenderer->VisibleActorCount() > 0);
 }
 
 void VXVisualizationWidget::renderNow()

@@ -23,6 +23,7 @@ class QMenu;
 class vtkActor;
 class vtkCursor3D;
 class vtkHoverWidget;
+class vtkObject;
 class vtkOrientationMarkerWidget;
 class vtkProp;
 class vtkRenderer;
@@ -273,6 +274,8 @@ private:
   void initializeCameraOrientationWidget();
   void recenterToolbar();
   void renderQueued();
+  /** Window start of frame: the outline layer draws only when it has something to show. */
+  void onWindowStartRender(vtkObject* caller, unsigned long event, void* callData);
   /** Draws at once through the interactor when window and interactor exist. */
   void renderNow();
   std::array<double, 6> visiblePropBounds() const;
@@ -320,4 +323,5 @@ private:
   ContextMenuExecutor m_ContextMenuExecutor;
   QMap<QString, CameraPreset> m_CameraPresets;
   int m_FrameCount = 0;
+  unsigned long m_WindowStartObserver = 0;
 };
