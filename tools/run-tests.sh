@@ -7,7 +7,7 @@ export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-xcb}
 export QT_SCALE_FACTOR=1
 jobs=$(nproc)
 if command -v xvfb-run >/dev/null; then
-  xvfb-run -a -s "-screen 0 1280x1024x24" ctest --output-on-failure -j "$jobs" "$@"
+  xvfb-run -a -n $((100 + RANDOM % 500)) -s "-screen 0 1280x1024x24" ctest --output-on-failure -j "$jobs" "$@"
 else
   ctest --output-on-failure -j "$jobs" "$@"
 fi
