@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # The demo: generates the bundled sample microstructure on first use, prints
-# what the library presents to VTK, then shows it — in a window when there is
-# a display, otherwise rendered to a PNG whose path is printed.
+# what the library presents to VTK, then shows it in the viewer: in its window
+# when there is a display, otherwise rendered without one to a PNG (all views
+# composited) whose path is printed.
+#
+#   tools/run-demo.sh BUILD_DIR [FILE...]
 set -euo pipefail
 build_dir=$1; shift
 sample="$build_dir/sample/microstructure.voxelia"
@@ -12,10 +15,28 @@ fi
 files=("${@:-$sample}")
 "$build_dir/apps/demo/kxvtk-demo" "${files[0]}"
 
-viewer=("$build_dir/apps/viewer/kxvtk-viewer" --representation Surface --color-by EulerAngles)
-if [ -n "${DISPLAY:-}" ] && command -v xdpyinfo >/dev/null && xdpyinfo >/dev/null 2>&1; then
-  exec "${viewer[@]}" --size 1024x768 "${files[@]}"
+# whether a window can be opened: xdpyinfo asks the server; without it, a local
+# display is there when its socket is
+have_display() {
+  if [ -n "${WAYLAND_DISPLAY:-}" ] && [ -S "${XDG_RUNTIME_DIR:-/run/user/$(id -u)}/$WAYLAND_DISPLAY" ]; then
+    return 0
+  fi
+  [ -n "${DISPLAY:-}" ] || return 1
+  if command -v xdpyinfo >/dev/null; then
+    xdpyinfo >/dev/null 2>&1
+    return
+  fi
+  case "$DISPLAY" in
+    :*) number=${DISPLAY#:}; number=${number%%.*}; [ -S "/tmp/.X11-unix/X$number" ] ;;
+    *) return 0 ;;
+  esac
+}
+
+# --size is the size of the render area, in the window and in the PNG
+viewer=("$build_dir/apps/viewer/kxvtk-viewer" --representation Surface --color-by EulerAngles --size 1024x768)
+if have_display; then
+  exec "${viewer[@]}" "${files[@]}"
 fi
 shot="$build_dir/demo/microstructure.png"
 mkdir -p "$(dirname "$shot")"
-xvfb-run -a -s "-screen 0 1280x1024x24" "${viewer[@]}" --screenshot "$shot" --size 1024x768 "${files[@]}"
+xvfb-run -a -s "-screen 0 1600x1200x24" "${viewer[@]}" --screenshot "$shot" "${files[@]}"

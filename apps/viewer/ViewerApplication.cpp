@@ -214,6 +214,13 @@ void ViewerApplication::fitViewsToRequestedSize()
   settle();
 }
 
+void ViewerApplication::showWindow()
+{
+  m_Window->show();
+  if(m_Options.sizeGiven)
+    fitViewsToRequestedSize();
+}
+
 bool ViewerApplication::saveScreenshot()
 {
   m_Window->show();

@@ -24,6 +24,10 @@ public:
   bool saveState();
   /** Renders all views and writes the PNG; false on failure. */
   bool saveScreenshot();
+  /** Shows the window; a size given on the command line is the size of the render area. */
+  void showWindow();
+  /** Gives the render area the requested size (the pipeline browser keeps its own width). */
+  void fitViewsToRequestedSize();
   ViewerMainWindow* window() const { return m_Window.get(); }
 
 private:
@@ -31,8 +35,6 @@ private:
   bool applyColoring();
   /** Points every view's camera obliquely at the whole scene. */
   void frameViews();
-  /** Gives the render area the requested size (the pipeline browser keeps its own width). */
-  void fitViewsToRequestedSize();
 
   ViewerOptions m_Options;
   std::unique_ptr<ViewerMainWindow> m_Window;

@@ -27,6 +27,8 @@ public:
 
   VXVisualizationModuleWidget* module() const { return m_Module; }
   QPlainTextEdit* output() const { return m_Output; }
+  /** The last output of the sample pipeline, shared with the module; empty before the first run. */
+  std::shared_ptr<kx::core::DataStructure> hostData() const { return m_HostData; }
 
 public Q_SLOTS:
   void openFiles();

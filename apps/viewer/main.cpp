@@ -74,6 +74,6 @@ int main(int argc, char** argv)
       return 1;
     return 0;
   }
-  viewer.window()->show();
+  viewer.showWindow();
   return QApplication::exec();
 }

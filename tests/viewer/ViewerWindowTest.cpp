@@ -1,0 +1,386 @@
+// The viewer's main window driven in-process: split and linked views, the
+// composite screenshot, the host pipeline menu and the output dock.
+#include "../dataviews/DataViewTestSupport.hpp"
+#include "../module/ModuleTestSupport.hpp"
+
+#include "ViewerApplication.hpp"
+#include "ViewerMainWindow.hpp"
+
+#include <visualization/KXToVXBridge.hpp>
+#include <visualization/VXDataSource.hpp>
+
+#include <kxcore/DataArray.hpp>
+#include <kxcore/DataPath.hpp>
+#include <kxcore/DataStore.hpp>
+#include <kxcore/DataStructure.hpp>
+#include <kxcore/VertexGeom.hpp>
+
+#include <vtkCallbackCommand.h>
+#include <vtkCamera.h>
+#include <vtkCellData.h>
+#include <vtkDataArray.h>
+#include <vtkRenderWindowInteractor.h>
+#include <vtkRenderer.h>
+
+#include <QtGui/QAction>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QPlainTextEdit>
+
+#include <array>
+#include <cstdlib>
+#include <string>
+
+namespace
+{
+using moduletest::pump;
+
+/** The menu action with this text (mnemonics ignored), or null. */
+QAction* menuAction(QMainWindow* window, const QString& menuTitle, const QString& text)
+{
+  for(QAction* menuEntry : window->menuBar()->actions())
+  {
+    if(menuEntry->menu() == nullptr || menuEntry->text().remove('&') != menuTitle)
+      continue;
+    for(QAction* action : menuEntry->menu()->actions())
+    {
+      if(action->text().remove('&') == text)
+        return action;
+    }
+  }
+  return nullptr;
+}
+
+/** Counts the frames a renderer draws. */
+class FrameCounter
+{
+public:
+  explicit FrameCounter(vtkRenderer* renderer)
+  : m_Renderer(renderer)
+  {
+    m_Callback->SetClientData(&frames);
+    m_Callback->SetCallback([](vtkObject*, unsigned long, void* clientData, void*) { ++*static_cast<int*>(clientData); });
+    m_Tag = m_Renderer->AddObserver(vtkCommand::EndEvent, m_Callback);
+  }
+  ~FrameCounter() { m_Renderer->RemoveObserver(m_Tag); }
+
+  int frames = 0;
+
+private:
+  vtkRenderer* m_Renderer;
+  vtkNew<vtkCallbackCommand> m_Callback;
+  unsigned long m_Tag = 0;
+};
+
+/** A left-button drag across a render view, as the window system delivers it to VTK. */
+void dragAcross(VXVisualizationWidget* view, int dx, int dy)
+{
+  vtkRenderWindowInteractor* interactor = view->renderWindow()->GetInteractor();
+  const int* size = view->renderWindow()->GetSize();
+  const int x = size[0] / 2;
+  const int y = size[1] / 2;
+  interactor->SetEventInformation(x, y, 0, 0);
+  interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent, nullptr);
+  for(int step = 1; step <= 4; ++step)
+  {
+    interactor->SetEventInformation(x + dx * step / 4, y + dy * step / 4, 0, 0);
+    interactor->InvokeEvent(vtkCommand::MouseMoveEvent, nullptr);
+  }
+  interactor->InvokeEvent(vtkCommand::LeftButtonReleaseEvent, nullptr);
+  pump();
+}
+
+std::array<double, 3> cameraPosition(VXAbstractViewWidget* view)
+{
+  std::array<double, 3> position{};
+  view->getVisualizationWidget()->getRenderer()->GetActiveCamera()->GetPosition(position.data());
+  return position;
+}
+
+vtkSmartPointer<vtkImageData> readPng(const std::filesystem::path& path)
+{
+  vtkNew<vtkPNGReader> reader;
+  reader->SetFileName(path.string().c_str());
+  reader->Update();
+  auto image = vtkSmartPointer<vtkImageData>::New();
+  image->DeepCopy(reader->GetOutput());
+  return image;
+}
+
+/**
+ * RMS difference (0..255) of two equally sized images, the smallest over
+ * shifts of up to @p slack pixels: panes whose widths differ by a pixel put
+ * the same scene half a pixel apart. The border of @p slack pixels is left out.
+ */
+double smallestShiftedDifference(const QImage& a, const QImage& b, int slack)
+{
+  const QImage first = a.convertToFormat(QImage::Format_RGB32);
+  const QImage second = b.convertToFormat(QImage::Format_RGB32);
+  double best = 255.0;
+  for(int dy = -slack; dy <= slack; ++dy)
+  {
+    for(int dx = -slack; dx <= slack; ++dx)
+    {
+      double sum = 0.0;
+      long count = 0;
+      for(int y = slack; y < first.height() - slack; ++y)
+      {
+        for(int x = slack; x < first.width() - slack; ++x)
+        {
+          const QRgb p = first.pixel(x, y);
+          const QRgb q = second.pixel(x + dx, y + dy);
+          for(const int d : {qRed(p) - qRed(q), qGreen(p) - qGreen(q), qBlue(p) - qBlue(q)})
+            sum += double(d) * double(d);
+          count += 3;
+        }
+      }
+      best = std::min(best, std::sqrt(sum / double(count)));
+    }
+  }
+  return best;
+}
+
+std::filesystem::path baselineDir()
+{
+  return std::filesystem::path(KXVTK_VIEWER_BASELINE_DIR);
+}
+
+/**
+ * Compares a composite screenshot with tests/viewer/baselines/<name>.png, the
+ * same way the data view images are compared: a missing baseline fails,
+ * KXVTK_UPDATE_BASELINES=1 writes it and fails, a differing image is written
+ * to tests/tmp/failed/ for a person to look at.
+ */
+void compareWithBaseline(const QImage& screenshot, const kxtest::TempDir& dir, const std::string& name)
+{
+  const std::filesystem::path current = dir / (name + ".png");
+  ASSERT_TRUE(screenshot.save(QString::fromStdString(current.string()), "PNG"));
+  vtkSmartPointer<vtkImageData> image = readPng(current);
+  EXPECT_GT(dataviewtest::ForegroundFraction(image), 0.05) << name << ": nothing drawn";
+  const std::filesystem::path baseline = baselineDir() / (name + ".png");
+  const std::filesystem::path failed = dataviewtest::FailedDir() / ("viewer_" + name + ".png");
+  const char* update = std::getenv("KXVTK_UPDATE_BASELINES");
+  if(update != nullptr && std::string(update) == "1")
+  {
+    std::filesystem::create_directories(baseline.parent_path());
+    std::filesystem::copy_file(current, baseline, std::filesystem::copy_options::overwrite_existing);
+    ADD_FAILURE() << "baseline written, look at it before committing: " << baseline;
+    return;
+  }
+  if(!std::filesystem::exists(baseline))
+  {
+    dataviewtest::WritePng(image, failed);
+    ADD_FAILURE() << "missing baseline " << baseline << "; image written to " << failed;
+    return;
+  }
+  const double rms = dataviewtest::RmsDifference(image, readPng(baseline));
+  if(rms < 0.0 || rms > dataviewtest::k_ImageTolerance)
+  {
+    dataviewtest::WritePng(image, failed);
+    ADD_FAILURE() << name << ": RMS difference " << rms << " above " << dataviewtest::k_ImageTolerance << "; image written to " << failed;
+  }
+}
+
+/** The viewer as its command line starts it, with settings and dialogs of the test's own. */
+class ViewerFixture : public ::testing::Test
+{
+protected:
+  void start(ViewerOptions options)
+  {
+    m_Viewer = std::make_unique<ViewerApplication>(std::move(options));
+    ASSERT_TRUE(m_Viewer->load());
+    m_Viewer->showWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window()));
+    pump();
+  }
+  void TearDown() override { m_Viewer.reset(); }
+
+  ViewerMainWindow* window() const { return m_Viewer->window(); }
+  VXVisualizationModuleWidget* module() const { return window()->module(); }
+  VXViewGridWidget* grid() const { return module()->getViewGridWidget(); }
+  QString outputText() const { return window()->output()->toPlainText(); }
+
+  dataviewtest::ScopedSettings m_Settings;
+  moduletest::ScriptedDialogs m_Dialogs;
+  kxtest::TempDir m_Dir;
+  std::unique_ptr<ViewerApplication> m_Viewer;
+};
+
+/** The first data source whose name is @p name, in any bridge. */
+VXDataSource* findSource(VXPipeline* pipeline, const QString& name)
+{
+  for(VXBridgeObject* bridge : pipeline->bridges())
+  {
+    for(VXDataSource* source : bridge->dataSources())
+    {
+      if(source->baseName() == name)
+        return source;
+    }
+  }
+  return nullptr;
+}
+
+std::array<double, 2> range(VXDataSource* source, const char* arrayName, int component)
+{
+  std::array<double, 2> values{0.0, 0.0};
+  vtkDataArray* array = source->getOutput()->GetCellData()->GetArray(arrayName);
+  if(array != nullptr)
+    array->GetRange(values.data(), component);
+  return values;
+}
+
+/** The in-memory store of a host array; null when it lives elsewhere. */
+template <typename T>
+std::shared_ptr<kx::core::DataStore<T>> hostStore(kx::core::DataArray<T>* array)
+{
+  return std::dynamic_pointer_cast<kx::core::DataStore<T>>(array->getDataStore());
+}
+
+const kx::core::DataPath k_FeatureIdsPath({"Microstructure", "Cell Data", "FeatureIds"});
+const kx::core::DataPath k_EulerAnglesPath({"Microstructure", "Cell Data", "EulerAngles"});
+} // namespace
+
+TEST_F(ViewerFixture, SplitViewsLinkedFollowARotationAndCompositeMatchesBaseline)
+{
+  ViewerOptions options;
+  options.files << moduletest::qpath(pipelinetest::writeSample(m_Dir));
+  options.size = QSize(600, 300);
+  options.sizeGiven = true;
+  options.representation = "Surface";
+  options.colorBy = "FeatureIds";
+  start(options);
+  ASSERT_EQ(grid()->viewCount(), 1);
+  EXPECT_EQ(grid()->size(), QSize(600, 300));
+
+  // the frame's split button asks the grid for a second view beside it
+  VXAbstractViewWidget* left = grid()->allViews().front();
+  Q_EMIT left->requestSplitHorizontally(left);
+  pump();
+  ASSERT_EQ(grid()->viewCount(), 2);
+  VXAbstractViewWidget* right = grid()->allViews().at(1);
+  ASSERT_NE(right, left);
+  EXPECT_NE(left->getVisualizationWidget()->getRenderer()->GetActiveCamera(),
+            right->getVisualizationWidget()->getRenderer()->GetActiveCamera());
+
+  module()->linkAllViews();
+  pump();
+  vtkCamera* shared = left->getVisualizationWidget()->getRenderer()->GetActiveCamera();
+  EXPECT_EQ(right->getVisualizationWidget()->getRenderer()->GetActiveCamera(), shared);
+
+  const std::array<double, 3> before = cameraPosition(left);
+  FrameCounter rightFrames(right->getVisualizationWidget()->getRenderer());
+  dragAcross(left->getVisualizationWidget(), 60, 0);
+  const std::array<double, 3> after = cameraPosition(left);
+  const double moved = std::hypot(after[0] - before[0], after[1] - before[1], after[2] - before[2]);
+  EXPECT_GT(moved, 1.0) << "the drag did not rotate the left view";
+  EXPECT_EQ(cameraPosition(right), after);
+  // the right view drew a frame with the moved camera, not only shares it
+  EXPECT_GT(rightFrames.frames, 0);
+
+  m_Viewer->fitViewsToRequestedSize();
+  module()->renderAllViews();
+  pump();
+  const QImage composite = module()->grabAllViewsImage();
+  ASSERT_EQ(composite.size(), QSize(600, 300));
+  compareWithBaseline(composite, m_Dir, "split_linked_rotated");
+
+  // one camera, the same data views, panes of (almost) equal size: both show the same picture
+  // (below left of the centre: the orientation marker in the top right corner follows the pane's own width)
+  const QRect probe(-120, -60, 160, 160);
+  auto paneOf = [&](VXAbstractViewWidget* view) {
+    VXVisualizationWidget* renderWidget = view->getVisualizationWidget();
+    return composite.copy(probe.translated(renderWidget->mapTo(grid(), renderWidget->rect().center())));
+  };
+  // compared at a quarter of the size, so that one-pixel cell edges half a pixel apart do not count
+  auto reduced = [](const QImage& pane) { return pane.scaled(pane.size() / 4, Qt::IgnoreAspectRatio, Qt::SmoothTransformation); };
+  EXPECT_LT(smallestShiftedDifference(reduced(paneOf(left)), reduced(paneOf(right)), 1), dataviewtest::k_ImageTolerance);
+}
+
+TEST_F(ViewerFixture, HostPipelineMenuShowsHostMemoryAndRerunUpdatesInPlace)
+{
+  start(ViewerOptions());
+  QAction* run = menuAction(window(), "Host Pipeline", "Run Sample Pipeline");
+  QAction* rerun = menuAction(window(), "Host Pipeline", "Run Again with New Values");
+  ASSERT_NE(run, nullptr);
+  ASSERT_NE(rerun, nullptr);
+
+  run->trigger();
+  pump();
+  ASSERT_EQ(module()->pipeline()->bridges().size(), 1);
+  auto* bridge = qobject_cast<KXToVXBridge*>(module()->pipeline()->bridges().first());
+  ASSERT_NE(bridge, nullptr);
+  EXPECT_EQ(bridge->name(), "Sample Microstructure Pipeline");
+  const QList<VXDataSource*> sources = bridge->dataSources();
+  ASSERT_EQ(sources.size(), 3);
+  VXDataSource* volume = findSource(module()->pipeline(), "Microstructure");
+  ASSERT_NE(volume, nullptr);
+
+  // zero copy: the arrays VTK reads are the host's own buffers
+  std::shared_ptr<kx::core::DataStructure> firstRun = window()->hostData();
+  ASSERT_NE(firstRun, nullptr);
+  auto* hostIds = firstRun->getDataAs<kx::core::Int32Array>(k_FeatureIdsPath);
+  auto* hostEuler = firstRun->getDataAs<kx::core::Float32Array>(k_EulerAnglesPath);
+  ASSERT_NE(hostIds, nullptr);
+  ASSERT_NE(hostEuler, nullptr);
+  vtkDataArray* shownIds = volume->getOutput()->GetCellData()->GetArray("FeatureIds");
+  vtkDataArray* shownEuler = volume->getOutput()->GetCellData()->GetArray("EulerAngles");
+  ASSERT_NE(shownIds, nullptr);
+  ASSERT_NE(shownEuler, nullptr);
+  ASSERT_NE(hostStore(hostIds), nullptr);
+  ASSERT_NE(hostStore(hostEuler), nullptr);
+  EXPECT_EQ(shownIds->GetVoidPointer(0), static_cast<void*>(hostStore(hostIds)->data()));
+  EXPECT_EQ(shownEuler->GetVoidPointer(0), static_cast<void*>(hostStore(hostEuler)->data()));
+  const std::array<double, 2> firstRange = range(volume, "EulerAngles", 0);
+
+  auto* centroids = firstRun->getDataAs<kx::core::VertexGeom>(kx::core::DataPath({"Grain Centroids"}));
+  ASSERT_NE(centroids, nullptr);
+  const QString grains = QString::number(centroids->getNumberOfVertices());
+  EXPECT_TRUE(outputText().contains(QString("Sample Microstructure Pipeline: %1 grains shown from memory").arg(grains))) << outputText().toStdString();
+
+  rerun->trigger();
+  pump();
+  // the same tree items show the new run
+  ASSERT_EQ(module()->pipeline()->bridges().size(), 1);
+  EXPECT_EQ(module()->pipeline()->bridges().first(), bridge);
+  EXPECT_EQ(bridge->dataSources(), sources);
+  std::shared_ptr<kx::core::DataStructure> secondRun = window()->hostData();
+  ASSERT_NE(secondRun, firstRun);
+  auto* newEuler = secondRun->getDataAs<kx::core::Float32Array>(k_EulerAnglesPath);
+  ASSERT_NE(newEuler, nullptr);
+  vtkDataArray* reloadedEuler = volume->getOutput()->GetCellData()->GetArray("EulerAngles");
+  ASSERT_NE(reloadedEuler, nullptr);
+  const auto store = hostStore(newEuler);
+  ASSERT_NE(store, nullptr);
+  EXPECT_EQ(reloadedEuler->GetVoidPointer(0), static_cast<void*>(store->data()));
+  const std::array<double, 2> secondRange = range(volume, "EulerAngles", 0);
+  EXPECT_NE(secondRange, firstRange);
+  // the range is that of the new host values (first component of each tuple)
+  float smallest = (*store)[0];
+  for(const float* value = store->begin(); value < store->end(); value += 3)
+    smallest = std::min(smallest, *value);
+  EXPECT_FLOAT_EQ(static_cast<float>(secondRange[0]), smallest);
+  EXPECT_TRUE(outputText().contains("Sample Microstructure Pipeline: run 2,")) << outputText().toStdString();
+}
+
+TEST_F(ViewerFixture, OutputDockShowsModuleMessages)
+{
+  start(ViewerOptions());
+  QAction* exportPresets = menuAction(window(), "Presets", "Export Presets...");
+  ASSERT_NE(exportPresets, nullptr);
+  const QString path = moduletest::qpath(m_Dir / "presets.json");
+  m_Dialogs.saveAnswer = path;
+  exportPresets->trigger();
+  pump();
+  EXPECT_TRUE(QFileInfo(path).isFile());
+  EXPECT_TRUE(outputText().contains(QString("Presets successfully written to file at '%1'").arg(path))) << outputText().toStdString();
+
+  // an unreadable state file is reported in the dock too
+  const QString broken = moduletest::qpath(m_Dir / "broken.vlxstate");
+  QFile file(broken);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write("{ not json");
+  file.close();
+  module()->loadState(broken);
+  pump();
+  EXPECT_TRUE(outputText().contains(QString("Error loading state from '%1': malformed JSON").arg(broken))) << outputText().toStdString();
+}
