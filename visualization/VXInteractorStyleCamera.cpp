@@ -12,6 +12,10 @@
 #include <vtkRenderer.h>
 #include <vtkTransform.h>
 
+#include <vtkCallbackCommand.h>
+#include <vtkCommand.h>
+#include <vtkRenderWindowInteractor.h>
+
 #include <cmath>
 #include <string>
 
@@ -21,6 +25,16 @@ VXInteractorStyleCamera::VXInteractorStyleCamera()
 : m_Transform(vtkSmartPointer<vtkTransform>::New())
 , m_RotationTransform(vtkSmartPointer<vtkTransform>::New())
 {
+  // The style announces the end of a rotation, pan or zoom on itself; listeners
+  // of the view (data views going back to full geometry) watch the interactor.
+  m_EndInteractionForwarder = vtkSmartPointer<vtkCallbackCommand>::New();
+  m_EndInteractionForwarder->SetClientData(this);
+  m_EndInteractionForwarder->SetCallback([](vtkObject*, unsigned long, void* clientData, void*) {
+    auto* style = static_cast<VXInteractorStyleCamera*>(clientData);
+    if(style->Interactor != nullptr)
+      style->Interactor->InvokeEvent(vtkCommand::EndInteractionEvent);
+  });
+  AddObserver(vtkCommand::EndInteractionEvent, m_EndInteractionForwarder);
 }
 
 VXInteractorStyleCamera::~VXInteractorStyleCamera() = default;

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <vtkSmartPointer.h>
+
+class vtkCallbackCommand;
+
 #include "KXVtkLib_export.h"
 
 #include <vtkCommand.h>
@@ -68,6 +72,7 @@ protected:
   void updateLinkedRenderWindows();
 
 private:
+  vtkSmartPointer<vtkCallbackCommand> m_EndInteractionForwarder;
   VXInteractorStyleCamera(const VXInteractorStyleCamera&) = delete;
   void operator=(const VXInteractorStyleCamera&) = delete;
 

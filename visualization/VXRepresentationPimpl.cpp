@@ -82,6 +82,9 @@ VXRepresentationPimpl::VXRepresentationPimpl(VXAbstractViewWidget* view, VXRepre
     m_Interactor = widget->getRenderWindowInteractor();
     if(m_Interactor != nullptr)
     {
+      // passive: heard even while a widget of the view holds the interactor's focus
+      m_PressCallback->PassiveObserverOn();
+      m_EndInteractionCallback->PassiveObserverOn();
       m_PressObserverTag = m_Interactor->AddObserver(vtkCommand::LeftButtonPressEvent, m_PressCallback);
       m_EndInteractionObserverTag = m_Interactor->AddObserver(vtkCommand::EndInteractionEvent, m_EndInteractionCallback);
     }

@@ -29,6 +29,10 @@
 #include <vtkPolyData.h>
 #include <vtkPolyDataMapper.h>
 #include <vtkProperty.h>
+#include <vtkRenderWindow.h>
+#include <vtkRenderWindowInteractor.h>
+#include <vtkCommand.h>
+#include <KXComponents/KXPreferences.hpp>
 #include <vtkScalarBarActor.h>
 #include <vtkScalarBarWidget.h>
 #include <vtkSphereSource.h>
@@ -644,4 +648,54 @@ TEST(DataViewColoring, FollowingTheParentColoursAndDetachingAgain)
   Q_EMIT source->syncChildColorMaps();
   EXPECT_FALSE(surface->detachColorSettings());
   EXPECT_EQ(surface->solidColor(), QColor(9, 9, 9));
+}
+
+TEST(DataViewDecimation, PressSwitchesToTheCoarseCopyAndTheEndOfInteractionBack)
+{
+  ScopedSettings settings;
+  Scene scene;
+  VXDataSource* source = scene.source(makeSphere());
+  auto* surface = scene.add(source, VXRepresentation::Surface);
+  ASSERT_NE(surface, nullptr);
+  vtkRenderWindowInteractor* interactor = scene.view->getVisualizationWidget()->getRenderWindowInteractor();
+  ASSERT_NE(interactor, nullptr);
+  const int* size = scene.view->getVisualizationWidget()->renderWindow()->GetSize();
+  interactor->SetEventInformation(size[0] / 2, size[1] / 2);
+  vtkPolyData* full = vtkPolyData::SafeDownCast(surface->actor()->GetMapper()->GetInput());
+  ASSERT_NE(full, nullptr);
+  const vtkIdType fullCells = full->GetNumberOfCells();
+
+  // off by default: a press changes nothing
+  interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent);
+  EXPECT_FALSE(surface->usingDecimatedGeometry());
+  interactor->InvokeEvent(vtkCommand::LeftButtonReleaseEvent);
+
+  surface->setNumberOfDimensions({4, 4, 4});
+  surface->setUseDecimationOnInteraction(true);
+  interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent);
+  ASSERT_TRUE(surface->usingDecimatedGeometry());
+  surface->actor()->GetMapper()->Update();
+  const vtkIdType coarseCells = vtkPolyData::SafeDownCast(surface->actor()->GetMapper()->GetInput())->GetNumberOfCells();
+  EXPECT_GT(coarseCells, 0);
+  EXPECT_LT(coarseCells, fullCells);
+  interactor->InvokeEvent(vtkCommand::EndInteractionEvent);
+  EXPECT_FALSE(surface->usingDecimatedGeometry());
+  interactor->InvokeEvent(vtkCommand::LeftButtonReleaseEvent);
+  surface->actor()->GetMapper()->Update();
+  EXPECT_EQ(vtkPolyData::SafeDownCast(surface->actor()->GetMapper()->GetInput())->GetNumberOfCells(), fullCells);
+
+  // a real drag: the style's end of rotation reaches the data view through the interactor
+  interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent);
+  ASSERT_TRUE(surface->usingDecimatedGeometry());
+  interactor->SetEventInformation(size[0] / 2 + 20, size[1] / 2);
+  interactor->InvokeEvent(vtkCommand::MouseMoveEvent);
+  interactor->InvokeEvent(vtkCommand::LeftButtonReleaseEvent);
+  EXPECT_FALSE(surface->usingDecimatedGeometry());
+
+  // the preference that disables decimation wins over the data view's flag
+  KXPreferences::setDisableDecimation(true);
+  interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent);
+  EXPECT_FALSE(surface->usingDecimatedGeometry());
+  interactor->InvokeEvent(vtkCommand::LeftButtonReleaseEvent);
+  KXPreferences::setDisableDecimation(false);
 }
