@@ -23,6 +23,11 @@
 #include <QtWidgets/QTreeView>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
 namespace
 {
 const QString k_StateFileFilter = QStringLiteral("VOXELIA-KX State File (*.vlxstate)");
@@ -31,6 +36,35 @@ const QString k_NoViewMessage = QStringLiteral("Error reading state file; could 
 QString typeOf(const nlohmann::json& item)
 {
   return QString::fromStdString(item.at("item_type").get<std::string>());
+}
+
+/**
+ * Puts the per-window entries of an item's data in window order. Objects keep
+ * their views in maps ordered by address, so without this two saves of the
+ * same scene could list them differently.
+ */
+void sortWindowEntries(nlohmann::json& itemData)
+{
+  if(!itemData.is_object())
+    return;
+  auto windowOf = [](const nlohmann::json& entry) {
+    if(entry.is_object())
+    {
+      const auto iter = entry.find("render_window_index");
+      if(iter != entry.end() && iter->is_number_integer())
+        return iter->get<std::int64_t>();
+    }
+    return std::numeric_limits<std::int64_t>::max();
+  };
+  for(const char* key : {"render_window_index", "rep_view_implementations"})
+  {
+    const auto list = itemData.find(key);
+    if(list != itemData.end() && list->is_array())
+    {
+      auto& entries = list->get_ref<nlohmann::json::array_t&>();
+      std::stable_sort(entries.begin(), entries.end(), [&](const nlohmann::json& a, const nlohmann::json& b) { return windowOf(a) < windowOf(b); });
+    }
+  }
 }
 
 bool sameFile(const QString& a, const QString& b)
@@ -199,7 +233,8 @@ void VXInfoWidget::saveState(const QModelIndex& parent, nlohmann::json& output, 
     {
       continue;
     }
-    nlohmann::json item = {{"item_type", itemType.toStdString()}, {"item_data", itemData}};
+    sortWindowEntries(itemData);
+    nlohmann::json item = {{"item_type", itemType.toStdString()}, {"item_data", std::move(itemData)}};
     if(m_Model->rowCount(index) > 0)
     {
       nlohmann::json children;
@@ -227,6 +262,24 @@ void VXInfoWidget::loadState(const nlohmann::json& input, const QMap<VXAbstractV
   checkForValidSaveState();
 }
 
+bool VXInfoWidget::JsonNestingExceeds(const nlohmann::json& value, int limit)
+{
+  // an explicit stack: a hostile file must not be able to exhaust the call stack here
+  std::vector<std::pair<const nlohmann::json*, int>> pending{{&value, 1}};
+  while(!pending.empty())
+  {
+    const auto [node, depth] = pending.back();
+    pending.pop_back();
+    if(!node->is_structured())
+      continue;
+    if(depth > limit)
+      return true;
+    for(const nlohmann::json& child : *node)
+      pending.emplace_back(&child, depth + 1);
+  }
+  return false;
+}
+
 void VXInfoWidget::loadState(const QModelIndex& parent, const nlohmann::json& input, const QMap<VXAbstractViewWidget*, int>& viewIndexMap,
                              QList<VXDataSource*>& loadedSources, QList<VXBridgeObject*>& loadedBridges, int depth)
 {
@@ -234,19 +287,38 @@ void VXInfoWidget::loadState(const QModelIndex& parent, const nlohmann::json& in
   if(m_Model == nullptr || owner == nullptr)
     return;
   VXPipeline::StateLoadScope scope(*owner);
+  // the outermost read counts the errors of the whole tree and says how many went unreported
+  struct ErrorCount
+  {
+    VXInfoWidget* widget;
+    explicit ErrorCount(VXInfoWidget* owner)
+    : widget(owner)
+    {
+      if(widget->m_StateLoadDepth++ == 0)
+        widget->m_StateErrors = 0;
+    }
+    ~ErrorCount()
+    {
+      if(--widget->m_StateLoadDepth == 0 && widget->m_StateErrors > k_MaxReportedStateErrors)
+        widget->report(QString("Error reading state file; %1 more errors not shown").arg(widget->m_StateErrors - k_MaxReportedStateErrors));
+    }
+    ErrorCount(const ErrorCount&) = delete;
+    ErrorCount& operator=(const ErrorCount&) = delete;
+  } errorCount(this);
+
   if(viewIndexMap.isEmpty())
   {
-    report(k_NoViewMessage);
+    reportStateError(k_NoViewMessage);
     return;
   }
   if(depth > k_MaxStateDepth)
   {
-    report(QString("Error reading state file; the tree view items are nested deeper than %1 levels").arg(k_MaxStateDepth));
+    reportStateError(QString("Error reading state file; the tree view items are nested deeper than %1 levels").arg(k_MaxStateDepth));
     return;
   }
   if(!input.is_array())
   {
-    report("Error reading state file; the tree view items must be a list");
+    reportStateError("Error reading state file; the tree view items must be a list");
     return;
   }
   QMap<int, VXAbstractViewWidget*> views;
@@ -260,17 +332,27 @@ void VXInfoWidget::loadState(const QModelIndex& parent, const nlohmann::json& in
     {
       if(!item.is_object() || !item.contains(key))
       {
-        report(QString("Error reading state file; tree view item is missing the '%1' key").arg(key));
+        reportStateError(QString("Error reading state file; tree view item is missing the '%1' key").arg(key));
         missingKey = true;
         break;
       }
     }
     if(missingKey)
       continue;
+    if(!item.at("item_type").is_string())
+    {
+      reportStateError(QString("Error reading state file; the '%1' value of a tree view item must be text").arg("item_type"));
+      continue;
+    }
     try
     {
       const QString itemType = typeOf(item);
       const nlohmann::json& itemData = item.at("item_data");
+      if(JsonNestingExceeds(itemData, k_MaxItemDataDepth))
+      {
+        reportStateError(QString("Error reading state file; the item data of %1 is nested deeper than %2 levels").arg(itemType).arg(k_MaxItemDataDepth));
+        continue;
+      }
       QModelIndex itemIndex;
       if(!parent.isValid())
         itemIndex = loadTopLevelItem(itemType, itemData, viewIndexMap, views, loadedBridges);
@@ -285,15 +367,16 @@ void VXInfoWidget::loadState(const QModelIndex& parent, const nlohmann::json& in
         else if(entry != nullptr && kind == VXStateItemFactory::Kind::Representation)
           itemIndex = loadRepresentationHelper(parent, itemType, itemData, views);
         else
-          report(QString("Error reading state file; found VXBridgeObject item type %1 but the model index for insertion is not at the top level of the tree.")
-                     .arg(itemType));
+          reportStateError(
+              QString("Error reading state file; found VXBridgeObject item type %1 but the model index for insertion is not at the top level of the tree.")
+                  .arg(itemType));
       }
       if(itemIndex.isValid() && item.contains("item_children"))
         loadState(itemIndex, item.at("item_children"), viewIndexMap, loadedSources, loadedBridges, depth + 1);
-    } catch(const nlohmann::json::exception& exception)
+    } catch(const std::exception& exception)
     {
       // a value of the wrong type ends this item only
-      report(QString("Error reading state file; %1").arg(QString::fromUtf8(exception.what())));
+      reportStateError(QString("Error reading state file; %1").arg(QString::fromUtf8(exception.what())));
     }
   }
 }
@@ -311,7 +394,7 @@ QModelIndex VXInfoWidget::loadTopLevelItem(const QString& itemType, const nlohma
   }
   if(view == nullptr)
   {
-    report(k_NoViewMessage);
+    reportStateError(k_NoViewMessage);
     return {};
   }
   const VXStateItemFactory::Entry* entry = VXStateItemFactory::Find(itemType);
@@ -321,8 +404,9 @@ QModelIndex VXInfoWidget::loadTopLevelItem(const QString& itemType, const nlohma
     if(bridge == nullptr)
       return {};
     m_Model->addBridgeObject(bridge);
-    bridge->read(itemData, views);
+    // listed before it reads, so that a read cut short still has its unnamed sources removed
     loadedBridges.append(bridge);
+    bridge->read(itemData, views);
     return m_Model->helperIndex(bridge);
   }
   if(entry != nullptr && entry->kind == VXStateItemFactory::Kind::GlobalSource)
@@ -330,11 +414,19 @@ QModelIndex VXInfoWidget::loadTopLevelItem(const QString& itemType, const nlohma
     auto* source = qobject_cast<VXGlobalSource*>(entry->make(pipeline()));
     if(source == nullptr)
       return {};
-    source->read(itemData, views);
+    try
+    {
+      source->read(itemData, views);
+    } catch(...)
+    {
+      // not in the model yet: nothing else owns it
+      delete source;
+      throw;
+    }
     m_Model->addGlobalSource(source);
     return m_Model->helperIndex(source);
   }
-  report(QString("Error reading state file; found item type %1 but top level tree view items must be of type VXBridgeObject").arg(itemType));
+  reportStateError(QString("Error reading state file; found item type %1 but top level tree view items must be of type VXBridgeObject").arg(itemType));
   return {};
 }
 
@@ -344,13 +436,13 @@ QModelIndex VXInfoWidget::loadDataSource(const QModelIndex& parent, const QStrin
   VXBridgeObject* bridge = m_Model->getPipelineObject(parent);
   if(bridge == nullptr)
   {
-    report(QString("Error reading state file; found item type %1 but the parent item is not a VXBridgeObject type.").arg(itemType));
+    reportStateError(QString("Error reading state file; found item type %1 but the parent item is not a VXBridgeObject type.").arg(itemType));
     return {};
   }
   const QString filePath = bridge->filePath();
   if(filePath.isEmpty())
   {
-    report("Error reading state file; cannot load the data source because the parent pipeline object does not have an associated .voxelia file.");
+    reportStateError("Error reading state file; cannot load the data source because the parent pipeline object does not have an associated .voxelia file.");
     return {};
   }
   VXDataSource* match = nullptr;
@@ -359,7 +451,7 @@ QModelIndex VXInfoWidget::loadDataSource(const QModelIndex& parent, const QStrin
   {
     if(!itemData.is_object() || !itemData.contains("imported_data_path"))
     {
-      report(QString("Error reading state file; found VOXELIA-KX file %1 item type but missing the imported data path key.").arg(itemType));
+      reportStateError(QString("Error reading state file; found VOXELIA-KX file %1 item type but missing the imported data path key.").arg(itemType));
       return {};
     }
     const std::string path = itemData.at("imported_data_path").get<std::string>();
@@ -378,7 +470,7 @@ QModelIndex VXInfoWidget::loadDataSource(const QModelIndex& parent, const QStrin
   }
   if(match == nullptr)
   {
-    report(QString("Error reading state file; found item type %1 in state file but could not find a matching data source in the model.").arg(itemType));
+    reportStateError(QString("Error reading state file; found item type %1 in state file but could not find a matching data source in the model.").arg(itemType));
     return {};
   }
   match->read(itemData, views);
@@ -391,7 +483,7 @@ QModelIndex VXInfoWidget::loadFilterHelper(const QModelIndex& parent, const QStr
 {
   if(m_Model->isRepresentation(parent))
   {
-    report(QString("Error reading state file; found %1 filter item type cannot have a VXRepresentation parent item.").arg(itemType));
+    reportStateError(QString("Error reading state file; found %1 filter item type cannot have a VXRepresentation parent item.").arg(itemType));
     return {};
   }
   VXCoreObject* parentObject = m_Model->getCoreObject(parent);
@@ -400,11 +492,18 @@ QModelIndex VXInfoWidget::loadFilterHelper(const QModelIndex& parent, const QStr
   if(parentObject == nullptr || filter == nullptr)
   {
     delete filter;
-    report(QString("Error reading state file; found %1 filter item type cannot have a VXRepresentation parent item.").arg(itemType));
+    reportStateError(QString("Error reading state file; found %1 filter item type cannot have a VXRepresentation parent item.").arg(itemType));
     return {};
   }
   filter->setInputPort(parentObject->outputPort());
-  filter->read(itemData, views);
+  try
+  {
+    filter->read(itemData, views);
+  } catch(...)
+  {
+    delete filter;
+    throw;
+  }
   return m_Model->addFilter(parent, filter);
 }
 
@@ -413,7 +512,7 @@ QModelIndex VXInfoWidget::loadRepresentationHelper(const QModelIndex& parent, co
 {
   if(!m_Model->isDataSource(parent) && !m_Model->isFilter(parent))
   {
-    report(QString("Error reading state file; found %1 representation item type must have a VXDataSource or VXFilter parent item.").arg(itemType));
+    reportStateError(QString("Error reading state file; found %1 representation item type must have a VXDataSource or VXFilter parent item.").arg(itemType));
     return {};
   }
   const VXStateItemFactory::Entry* entry = VXStateItemFactory::Find(itemType);
@@ -423,7 +522,15 @@ QModelIndex VXInfoWidget::loadRepresentationHelper(const QModelIndex& parent, co
   // the per-view parts read their settings over the parent's data, so the parent comes first
   representation->setPipeline(pipeline());
   representation->setParentSource(m_Model->getCoreObject(parent));
-  representation->read(itemData, views);
+  try
+  {
+    representation->read(itemData, views);
+  } catch(...)
+  {
+    // a half-read data view never reaches the model or stays in the views
+    delete representation;
+    throw;
+  }
   return m_Model->loadRepresentation(parent, representation);
 }
 
@@ -647,6 +754,12 @@ void VXInfoWidget::keyPressEvent(QKeyEvent* event)
     return;
   }
   QWidget::keyPressEvent(event);
+}
+
+void VXInfoWidget::reportStateError(const QString& message)
+{
+  if(++m_StateErrors <= k_MaxReportedStateErrors)
+    report(message);
 }
 
 void VXInfoWidget::report(const QString& message)

@@ -38,6 +38,13 @@ class KXVTKLIB_EXPORT VXInfoWidget : public QWidget
 public:
   /** Nesting deeper than this in a state file is refused: no real tree comes near it. */
   static constexpr int k_MaxStateDepth = 256;
+  /** Item data nested deeper than this is refused: real item data is a few levels deep. */
+  static constexpr int k_MaxItemDataDepth = 64;
+  /** One load reports at most this many errors, then how many more there were. */
+  static constexpr int k_MaxReportedStateErrors = 100;
+
+  /** True when arrays and objects in value nest deeper than limit levels; walks without recursion. */
+  static bool JsonNestingExceeds(const nlohmann::json& value, int limit);
 
   explicit VXInfoWidget(QWidget* parent = nullptr);
   ~VXInfoWidget() override;
@@ -110,6 +117,8 @@ private:
   void onCustomContextMenuRequested(const QPoint& pos);
   void addPresetActions(QMenu* menu, const QModelIndex& index);
   void report(const QString& message);
+  /** Reports an error of a state load, up to k_MaxReportedStateErrors of them per load. */
+  void reportStateError(const QString& message);
   QModelIndex loadFilterHelper(const QModelIndex& parent, const QString& itemType, const nlohmann::json& itemData,
                                const QMap<int, VXAbstractViewWidget*>& views);
   QModelIndex loadRepresentationHelper(const QModelIndex& parent, const QString& itemType, const nlohmann::json& itemData,
@@ -125,4 +134,7 @@ private:
   QScrollArea* m_SettingsArea = nullptr;
   QPointer<QWidget> m_CurrentPage;
   bool m_ValidSaveState = true;
+  /** Nesting of the running tree reads; the error count belongs to the outermost. */
+  int m_StateLoadDepth = 0;
+  int m_StateErrors = 0;
 };

@@ -20,6 +20,7 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonObject>
 #include <QtCore/QMimeData>
+#include <QtCore/QPointer>
 #include <QtCore/QSaveFile>
 #include <QtCore/QTimer>
 #include <QtCore/QUrl>
@@ -31,6 +32,8 @@
 #include <QtWidgets/QMessageBox>
 
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -38,6 +41,9 @@ const QString k_StateFileFilter = QStringLiteral("VOXELIA-KX State File (*.vlxst
 const QString k_ScreenshotFilter = QStringLiteral("PNG Image (*.png);;JPEG Image (*.jpg *.jpeg);;Bitmap Image (*.bmp)");
 
 /** Restores the default data view type whatever way a load ends. */
+/** Nesting a split view state may have; the grid's readers recurse over it. */
+constexpr int k_MaxSplitStateDepth = 64;
+
 class DefaultRepTypeScope
 {
 public:
@@ -579,7 +585,7 @@ void VXVisualizationModuleWidget::loadState(QString filePath)
 
 void VXVisualizationModuleWidget::loadState(nlohmann::json& input)
 {
-  // the key check comes before anything changes
+  // the key and shape checks come before anything changes
   for(const char* key : {"split_view_state", "tree_view_state"})
   {
     if(!input.is_object() || !input.contains(key))
@@ -587,6 +593,23 @@ void VXVisualizationModuleWidget::loadState(nlohmann::json& input)
       Q_EMIT printOutput(QString("Error reading visualization state from state file; missing %1 key").arg(key));
       return;
     }
+  }
+  if(!input.at("split_view_state").is_object())
+  {
+    Q_EMIT printOutput("Error reading visualization state from state file; the split_view_state value must be a JSON object");
+    return;
+  }
+  if(!input.at("tree_view_state").is_array())
+  {
+    Q_EMIT printOutput("Error reading visualization state from state file; the tree_view_state value must be a JSON array");
+    return;
+  }
+  // the split views' readers recurse: a real layout is a few levels deep
+  if(VXInfoWidget::JsonNestingExceeds(input.at("split_view_state"), k_MaxSplitStateDepth))
+  {
+    Q_EMIT printOutput(
+        QString("Error reading visualization state from state file; the split_view_state value is nested deeper than %1 levels").arg(k_MaxSplitStateDepth));
+    return;
   }
   clearSplitViewState();
   DefaultRepTypeScope defaultRepType;
@@ -596,9 +619,26 @@ void VXVisualizationModuleWidget::loadState(nlohmann::json& input)
     if(!views.isEmpty() && qobject_cast<VXViewWidget*>(views.front()) != nullptr)
       ui->viewGridWidget->loadState(input["split_view_state"]);
     fillViewIndexMap();
+    // a data view fits its view's camera to itself when it first shows; the state brings
+    // its own cameras, so they are kept aside and put back once the tree has loaded
+    std::vector<std::pair<QPointer<VXVisualizationWidget>, nlohmann::json>> cameras;
+    for(VXAbstractViewWidget* view : ui->viewGridWidget->allViews())
+    {
+      if(VXVisualizationWidget* renderWidget = view->getVisualizationWidget())
+      {
+        nlohmann::json camera = nlohmann::json::object();
+        renderWidget->saveState(camera);
+        cameras.emplace_back(renderWidget, std::move(camera));
+      }
+    }
     if(ui->infoWidget != nullptr)
       ui->infoWidget->loadState(input["tree_view_state"], m_ViewIndexMap);
-  } catch(const nlohmann::json::exception& exception)
+    for(auto& [renderWidget, camera] : cameras)
+    {
+      if(renderWidget != nullptr)
+        renderWidget->loadState(std::move(camera));
+    }
+  } catch(const std::exception& exception)
   {
     Q_EMIT printOutput(QString("Error reading visualization state from state file; %1").arg(QString::fromUtf8(exception.what())));
   }

@@ -1,0 +1,199 @@
+#pragma once
+// Shared pieces of the state file tests: a shown module (see the module
+// tests), a description of its tree and views that two modules can be compared
+// by, and small file helpers.
+
+#include "../kxcomponents/QtPrinters.hpp"
+#include "../module/ModuleTestSupport.hpp"
+
+#include <visualization/VXDataSource.hpp>
+#include <visualization/VXRepresentation.hpp>
+
+#include <vtkCamera.h>
+#include <vtkRenderer.h>
+
+#include <QtCore/QFile>
+#include <QtGui/QImage>
+
+#include <cmath>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace statetest
+{
+using moduletest::pump;
+using pipelinetest::qpath;
+
+inline std::string readBytes(const std::filesystem::path& path)
+{
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+inline void writeBytes(const std::filesystem::path& path, const std::string& bytes)
+{
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << bytes;
+}
+
+/** Replaces every occurrence of a placeholder. */
+inline std::string substitute(std::string text, const std::string& placeholder, const std::string& value)
+{
+  for(std::size_t at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder, at + value.size()))
+    text.replace(at, placeholder.size(), value);
+  return text;
+}
+
+class StateFixture : public moduletest::ModuleFixture
+{
+protected:
+  /**
+   * The tree as lines "depth type name [visibility per view]", in tree order:
+   * two modules with the same lines show the same items in the same views.
+   */
+  QStringList treeLines(const QModelIndex& parent = QModelIndex(), int depth = 0) const
+  {
+    QStringList lines;
+    const QList<VXAbstractViewWidget*> views = grid()->allViews();
+    for(int row = 0; row < model()->rowCount(parent); ++row)
+    {
+      const QModelIndex index = model()->index(row, 0, parent);
+      QString line = QString(depth * 2, ' ');
+      if(VXBridgeObject* bridge = model()->getPipelineObject(index); bridge != nullptr && model()->isPipeline(index))
+        line += bridge->typeName() + " " + bridge->name();
+      else if(VXCoreObject* object = model()->getCoreObject(index))
+      {
+        line += object->typeName() + " " + object->name();
+        QStringList shown;
+        const auto perView = object->viewWidgets();
+        for(VXAbstractViewWidget* view : views)
+          shown << (perView.contains(view) ? (perView.value(view) ? "on" : "off") : "-");
+        line += " [" + shown.join(',') + "]";
+      }
+      lines << line;
+      lines += treeLines(index, depth + 1);
+    }
+    return lines;
+  }
+
+  /** Number of views and their split ids, in grid order. */
+  QList<int> splitIds() const
+  {
+    QList<int> ids;
+    for(VXAbstractViewWidget* view : grid()->allViews())
+    {
+      nlohmann::json state = nlohmann::json::object();
+      view->saveState(state);
+      ids << (state.contains("split_view_index") ? state["split_view_index"].get<int>() : -1);
+    }
+    return ids;
+  }
+
+  vtkCamera* camera(int view) const { return grid()->allViews().at(view)->getVisualizationWidget()->getRenderer()->GetActiveCamera(); }
+
+  /** The messages that contain the text. */
+  int countOutput(const QString& text) const
+  {
+    int count = 0;
+    for(const QString& line : output)
+    {
+      if(line.contains(text))
+        count++;
+    }
+    return count;
+  }
+
+  /** Data views under a source, by model index. */
+  QList<VXRepresentation*> representationsUnder(const QModelIndex& parent) const
+  {
+    QList<VXRepresentation*> list;
+    for(int row = 0; row < model()->rowCount(parent); ++row)
+    {
+      if(VXRepresentation* representation = model()->getRepresentation(model()->index(row, 1, parent)))
+        list << representation;
+    }
+    return list;
+  }
+
+  /** A new module in place of the old one, with nothing heard or asked yet. */
+  void freshModule()
+  {
+    makeModule();
+    output.clear();
+    m_Dialogs.asked.clear();
+  }
+
+  /** Loads a JSON document as a module's caller would. */
+  void load(nlohmann::json state)
+  {
+    m_Module->loadState(state);
+    pump();
+  }
+};
+} // namespace statetest
+
+namespace statetest
+{
+/** Root mean square difference of two images over RGB in 0..255; negative when the sizes differ. */
+inline double rmsDifference(const QImage& a, const QImage& b)
+{
+  if(a.size() != b.size() || a.isNull())
+    return -1.0;
+  const QImage ca = a.convertToFormat(QImage::Format_RGB32);
+  const QImage cb = b.convertToFormat(QImage::Format_RGB32);
+  double sum = 0.0;
+  for(int y = 0; y < ca.height(); ++y)
+  {
+    const auto* la = reinterpret_cast<const QRgb*>(ca.constScanLine(y));
+    const auto* lb = reinterpret_cast<const QRgb*>(cb.constScanLine(y));
+    for(int x = 0; x < ca.width(); ++x)
+    {
+      const double dr = qRed(la[x]) - qRed(lb[x]);
+      const double dg = qGreen(la[x]) - qGreen(lb[x]);
+      const double db = qBlue(la[x]) - qBlue(lb[x]);
+      sum += dr * dr + dg * dg + db * db;
+    }
+  }
+  return std::sqrt(sum / (3.0 * ca.width() * ca.height()));
+}
+
+/** Largest RMS difference (0..255) that still counts as the same picture. */
+constexpr double k_ImageTolerance = 6.0;
+
+/**
+ * Compares an image with tests/baselines/state/<name>.png. A missing baseline
+ * fails; KXVTK_UPDATE_BASELINES=1 writes the baseline and fails too, so that no
+ * baseline is accepted without a person looking at it. A failing image goes to
+ * tests/tmp/failed/<name>.png in the build tree.
+ */
+inline void compareWithBaseline(const QImage& image, const std::string& name)
+{
+  const std::filesystem::path baseline = std::filesystem::path(KXVTK_BASELINE_DIR) / "state" / (name + ".png");
+  const std::filesystem::path failed = std::filesystem::path(KXVTK_TEST_TMP_DIR) / "failed" / (name + ".png");
+  const char* update = std::getenv("KXVTK_UPDATE_BASELINES");
+  if(update != nullptr && std::string(update) == "1")
+  {
+    std::filesystem::create_directories(baseline.parent_path());
+    image.save(qpath(baseline));
+    ADD_FAILURE() << "baseline written, look at it before committing: " << baseline;
+    return;
+  }
+  std::filesystem::create_directories(failed.parent_path());
+  const QImage expected(qpath(baseline));
+  if(expected.isNull())
+  {
+    image.save(qpath(failed));
+    ADD_FAILURE() << "missing baseline " << baseline << "; image written to " << failed;
+    return;
+  }
+  const double rms = rmsDifference(image, expected);
+  if(rms < 0.0 || rms > k_ImageTolerance)
+  {
+    image.save(qpath(failed));
+    ADD_FAILURE() << name << ": RMS difference " << rms << " above " << k_ImageTolerance << "; image written to " << failed;
+  }
+}
+} // namespace statetest
