@@ -535,12 +535,12 @@ void VXPipelineModel::linkLoadedRepresentations()
 // ---------------------------------------------------------------------------
 // Removing
 
-void VXPipelineModel::removeRows(TreeItem* item)
+void VXPipelineModel::removeItemRows(TreeItem* item)
 {
   const QList<TreeItem*> children = item->children;
   for(TreeItem* child : children)
   {
-    removeRows(child);
+    removeItemRows(child);
     delete child;
   }
   QList<TreeItem*>& rows = item->parent != nullptr ? item->parent->children : m_Items;
@@ -568,7 +568,7 @@ void VXPipelineModel::removeTreeItem(TreeItem* item)
   const std::int32_t kind = item->kind;
   QObject* object = item->object();
 
-  removeRows(item);
+  removeItemRows(item);
   delete item;
 
   for(const auto& [nodeKind, nodeObject] : removed)
@@ -655,7 +655,7 @@ void VXPipelineModel::onObjectDestroyed(QObject* object)
   QObject* parentObject = object->parent();
   // views may still ask the row for its data while it goes: it answers nothing, the object is half gone
   item->clearValue();
-  removeRows(item);
+  removeItemRows(item);
   delete item;
   // Only lists forget the address here: the object's own members are gone already.
   if(kind == k_DataSourceKind)

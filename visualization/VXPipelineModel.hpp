@@ -167,7 +167,7 @@ private:
   /** Appends a row for the object under @p parentItem (null: top level). */
   TreeItem* insertItem(TreeItem* parentItem, std::int32_t kind, QObject* object);
   /** Takes the rows of the item's subtree out, children first, deleting all but the item; objects are left alone. */
-  void removeRows(TreeItem* item);
+  void removeItemRows(TreeItem* item);
   /** Removes the rows of @p item, tells the pipeline, and deletes the object later. */
   void removeTreeItem(TreeItem* item);
   /** The rows of an object that is being destroyed go; only its address is used. */

@@ -162,7 +162,7 @@ void DataStructure::resetIds(IdType start)
   m_Objects = std::move(renumbered);
 
   // maps are keyed by identifier: rebuild them with the new keys
-  auto rekey = [this](DataMap& map) {
+  auto rekey = [](DataMap& map) {
     std::vector<std::shared_ptr<DataObject>> children;
     for(const auto& [id, child] : map)
       children.push_back(child);
