@@ -3,6 +3,7 @@
 // tests), a description of its tree and views that two modules can be compared
 // by, and small file helpers.
 
+#include "StatePlaceholders.hpp"
 #include "../kxcomponents/QtPrinters.hpp"
 #include "../module/ModuleTestSupport.hpp"
 
@@ -39,13 +40,7 @@ inline void writeBytes(const std::filesystem::path& path, const std::string& byt
   out << bytes;
 }
 
-/** Replaces every occurrence of a placeholder. */
-inline std::string substitute(std::string text, const std::string& placeholder, const std::string& value)
-{
-  for(std::size_t at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder, at + value.size()))
-    text.replace(at, placeholder.size(), value);
-  return text;
-}
+using statetest::substitute;
 
 class StateFixture : public moduletest::ModuleFixture
 {

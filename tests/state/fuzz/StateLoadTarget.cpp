@@ -8,6 +8,8 @@
 //
 // The entry points are libFuzzer's; StateLoadReplay.cpp drives the same
 // target without libFuzzer, from seeds and seeded random mutations.
+#include "../StatePlaceholders.hpp"
+
 #include <utils/GuiProcess.hpp>
 #include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/QtWidgets/VXViewGridWidget.hpp>
@@ -71,12 +73,7 @@ void fail(const char* what)
   std::abort();
 }
 
-std::string substitute(std::string text, const std::string& placeholder, const std::string& value)
-{
-  for(std::size_t at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder, at + value.size()))
-    text.replace(at, placeholder.size(), value);
-  return text;
-}
+using statetest::substitute;
 
 /** Takes everything out of the tree, so that each input starts from the same module. */
 void clearTree(VXVisualizationModuleWidget& module)
