@@ -18,10 +18,11 @@ class RecordingReporter : public benchmark::ConsoleReporter
 public:
   void ReportRuns(const std::vector<Run>& runs) override
   {
-    for(const Run& run : runs)
+    for (const Run& run : runs)
     {
-      if(run.run_type == Run::RT_Iteration && run.iterations > 0)
-        m_Seconds[run.run_name.function_name] = run.real_accumulated_time / static_cast<double>(run.iterations);
+      if (run.run_type == Run::RT_Iteration && run.iterations > 0)
+        m_Seconds[run.run_name.function_name] =
+          run.real_accumulated_time / static_cast<double>(run.iterations);
     }
     ConsoleReporter::ReportRuns(runs);
   }
@@ -33,11 +34,12 @@ public:
   }
 
   /** Prints "RATIO name value target" when both benchmarks ran. */
-  void printRatio(const char* name, const std::string& numerator, const std::string& denominator, const char* target) const
+  void printRatio(const char* name, const std::string& numerator, const std::string& denominator,
+                  const char* target) const
   {
     const double top = seconds(numerator);
     const double bottom = seconds(denominator);
-    if(top > 0.0 && bottom > 0.0)
+    if (top > 0.0 && bottom > 0.0)
       std::printf("RATIO %s %.2f %s\n", name, top / bottom, target);
   }
 

@@ -53,23 +53,24 @@ public:
   void ReportRuns(const std::vector<Run>& runs) override
   {
     std::vector<Run> forwarded;
-    for(const Run& run : runs)
+    for (const Run& run : runs)
     {
-      if(run.run_type == Run::RT_Iteration)
+      if (run.run_type == Run::RT_Iteration)
       {
         // shown, but not recorded: only the median stands for the benchmark
-        ConsoleReporter::ReportRuns({run});
+        ConsoleReporter::ReportRuns({ run });
         continue;
       }
-      if(run.aggregate_name != "median")
+      if (run.aggregate_name != "median")
         continue;
       Run median = run;
       median.run_type = Run::RT_Iteration;
       forwarded.push_back(median);
-      if(run.iterations > 0)
-        m_CpuSeconds[run.run_name.function_name] = run.cpu_accumulated_time / static_cast<double>(run.iterations);
+      if (run.iterations > 0)
+        m_CpuSeconds[run.run_name.function_name] =
+          run.cpu_accumulated_time / static_cast<double>(run.iterations);
     }
-    if(!forwarded.empty())
+    if (!forwarded.empty())
       RecordingReporter::ReportRuns(forwarded);
   }
 
@@ -77,11 +78,12 @@ public:
    * The same ratio over the process's CPU time, renderer threads included:
    * steadier than wall time while other work shares the machine.
    */
-  void printCpuRatio(const char* name, const std::string& numerator, const std::string& denominator) const
+  void printCpuRatio(const char* name, const std::string& numerator,
+                     const std::string& denominator) const
   {
     auto top = m_CpuSeconds.find(numerator);
     auto bottom = m_CpuSeconds.find(denominator);
-    if(top != m_CpuSeconds.end() && bottom != m_CpuSeconds.end() && bottom->second > 0.0)
+    if (top != m_CpuSeconds.end() && bottom != m_CpuSeconds.end() && bottom->second > 0.0)
       std::printf("CPU_RATIO %s %.2f\n", name, top->second / bottom->second);
   }
 
@@ -113,11 +115,11 @@ struct LibraryScene
     VXPipeline::setDefaultTriangleRepType(VXRepresentation::Surface);
     pipeline.importFile(meshFile);
     QCoreApplication::processEvents();
-    for(QObject* child : pipeline.bridges().first()->dataSources().first()->children())
+    for (QObject* child : pipeline.bridges().first()->dataSources().first()->children())
     {
-      if(auto* representation = qobject_cast<VXRepresentation*>(child))
+      if (auto* representation = qobject_cast<VXRepresentation*>(child))
       {
-        if(auto* pimpl = dynamic_cast<VXOutlineRepPimpl*>(representation->implementation(&view)))
+        if (auto* pimpl = dynamic_cast<VXOutlineRepPimpl*>(representation->implementation(&view)))
           actor = pimpl->actor();
       }
     }
@@ -144,7 +146,7 @@ struct BareScene
     mapper->SetInputData(mesh);
     mapper->ScalarVisibilityOff();
     actor->SetMapper(mapper);
-    if(reference != nullptr)
+    if (reference != nullptr)
       actor->GetProperty()->DeepCopy(reference->GetProperty());
     renderer->AddActor(actor);
     widget.resize(k_Size, k_Size);
@@ -160,7 +162,7 @@ std::unique_ptr<BareScene> s_Bare;
 void frameLoop(benchmark::State& state, vtkRenderWindow* window, vtkCamera* camera)
 {
   window->Render();
-  for(auto _ : state)
+  for (auto _ : state)
   {
     camera->Azimuth(1.0);
     window->Render();
@@ -202,7 +204,7 @@ int main(int argc, char** argv)
     QCoreApplication::processEvents();
     const int before = widget->frameCount();
     constexpr int k_Requests = 1000;
-    for(int i = 0; i < k_Requests; i++)
+    for (int i = 0; i < k_Requests; i++)
       widget->render();
     QCoreApplication::processEvents();
     std::printf("FRAMES render_requests_%d %d\n", k_Requests, widget->frameCount() - before);
@@ -220,14 +222,16 @@ int main(int argc, char** argv)
   writer->SetInputData(triangles->GetOutput());
   writer->SetFileName(meshFile.toStdString().c_str());
   writer->Write();
-  std::printf("mesh: %lld triangles\n", static_cast<long long>(triangles->GetOutput()->GetNumberOfPolys()));
+  std::printf("mesh: %lld triangles\n",
+              static_cast<long long>(triangles->GetOutput()->GetNumberOfPolys()));
 
   s_Library = std::make_unique<LibraryScene>(meshFile);
   s_Bare = std::make_unique<BareScene>(triangles->GetOutput(), s_Library->actor);
   // Both scenes draw the same number of frames in rounds taken in shuffled
   // order, so that a change of machine load hits both; the ratio is formed
   // from each side's median round.
-  for(auto [name, function] : {std::pair{"frame/library_surface_1M", &libraryFrame}, std::pair{"frame/bare_vtk_1M", &bareFrame}})
+  for (auto [name, function] : { std::pair{ "frame/library_surface_1M", &libraryFrame },
+                                 std::pair{ "frame/bare_vtk_1M", &bareFrame } })
   {
     benchmark::RegisterBenchmark(name, function)
       ->Unit(benchmark::kMillisecond)
@@ -238,8 +242,10 @@ int main(int argc, char** argv)
   }
   MedianRecordingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.printRatio("surface_frame_vs_bare_vtk", "frame/library_surface_1M", "frame/bare_vtk_1M", "1.05");
-  reporter.printCpuRatio("surface_frame_vs_bare_vtk", "frame/library_surface_1M", "frame/bare_vtk_1M");
+  reporter.printRatio("surface_frame_vs_bare_vtk", "frame/library_surface_1M", "frame/bare_vtk_1M",
+                      "1.05");
+  reporter.printCpuRatio("surface_frame_vs_bare_vtk", "frame/library_surface_1M",
+                         "frame/bare_vtk_1M");
   s_Bare.reset();
   s_Library.reset();
   return 0;

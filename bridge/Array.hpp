@@ -31,7 +31,7 @@ KXVTKLIB_EXPORT vtkInformationIntegerVectorKey* TupleShapeKey();
  * and stored where VTK's range queries look first, so that GetRange never
  * rescans a large array.
  */
-template <typename T>
+template<typename T>
 class KXVTKLIB_EXPORT Array : public vtkGenericDataArray<Array<T>, T>
 {
 public:

@@ -27,7 +27,7 @@ namespace CV
  * then reads it directly, which is several times faster, and gives the same
  * result as the element-by-element path.
  */
-template <typename T>
+template<typename T>
 class ComputeRangeFunctor
 {
 public:
@@ -37,21 +37,22 @@ public:
    * @param store the elements, read through getValue
    * @param buffer the same elements as one buffer, or null to read through the store
    */
-  explicit ComputeRangeFunctor(const kx::core::AbstractDataStore<T>* store, const T* buffer = nullptr)
-  : m_Store(store)
-  , m_NumComponents(store != nullptr ? store->getNumberOfComponents() : 0)
-  , m_Min(m_NumComponents, std::numeric_limits<T>::max())
-  , m_Max(m_NumComponents, std::numeric_limits<T>::lowest())
-  , m_Buffer(buffer)
+  explicit ComputeRangeFunctor(const kx::core::AbstractDataStore<T>* store,
+                               const T* buffer = nullptr)
+    : m_Store(store)
+    , m_NumComponents(store != nullptr ? store->getNumberOfComponents() : 0)
+    , m_Min(m_NumComponents, std::numeric_limits<T>::max())
+    , m_Max(m_NumComponents, std::numeric_limits<T>::lowest())
+    , m_Buffer(buffer)
   {
   }
 
   ComputeRangeFunctor(const ComputeRangeFunctor& other, tbb::split)
-  : m_Store(other.m_Store)
-  , m_NumComponents(other.m_NumComponents)
-  , m_Min(m_NumComponents, std::numeric_limits<T>::max())
-  , m_Max(m_NumComponents, std::numeric_limits<T>::lowest())
-  , m_Buffer(other.m_Buffer)
+    : m_Store(other.m_Store)
+    , m_NumComponents(other.m_NumComponents)
+    , m_Min(m_NumComponents, std::numeric_limits<T>::max())
+    , m_Max(m_NumComponents, std::numeric_limits<T>::lowest())
+    , m_Buffer(other.m_Buffer)
   {
   }
 
@@ -59,13 +60,13 @@ public:
   void run()
   {
     const std::size_t tuples = m_Store != nullptr ? m_Store->getNumberOfTuples() : 0;
-    if(tuples > 0 && m_NumComponents > 0)
+    if (tuples > 0 && m_NumComponents > 0)
       tbb::parallel_reduce(Range(0, tuples, 1), *this, tbb::auto_partitioner());
   }
 
   void operator()(const Range& range)
   {
-    if(m_Buffer != nullptr)
+    if (m_Buffer != nullptr)
       scanBuffer(range.begin(), range.end());
     else
       scanStore(range.begin(), range.end());
@@ -73,16 +74,16 @@ public:
 
   void join(const ComputeRangeFunctor& other)
   {
-    for(std::size_t c = 0; c < m_NumComponents; c++)
+    for (std::size_t c = 0; c < m_NumComponents; c++)
     {
-      if(other.m_Min[c] < m_Min[c])
+      if (other.m_Min[c] < m_Min[c])
         m_Min[c] = other.m_Min[c];
-      if(other.m_Max[c] > m_Max[c])
+      if (other.m_Max[c] > m_Max[c])
         m_Max[c] = other.m_Max[c];
     }
-    if(other.m_MinMagnitude < m_MinMagnitude)
+    if (other.m_MinMagnitude < m_MinMagnitude)
       m_MinMagnitude = other.m_MinMagnitude;
-    if(other.m_MaxMagnitude > m_MaxMagnitude)
+    if (other.m_MaxMagnitude > m_MaxMagnitude)
       m_MaxMagnitude = other.m_MaxMagnitude;
   }
 
@@ -100,16 +101,16 @@ private:
    */
   static T toValueType(double magnitude)
   {
-    if constexpr(std::is_integral_v<T>)
+    if constexpr (std::is_integral_v<T>)
     {
-      if(magnitude >= static_cast<double>(std::numeric_limits<T>::max()))
+      if (magnitude >= static_cast<double>(std::numeric_limits<T>::max()))
         return std::numeric_limits<T>::max();
-      if(magnitude <= static_cast<double>(std::numeric_limits<T>::lowest()))
+      if (magnitude <= static_cast<double>(std::numeric_limits<T>::lowest()))
         return std::numeric_limits<T>::lowest();
     }
-    else if constexpr(std::is_same_v<T, float>)
+    else if constexpr (std::is_same_v<T, float>)
     {
-      if(magnitude > static_cast<double>(std::numeric_limits<float>::max()))
+      if (magnitude > static_cast<double>(std::numeric_limits<float>::max()))
         return std::numeric_limits<float>::infinity();
     }
     return static_cast<T>(magnitude);
@@ -117,9 +118,9 @@ private:
 
   void takeMagnitude(double magnitude)
   {
-    if(magnitude < static_cast<double>(m_MinMagnitude))
+    if (magnitude < static_cast<double>(m_MinMagnitude))
       m_MinMagnitude = toValueType(magnitude);
-    if(magnitude > static_cast<double>(m_MaxMagnitude))
+    if (magnitude > static_cast<double>(m_MaxMagnitude))
       m_MaxMagnitude = toValueType(magnitude);
   }
 
@@ -127,16 +128,16 @@ private:
   void scanStore(std::size_t begin, std::size_t end)
   {
     const std::size_t nc = m_NumComponents;
-    for(std::size_t tuple = begin; tuple < end; tuple++)
+    for (std::size_t tuple = begin; tuple < end; tuple++)
     {
       double sum = 0.0;
-      for(std::size_t c = 0; c < nc; c++)
+      for (std::size_t c = 0; c < nc; c++)
       {
         const T value = m_Store->getValue(tuple * nc + c);
         sum += static_cast<double>(value) * static_cast<double>(value);
-        if(value < m_Min[c])
+        if (value < m_Min[c])
           m_Min[c] = value;
-        if(value > m_Max[c])
+        if (value > m_Max[c])
           m_Max[c] = value;
       }
       takeMagnitude(std::sqrt(sum));
@@ -153,9 +154,9 @@ private:
   void scanBuffer(std::size_t begin, std::size_t end)
   {
     constexpr bool exactAbs = std::is_same_v<T, float> || (std::is_integral_v<T> && sizeof(T) <= 2);
-    if constexpr(exactAbs)
+    if constexpr (exactAbs)
     {
-      if(m_NumComponents == 1)
+      if (m_NumComponents == 1)
       {
         scanSingleComponentExact(begin, end);
         return;
@@ -164,11 +165,11 @@ private:
     const std::size_t nc = m_NumComponents;
     double minSum = std::numeric_limits<double>::infinity();
     double maxSum = -1.0;
-    for(std::size_t tuple = begin; tuple < end; tuple++)
+    for (std::size_t tuple = begin; tuple < end; tuple++)
     {
       const T* values = m_Buffer + tuple * nc;
       double sum = 0.0;
-      for(std::size_t c = 0; c < nc; c++)
+      for (std::size_t c = 0; c < nc; c++)
       {
         const T value = values[c];
         sum += static_cast<double>(value) * static_cast<double>(value);
@@ -178,7 +179,7 @@ private:
       minSum = sum < minSum ? sum : minSum;
       maxSum = sum > maxSum ? sum : maxSum;
     }
-    if(maxSum >= 0.0)
+    if (maxSum >= 0.0)
     {
       takeMagnitude(std::sqrt(minSum));
       takeMagnitude(std::sqrt(maxSum));
@@ -188,7 +189,7 @@ private:
   void scanSingleComponentExact(std::size_t begin, std::size_t end)
   {
 #if defined(__SSE2__)
-    if constexpr(std::is_same_v<T, float> || std::is_same_v<T, std::uint8_t>)
+    if constexpr (std::is_same_v<T, float> || std::is_same_v<T, std::uint8_t>)
     {
       scanSingleComponentSse(begin, end);
       return;
@@ -201,13 +202,13 @@ private:
     Abs absLo = std::numeric_limits<Abs>::max();
     Abs absHi = -1;
     const T* values = m_Buffer;
-    for(std::size_t i = begin; i < end; i++)
+    for (std::size_t i = begin; i < end; i++)
     {
       const T value = values[i];
       lo = value < lo ? value : lo;
       hi = value > hi ? value : hi;
       Abs absValue;
-      if constexpr(std::is_same_v<T, float>)
+      if constexpr (std::is_same_v<T, float>)
         absValue = std::fabs(value);
       else
         absValue = value < 0 ? -static_cast<int>(value) : static_cast<int>(value);
@@ -216,7 +217,7 @@ private:
     }
     m_Min[0] = lo;
     m_Max[0] = hi;
-    if(absHi >= 0)
+    if (absHi >= 0)
     {
       takeMagnitude(static_cast<double>(absLo));
       takeMagnitude(static_cast<double>(absHi));
@@ -236,16 +237,16 @@ private:
     std::size_t i = begin;
     T lo = m_Min[0];
     T hi = m_Max[0];
-    if constexpr(std::is_same_v<T, float>)
+    if constexpr (std::is_same_v<T, float>)
     {
       float absLo = std::numeric_limits<float>::max();
       float absHi = -1.0f;
-      if(end - begin >= 4 * lanes)
+      if (end - begin >= 4 * lanes)
       {
         const __m128 signMask = _mm_set1_ps(-0.0f);
         __m128 vLo = _mm_set1_ps(lo), vHi = _mm_set1_ps(hi);
         __m128 vAbsLo = _mm_set1_ps(absLo), vAbsHi = _mm_set1_ps(absHi);
-        for(; i + lanes <= end; i += lanes)
+        for (; i + lanes <= end; i += lanes)
         {
           const __m128 v = _mm_loadu_ps(values + i);
           const __m128 a = _mm_andnot_ps(signMask, v);
@@ -259,7 +260,7 @@ private:
         _mm_store_ps(h, vHi);
         _mm_store_ps(al, vAbsLo);
         _mm_store_ps(ah, vAbsHi);
-        for(std::size_t k = 0; k < 4; k++)
+        for (std::size_t k = 0; k < 4; k++)
         {
           lo = l[k] < lo ? l[k] : lo;
           hi = h[k] > hi ? h[k] : hi;
@@ -267,7 +268,7 @@ private:
           absHi = ah[k] > absHi ? ah[k] : absHi;
         }
       }
-      for(; i < end; i++)
+      for (; i < end; i++)
       {
         const float v = values[i];
         const float a = std::fabs(v);
@@ -278,7 +279,7 @@ private:
       }
       m_Min[0] = lo;
       m_Max[0] = hi;
-      if(absHi >= 0.0f)
+      if (absHi >= 0.0f)
       {
         takeMagnitude(static_cast<double>(absLo));
         takeMagnitude(static_cast<double>(absHi));
@@ -286,10 +287,11 @@ private:
     }
     else
     {
-      if(end - begin >= 4 * lanes)
+      if (end - begin >= 4 * lanes)
       {
-        __m128i vLo = _mm_set1_epi8(static_cast<char>(lo)), vHi = _mm_set1_epi8(static_cast<char>(hi));
-        for(; i + lanes <= end; i += lanes)
+        __m128i vLo = _mm_set1_epi8(static_cast<char>(lo)),
+                vHi = _mm_set1_epi8(static_cast<char>(hi));
+        for (; i + lanes <= end; i += lanes)
         {
           const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(values + i));
           vLo = _mm_min_epu8(v, vLo);
@@ -298,14 +300,14 @@ private:
         alignas(16) std::uint8_t l[16], h[16];
         _mm_store_si128(reinterpret_cast<__m128i*>(l), vLo);
         _mm_store_si128(reinterpret_cast<__m128i*>(h), vHi);
-        for(std::size_t k = 0; k < 16; k++)
+        for (std::size_t k = 0; k < 16; k++)
         {
           lo = l[k] < lo ? l[k] : lo;
           hi = h[k] > hi ? h[k] : hi;
         }
       }
       bool any = i > begin;
-      for(; i < end; i++)
+      for (; i < end; i++)
       {
         lo = values[i] < lo ? values[i] : lo;
         hi = values[i] > hi ? values[i] : hi;
@@ -313,7 +315,7 @@ private:
       }
       m_Min[0] = lo;
       m_Max[0] = hi;
-      if(any)
+      if (any)
       {
         // the chunk's own extremes bound its magnitudes; lo and hi may carry
         // earlier chunks' values, which were taken into account then

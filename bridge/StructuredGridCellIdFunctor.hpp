@@ -10,7 +10,7 @@ namespace CV::VtkBridge
  */
 struct StructuredGridCellIdFunctor
 {
-  int Dimensions[3] = {0, 0, 0};
+  int Dimensions[3] = { 0, 0, 0 };
 
   vtkIdType operator()(int index) const { return index; }
 };

@@ -34,21 +34,22 @@ vtkSmartPointer<vtkDataSet> runReader(vtkAlgorithm* reader)
   bool failed = false;
   vtkNew<vtkCallbackCommand> onError;
   onError->SetClientData(&failed);
-  onError->SetCallback([](vtkObject*, unsigned long, void* clientData, void*) { *static_cast<bool*>(clientData) = true; });
+  onError->SetCallback([](vtkObject*, unsigned long, void* clientData, void*)
+                       { *static_cast<bool*>(clientData) = true; });
   reader->AddObserver(vtkCommand::ErrorEvent, onError);
   reader->GetExecutive()->AddObserver(vtkCommand::ErrorEvent, onError);
   reader->Update();
-  if(failed)
+  if (failed)
     return nullptr;
   vtkSmartPointer<vtkDataSet> output = vtkDataSet::SafeDownCast(reader->GetOutputDataObject(0));
   return output;
 }
 
-template <typename Reader>
+template<typename Reader>
 vtkSmartPointer<vtkDataSet> readXml(const std::string& path)
 {
   vtkNew<Reader> reader;
-  if(reader->CanReadFile(path.c_str()) == 0)
+  if (reader->CanReadFile(path.c_str()) == 0)
     return nullptr;
   reader->SetFileName(path.c_str());
   return runReader(reader);
@@ -65,7 +66,7 @@ vtkSmartPointer<vtkDataSet> readLegacy(const std::string& path)
   reader->ReadAllColorScalarsOn();
   reader->ReadAllTCoordsOn();
   reader->ReadAllFieldsOn();
-  if(reader->OpenVTKFile() == 0 || reader->ReadHeader() == 0)
+  if (reader->OpenVTKFile() == 0 || reader->ReadHeader() == 0)
   {
     reader->CloseVTKFile();
     return nullptr;
@@ -80,16 +81,16 @@ vtkSmartPointer<vtkDataSet> readStl(const std::string& path)
   reader->SetFileName(path.c_str());
   auto output = runReader(reader);
   // an unreadable file gives an empty surface rather than an error
-  if(output && output->GetNumberOfPoints() == 0)
+  if (output && output->GetNumberOfPoints() == 0)
     return nullptr;
   return output;
 }
 
-template <typename Reader>
+template<typename Reader>
 vtkSmartPointer<vtkDataSet> readImage(const std::string& path)
 {
   vtkNew<Reader> reader;
-  if(reader->CanReadFile(path.c_str()) == 0)
+  if (reader->CanReadFile(path.c_str()) == 0)
     return nullptr;
   reader->SetFileName(path.c_str());
   return runReader(reader);
@@ -98,51 +99,51 @@ vtkSmartPointer<vtkDataSet> readImage(const std::string& path)
 
 const QStringList& DataSetSuffixes()
 {
-  static const QStringList suffixes = {"vti", "vtr", "vts", "vtu", "vtp", "vtk", "stl"};
+  static const QStringList suffixes = { "vti", "vtr", "vts", "vtu", "vtp", "vtk", "stl" };
   return suffixes;
 }
 
 const QStringList& ImageSuffixes()
 {
-  static const QStringList suffixes = {"jpeg", "jpg", "png", "tif", "tiff", "bmp"};
+  static const QStringList suffixes = { "jpeg", "jpg", "png", "tif", "tiff", "bmp" };
   return suffixes;
 }
 
 vtkSmartPointer<vtkDataSet> ReadDataSetFile(const QString& filePath, bool isImage)
 {
   const QFileInfo info(filePath);
-  if(!info.isFile())
+  if (!info.isFile())
     return nullptr;
   const QString suffix = info.suffix().toLower();
   const std::string path = filePath.toStdString();
   vtkSmartPointer<vtkDataSet> result;
-  if(isImage)
+  if (isImage)
   {
-    if(suffix == "jpeg" || suffix == "jpg")
+    if (suffix == "jpeg" || suffix == "jpg")
       result = readImage<vtkJPEGReader>(path);
-    else if(suffix == "png")
+    else if (suffix == "png")
       result = readImage<vtkPNGReader>(path);
-    else if(suffix == "tif" || suffix == "tiff")
+    else if (suffix == "tif" || suffix == "tiff")
       result = readImage<vtkTIFFReader>(path);
-    else if(suffix == "bmp")
+    else if (suffix == "bmp")
       result = readImage<vtkBMPReader>(path);
   }
-  else if(suffix == "vti")
+  else if (suffix == "vti")
     result = readXml<vtkXMLImageDataReader>(path);
-  else if(suffix == "vtr")
+  else if (suffix == "vtr")
     result = readXml<vtkXMLRectilinearGridReader>(path);
-  else if(suffix == "vts")
+  else if (suffix == "vts")
     result = readXml<vtkXMLStructuredGridReader>(path);
-  else if(suffix == "vtu")
+  else if (suffix == "vtu")
     result = readXml<vtkXMLUnstructuredGridReader>(path);
-  else if(suffix == "vtp")
+  else if (suffix == "vtp")
     result = readXml<vtkXMLPolyDataReader>(path);
-  else if(suffix == "vtk")
+  else if (suffix == "vtk")
     result = readLegacy(path);
-  else if(suffix == "stl")
+  else if (suffix == "stl")
     result = readStl(path);
 
-  if(result)
+  if (result)
     result->SetObjectName(info.completeBaseName().toStdString());
   return result;
 }

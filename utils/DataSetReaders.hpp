@@ -18,7 +18,8 @@ namespace KXVtk::utils
  * The data set's object name is the file's base name. Null when the suffix is
  * not one of these or the file can't be read; readers' errors are not printed.
  */
-KXVTKLIB_EXPORT vtkSmartPointer<vtkDataSet> ReadDataSetFile(const QString& filePath, bool isImage = false);
+KXVTKLIB_EXPORT vtkSmartPointer<vtkDataSet> ReadDataSetFile(const QString& filePath,
+                                                            bool isImage = false);
 
 /** Suffixes (lower case, no dot) that ReadDataSetFile reads without and with isImage. */
 KXVTKLIB_EXPORT const QStringList& DataSetSuffixes();

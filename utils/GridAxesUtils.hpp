@@ -23,8 +23,8 @@ KXVTKLIB_EXPORT void InitializeGridAxesActor(vtkGridAxesActor3D* actor);
  * With @p showLabels false the texts become fully transparent and no ticks are
  * generated, leaving plain edges (and grid lines if those are on).
  */
-KXVTKLIB_EXPORT void ApplyGridAxesAppearance(
-  vtkGridAxesActor3D* actor, const QColor& color, double opacity, bool showLabels);
+KXVTKLIB_EXPORT void ApplyGridAxesAppearance(vtkGridAxesActor3D* actor, const QColor& color,
+                                             double opacity, bool showLabels);
 
 /**
  * The bounds an image actor covers on screen: its display extent (the slice

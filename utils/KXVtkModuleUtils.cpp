@@ -13,9 +13,9 @@ QWidget* CreateSettingsWidget(QFrame* titleFrame, QScrollArea* scrollArea)
   auto* layout = new QVBoxLayout(page);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
-  if(titleFrame != nullptr)
+  if (titleFrame != nullptr)
     layout->addWidget(titleFrame);
-  if(scrollArea != nullptr)
+  if (scrollArea != nullptr)
   {
     scrollArea->setWidgetResizable(true);
     layout->addWidget(scrollArea, 1);
@@ -30,9 +30,9 @@ QString HtmlToolTip(const QString& text)
 
 VXAbstractViewWidget* GetViewWidget(const QMap<VXAbstractViewWidget*, int>& viewIndices, int index)
 {
-  for(auto iter = viewIndices.cbegin(); iter != viewIndices.cend(); ++iter)
+  for (auto iter = viewIndices.cbegin(); iter != viewIndices.cend(); ++iter)
   {
-    if(iter.value() == index)
+    if (iter.value() == index)
       return iter.key();
   }
   return nullptr;

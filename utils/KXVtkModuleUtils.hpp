@@ -21,5 +21,6 @@ KXVTKLIB_EXPORT QWidget* CreateSettingsWidget(QFrame* titleFrame, QScrollArea* s
 /** Wraps a tooltip text in the rich-text frame used throughout the module. */
 KXVTKLIB_EXPORT QString HtmlToolTip(const QString& text);
 /** The view that a state file's window index names, or null when no view has it. */
-KXVTKLIB_EXPORT VXAbstractViewWidget* GetViewWidget(const QMap<VXAbstractViewWidget*, int>& viewIndices, int index);
+KXVTKLIB_EXPORT VXAbstractViewWidget* GetViewWidget(
+  const QMap<VXAbstractViewWidget*, int>& viewIndices, int index);
 } // namespace KXVtkModule::utils

@@ -16,9 +16,9 @@ namespace
 vtkSmartPointer<vtkDataSet> readOtherFile(const QString& path, const QString& suffix, bool& known)
 {
   known = true;
-  if(KXVtk::utils::DataSetSuffixes().contains(suffix))
+  if (KXVtk::utils::DataSetSuffixes().contains(suffix))
     return KXVtk::utils::ReadDataSetFile(path, false);
-  if(KXVtk::utils::ImageSuffixes().contains(suffix))
+  if (KXVtk::utils::ImageSuffixes().contains(suffix))
     return KXVtk::utils::ReadDataSetFile(path, true);
   known = false;
   return nullptr;
@@ -28,25 +28,29 @@ vtkSmartPointer<vtkDataSet> readOtherFile(const QString& path, const QString& su
  * Tells the user the file is gone and offers to locate it: the path chosen,
  * or empty when the user declines or cancels.
  */
-QString locateMissingFile(const QString& purpose, const QString& dialogTitle, const QString& filePath)
+QString locateMissingFile(const QString& purpose, const QString& dialogTitle,
+                          const QString& filePath)
 {
   VXUserPrompt::Question question;
   question.icon = QMessageBox::Information;
   question.title = "Source File Missing";
-  question.text = QString("The source file (%1) has been renamed or deleted. Do you want to locate the file to %2? (WARNING: This "
-                          "will overwrite the current data for this pipeline item with the data in the file selected!)")
-                    .arg(filePath, purpose);
+  question.text =
+    QString(
+      "The source file (%1) has been renamed or deleted. Do you want to locate the file to %2? "
+      "(WARNING: This "
+      "will overwrite the current data for this pipeline item with the data in the file selected!)")
+      .arg(filePath, purpose);
   question.buttons = QMessageBox::Yes | QMessageBox::No;
   question.defaultButton = QMessageBox::No;
-  if(VXUserPrompt::ask(nullptr, question) != QMessageBox::Yes)
+  if (VXUserPrompt::ask(nullptr, question) != QMessageBox::Yes)
     return {};
   return VXUserPrompt::getOpenFileName(nullptr, dialogTitle, FileToVXBridge::FileFilterList());
 }
 } // namespace
 
 FileToVXBridge::FileToVXBridge(QObject* parent)
-: VXBridgeObject(parent)
-, m_FileWatcher(new QFileSystemWatcher(this))
+  : VXBridgeObject(parent)
+  , m_FileWatcher(new QFileSystemWatcher(this))
 {
   connect(m_FileWatcher, &QFileSystemWatcher::fileChanged, this, &FileToVXBridge::onFileChanged);
 }
@@ -56,13 +60,17 @@ FileToVXBridge::~FileToVXBridge() = default;
 QString FileToVXBridge::FileFilterList()
 {
   QStringList filters;
-  filters << "All Supported Files (*.voxelia *.vti *.vtr *.vts *.vtu *.vtp *.vtk *.stl *.jpeg *.jpg *.png *.tif *.tiff *.bmp "
+  filters << "All Supported Files (*.voxelia *.vti *.vtr *.vts *.vtu *.vtp *.vtk *.stl *.jpeg "
+             "*.jpg *.png *.tif *.tiff *.bmp "
              "*.pvti *.pvtr *.pvts *.pvtu *.pvtp *.pvtk)";
   filters << "VOXELIA-KX Files (*.voxelia)";
-  filters << "VTK Image Data Files (*.vti)" << "VTK Rectilinear Grid Files (*.vtr)" << "VTK Structured Grid Files (*.vts)"
-          << "VTK Unstructured Grid Files (*.vtu)" << "VTK Poly Data Files (*.vtp)" << "VTK Legacy Files (*.vtk)"
+  filters << "VTK Image Data Files (*.vti)" << "VTK Rectilinear Grid Files (*.vtr)"
+          << "VTK Structured Grid Files (*.vts)"
+          << "VTK Unstructured Grid Files (*.vtu)" << "VTK Poly Data Files (*.vtp)"
+          << "VTK Legacy Files (*.vtk)"
           << "STL Files (*.stl)";
-  filters << "JPEG Image Files (*.jpeg)" << "JPG Image Files (*.jpg)" << "PNG Image Files (*.png)" << "TIF Image Files (*.tif)"
+  filters << "JPEG Image Files (*.jpeg)" << "JPG Image Files (*.jpg)" << "PNG Image Files (*.png)"
+          << "TIF Image Files (*.tif)"
           << "TIFF Image Files (*.tiff)" << "BMP Image Files (*.bmp)";
   return filters.join(";;");
 }
@@ -80,18 +88,18 @@ QIcon FileToVXBridge::getIcon()
 void FileToVXBridge::import(const QString& filePath)
 {
   m_FilePath = filePath;
-  if(!m_FileWatcher->files().contains(filePath))
+  if (!m_FileWatcher->files().contains(filePath))
     m_FileWatcher->addPath(filePath);
   setName(QFileInfo(filePath).fileName(), 0);
-  if(!m_DataSources.isEmpty())
+  if (!m_DataSources.isEmpty())
     clear();
 
   const QString suffix = QFileInfo(filePath).suffix().toLower();
-  if(suffix == "voxelia")
+  if (suffix == "voxelia")
   {
     QString error;
     auto structure = CV::VtkBridge::selectivelyImportGeometryData(filePath, &error);
-    if(!structure)
+    if (!structure)
       Q_EMIT sendPopupMessage("Load File Error", error);
     else
       importDataStructure(structure);
@@ -99,13 +107,15 @@ void FileToVXBridge::import(const QString& filePath)
   }
   bool known = false;
   vtkSmartPointer<vtkDataSet> dataSet = readOtherFile(filePath, suffix, known);
-  if(!known)
+  if (!known)
   {
-    Q_EMIT sendPopupMessage("Load File Error",
-                            QString("Invalid file type for file at '%1'. Cannot load the file for visualization").arg(filePath));
+    Q_EMIT sendPopupMessage(
+      "Load File Error",
+      QString("Invalid file type for file at '%1'. Cannot load the file for visualization")
+        .arg(filePath));
     return;
   }
-  if(dataSet)
+  if (dataSet)
   {
     VXDataSource* source = addDataSource();
     source->setDataSet(dataSet);
@@ -115,15 +125,15 @@ void FileToVXBridge::import(const QString& filePath)
 
 void FileToVXBridge::reload()
 {
-  if(m_FilePath.isEmpty() || m_DataSources.isEmpty())
+  if (m_FilePath.isEmpty() || m_DataSources.isEmpty())
   {
     Q_EMIT sendOutputMessage("The pipeline object doesn't have any data defined; not a reload.");
     return;
   }
-  if(m_Flagged || !QFileInfo::exists(m_FilePath))
+  if (m_Flagged || !QFileInfo::exists(m_FilePath))
   {
     const QString located = locateMissingFile("reload", "Locate File To Reload", m_FilePath);
-    if(located.isEmpty())
+    if (located.isEmpty())
       return;
     m_FilePath = located;
     m_Flagged = false;
@@ -131,11 +141,11 @@ void FileToVXBridge::reload()
   }
 
   const QString suffix = QFileInfo(m_FilePath).suffix().toLower();
-  if(suffix == "voxelia")
+  if (suffix == "voxelia")
   {
     QString error;
     auto structure = CV::VtkBridge::selectivelyImportGeometryData(m_FilePath, &error);
-    if(!structure)
+    if (!structure)
     {
       Q_EMIT sendPopupMessage("Reload File Error", error);
       return;
@@ -147,16 +157,20 @@ void FileToVXBridge::reload()
   }
   bool known = false;
   vtkSmartPointer<vtkDataSet> dataSet = readOtherFile(m_FilePath, suffix, known);
-  if(!known)
+  if (!known)
   {
-    Q_EMIT sendPopupMessage("Reload File Error",
-                            QString("Invalid file type for file at %1. Cannot reload the file for visualization").arg(m_FilePath));
+    Q_EMIT sendPopupMessage(
+      "Reload File Error",
+      QString("Invalid file type for file at %1. Cannot reload the file for visualization")
+        .arg(m_FilePath));
     return;
   }
-  if(!dataSet)
+  if (!dataSet)
   {
-    Q_EMIT sendPopupMessage("Reload File Error",
-                            QString("An error occurred while reading file %1. Cannot reload the file for visualization").arg(m_FilePath));
+    Q_EMIT sendPopupMessage(
+      "Reload File Error",
+      QString("An error occurred while reading file %1. Cannot reload the file for visualization")
+        .arg(m_FilePath));
     return;
   }
   m_DataSources.first()->setDataSet(dataSet);
@@ -165,9 +179,9 @@ void FileToVXBridge::reload()
 
 void FileToVXBridge::onFileChanged(const QString&)
 {
-  if(m_FileWatcher == nullptr)
+  if (m_FileWatcher == nullptr)
     return;
-  if(m_FileWatcher->files().contains(m_FilePath))
+  if (m_FileWatcher->files().contains(m_FilePath))
   {
     m_Flagged = false;
     Q_EMIT autoReloadFlagChanged(this, false);
@@ -176,29 +190,31 @@ void FileToVXBridge::onFileChanged(const QString&)
   }
   m_Flagged = true;
   Q_EMIT autoReloadFlagChanged(this, true);
-  Q_EMIT sendFileMovedMessage(
-    QString("File item %1 is no longer auto reloading because the source file at path %2 was renamed or deleted.\nYou can save "
-            "the data or locate the file for auto reloading again by right clicking the item in the tree view and selecting the "
-            "appropriate option.")
-      .arg(name(), m_FilePath));
+  Q_EMIT sendFileMovedMessage(QString("File item %1 is no longer auto reloading because the source "
+                                      "file at path %2 was renamed or deleted.\nYou can save "
+                                      "the data or locate the file for auto reloading again by "
+                                      "right clicking the item in the tree view and selecting the "
+                                      "appropriate option.")
+                                .arg(name(), m_FilePath));
 }
 
 void FileToVXBridge::setWatchFile(bool watch)
 {
-  if(m_FileWatcher == nullptr)
+  if (m_FileWatcher == nullptr)
     return;
   const bool watching = isWatchingFile();
-  if(watching && !watch)
+  if (watching && !watch)
   {
     m_FileWatcher->removePath(m_FilePath);
     return;
   }
-  if(watching || !watch)
+  if (watching || !watch)
     return;
-  if(!QFileInfo::exists(m_FilePath))
+  if (!QFileInfo::exists(m_FilePath))
   {
-    const QString located = locateMissingFile("watch for automatic reloading", "Locate File To Watch", m_FilePath);
-    if(located.isEmpty())
+    const QString located =
+      locateMissingFile("watch for automatic reloading", "Locate File To Watch", m_FilePath);
+    if (located.isEmpty())
       return;
     m_FilePath = located;
   }
@@ -218,7 +234,8 @@ QStringList FileToVXBridge::watchedFiles() const
   return m_FileWatcher != nullptr ? m_FileWatcher->files() : QStringList();
 }
 
-void FileToVXBridge::write(nlohmann::json& output, const QMap<VXAbstractViewWidget*, int>& viewIndices) const
+void FileToVXBridge::write(nlohmann::json& output,
+                           const QMap<VXAbstractViewWidget*, int>& viewIndices) const
 {
   VXBridgeObject::write(output, viewIndices);
   output["bridge_object_file_path"] = m_FilePath.toStdString();
@@ -227,10 +244,10 @@ void FileToVXBridge::write(nlohmann::json& output, const QMap<VXAbstractViewWidg
 
 void FileToVXBridge::read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>&)
 {
-  if(!input.is_object())
+  if (!input.is_object())
     return;
-  if(auto iter = input.find("bridge_object_file_path"); iter != input.end() && iter->is_string())
+  if (auto iter = input.find("bridge_object_file_path"); iter != input.end() && iter->is_string())
     import(QString::fromStdString(iter->get<std::string>()));
-  if(auto iter = input.find("bridge_object_item_name"); iter != input.end() && iter->is_string())
+  if (auto iter = input.find("bridge_object_item_name"); iter != input.end() && iter->is_string())
     setName(QString::fromStdString(iter->get<std::string>()), 0);
 }

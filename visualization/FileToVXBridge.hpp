@@ -25,7 +25,8 @@ public:
   /** The file dialog's filter list, all supported files first. */
   static QString FileFilterList();
 
-  void write(nlohmann::json& output, const QMap<VXAbstractViewWidget*, int>& viewIndices) const override;
+  void write(nlohmann::json& output,
+             const QMap<VXAbstractViewWidget*, int>& viewIndices) const override;
   void read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views) override;
   QString typeName() override { return QString::fromUtf8(k_TypeName.data(), k_TypeName.size()); }
   QString sourceName() override;

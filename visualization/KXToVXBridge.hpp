@@ -24,7 +24,8 @@ public:
   explicit KXToVXBridge(QObject* parent = nullptr);
   ~KXToVXBridge() override;
 
-  void write(nlohmann::json& output, const QMap<VXAbstractViewWidget*, int>& viewIndices) const override;
+  void write(nlohmann::json& output,
+             const QMap<VXAbstractViewWidget*, int>& viewIndices) const override;
   void read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views) override;
   QString typeName() override { return QString::fromUtf8(k_TypeName.data(), k_TypeName.size()); }
   QString sourceName() override;
@@ -32,8 +33,10 @@ public:
   /** The pipeline's file, or the one saved in a state file when there is no controller. */
   QString filePath() const override;
 
-  void importPipelineOutput(KX::IPipelineController* controller, std::shared_ptr<kx::core::DataStructure>& structure);
-  void reloadPipelineOutput(KX::IPipelineController* controller, std::shared_ptr<kx::core::DataStructure>& structure);
+  void importPipelineOutput(KX::IPipelineController* controller,
+                            std::shared_ptr<kx::core::DataStructure>& structure);
+  void reloadPipelineOutput(KX::IPipelineController* controller,
+                            std::shared_ptr<kx::core::DataStructure>& structure);
   /** The pipeline's identifier, or the saved one when there is no controller. */
   QString getPipelineUuid() const;
   KX::IPipelineController* kxPipeline() const { return m_PipelineController; }

@@ -9,14 +9,15 @@ namespace
 {
 QString multipleParentsText(const std::shared_ptr<kx::core::IGeometry>& geometry)
 {
-  return QString("The geometry named %1 has multiple parents but the visualization currently does not support multiple "
+  return QString("The geometry named %1 has multiple parents but the visualization currently does "
+                 "not support multiple "
                  "parenting. This geometry will NOT be added to your visualization pipeline.")
     .arg(QString::fromStdString(geometry->getName()));
 }
 } // namespace
 
 VXBridgeObject::VXBridgeObject(QObject* parent)
-: QObject(parent)
+  : QObject(parent)
 {
 }
 
@@ -24,7 +25,7 @@ VXBridgeObject::~VXBridgeObject() = default;
 
 QString VXBridgeObject::name() const
 {
-  if(m_NameSuffixCounter <= 0)
+  if (m_NameSuffixCounter <= 0)
     return m_BaseName;
   return QString("%1 (%2)").arg(m_BaseName).arg(m_NameSuffixCounter);
 }
@@ -50,14 +51,12 @@ QString VXBridgeObject::filePath() const
 QStringList VXBridgeObject::dataSourceNames() const
 {
   QStringList names;
-  for(const VXDataSource* source : m_DataSources)
+  for (const VXDataSource* source : m_DataSources)
     names.append(source->name());
   return names;
 }
 
-void VXBridgeObject::write(nlohmann::json&, const QMap<VXAbstractViewWidget*, int>&) const
-{
-}
+void VXBridgeObject::write(nlohmann::json&, const QMap<VXAbstractViewWidget*, int>&) const {}
 
 void VXBridgeObject::onDataSourceRemoved(VXDataSource* source)
 {
@@ -68,7 +67,7 @@ void VXBridgeObject::clear()
 {
   // the list is emptied by each source's removal, not here
   const QList<VXDataSource*> sources = m_DataSources;
-  for(VXDataSource* source : sources)
+  for (VXDataSource* source : sources)
     delete source;
 }
 
@@ -81,12 +80,12 @@ VXDataSource* VXBridgeObject::addDataSource()
 
 void VXBridgeObject::importDataStructure(std::shared_ptr<kx::core::DataStructure>& structure)
 {
-  for(const auto& geometry : CV::VtkBridge::FindGeometry(structure))
+  for (const auto& geometry : CV::VtkBridge::FindGeometry(structure))
   {
-    if(geometry->getDataPaths().size() < 2)
+    if (geometry->getDataPaths().size() < 2)
     {
       auto wrapped = CV::VtkBridge::WrapGeometry(geometry);
-      if(wrapped)
+      if (wrapped)
       {
         VXDataSource* source = addDataSource();
         source->setWrappedGeometry(wrapped);
@@ -104,22 +103,23 @@ void VXBridgeObject::importDataStructure(std::shared_ptr<kx::core::DataStructure
 
 void VXBridgeObject::reloadDataStructure(std::shared_ptr<kx::core::DataStructure>& structure)
 {
-  std::vector<std::shared_ptr<kx::core::IGeometry>> remaining = CV::VtkBridge::FindGeometry(structure);
+  std::vector<std::shared_ptr<kx::core::IGeometry>> remaining =
+    CV::VtkBridge::FindGeometry(structure);
   const QList<VXDataSource*> sources = m_DataSources;
-  for(VXDataSource* source : sources)
+  for (VXDataSource* source : sources)
   {
     const kx::core::DataPath path = source->importedDataPath();
-    if(!path.empty() && dynamic_cast<kx::core::IGeometry*>(structure->getData(path)) == nullptr)
+    if (!path.empty() && dynamic_cast<kx::core::IGeometry*>(structure->getData(path)) == nullptr)
     {
       // the geometry is gone: its data source takes its subtree with it
       m_DataSources.removeOne(source);
       Q_EMIT removeDataSource(source);
       continue;
     }
-    for(auto iter = remaining.begin(); iter != remaining.end();)
+    for (auto iter = remaining.begin(); iter != remaining.end();)
     {
       const std::vector<kx::core::DataPath> paths = (*iter)->getDataPaths();
-      if(paths.size() >= 2)
+      if (paths.size() >= 2)
       {
         const QString text = multipleParentsText(*iter);
         Q_EMIT sendPopupMessage("Geometry Not Loaded", text);
@@ -127,10 +127,10 @@ void VXBridgeObject::reloadDataStructure(std::shared_ptr<kx::core::DataStructure
         iter = remaining.erase(iter);
         continue;
       }
-      if(paths.size() == 1 && paths.front() == path)
+      if (paths.size() == 1 && paths.front() == path)
       {
         auto wrapped = CV::VtkBridge::WrapGeometry(*iter);
-        if(wrapped)
+        if (wrapped)
           source->setWrappedGeometry(wrapped);
         remaining.erase(iter);
         break;
@@ -138,10 +138,10 @@ void VXBridgeObject::reloadDataStructure(std::shared_ptr<kx::core::DataStructure
       ++iter;
     }
   }
-  for(const auto& geometry : remaining)
+  for (const auto& geometry : remaining)
   {
     auto wrapped = CV::VtkBridge::WrapGeometry(geometry);
-    if(wrapped)
+    if (wrapped)
     {
       VXDataSource* source = addDataSource();
       source->setWrappedGeometry(wrapped);

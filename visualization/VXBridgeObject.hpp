@@ -32,7 +32,8 @@ public:
   explicit VXBridgeObject(QObject* parent = nullptr);
   ~VXBridgeObject() override;
 
-  virtual void write(nlohmann::json& output, const QMap<VXAbstractViewWidget*, int>& viewIndices) const;
+  virtual void write(nlohmann::json& output,
+                     const QMap<VXAbstractViewWidget*, int>& viewIndices) const;
   virtual void read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views) = 0;
   virtual QString typeName() = 0;
   virtual QString sourceName() = 0;
@@ -65,7 +66,8 @@ Q_SIGNALS:
 protected:
   /** Makes a data source for each geometry of the structure. */
   void importDataStructure(std::shared_ptr<kx::core::DataStructure>& structure);
-  /** Matches the structure's geometries to the data sources by path; removes the vanished, adds the new. */
+  /** Matches the structure's geometries to the data sources by path; removes the vanished, adds the
+   * new. */
   void reloadDataStructure(std::shared_ptr<kx::core::DataStructure>& structure);
   /** Makes a data source, child of this bridge, and announces it. */
   VXDataSource* addDataSource();

@@ -15,16 +15,16 @@
 #include <QtWidgets/QScrollArea>
 
 VXCoreObject::VXCoreObject(QObject* parent)
-: QObject(parent)
-, m_SettingsTitleFrame(new QFrame())
-, m_SettingsScrollArea(new QScrollArea())
+  : QObject(parent)
+  , m_SettingsTitleFrame(new QFrame())
+  , m_SettingsScrollArea(new QScrollArea())
 {
 }
 
 VXCoreObject::~VXCoreObject()
 {
   // the page owns the title frame and scroll area once it exists
-  if(m_SettingsWidget)
+  if (m_SettingsWidget)
   {
     delete m_SettingsWidget;
   }
@@ -37,7 +37,7 @@ VXCoreObject::~VXCoreObject()
 
 QString VXCoreObject::name() const
 {
-  if(m_NameSuffixCounter <= 0)
+  if (m_NameSuffixCounter <= 0)
     return m_BaseName;
   return QString("%1 %2").arg(m_BaseName).arg(m_NameSuffixCounter);
 }
@@ -45,11 +45,11 @@ QString VXCoreObject::name() const
 QString VXCoreObject::pathName() const
 {
   QString path = name();
-  for(QObject* ancestor = parent(); ancestor != nullptr; ancestor = ancestor->parent())
+  for (QObject* ancestor = parent(); ancestor != nullptr; ancestor = ancestor->parent())
   {
-    if(auto* core = qobject_cast<VXCoreObject*>(ancestor))
+    if (auto* core = qobject_cast<VXCoreObject*>(ancestor))
       path = core->name() + m_PathDelimeter + path;
-    else if(auto* bridge = qobject_cast<VXBridgeObject*>(ancestor))
+    else if (auto* bridge = qobject_cast<VXBridgeObject*>(ancestor))
       path = bridge->name() + m_PathDelimeter + path;
   }
   return path;
@@ -85,29 +85,32 @@ VXLookupTable* VXCoreObject::lookupTable()
 
 void VXCoreObject::setPipeline(VXPipeline* pipeline)
 {
-  if(m_ActiveViewConnection)
+  if (m_ActiveViewConnection)
     disconnect(m_ActiveViewConnection);
   m_Pipeline = pipeline;
-  if(pipeline != nullptr)
-    m_ActiveViewConnection = connect(pipeline, &VXPipeline::activeViewChanged, this, &VXCoreObject::activeViewChanged);
+  if (pipeline != nullptr)
+    m_ActiveViewConnection =
+      connect(pipeline, &VXPipeline::activeViewChanged, this, &VXCoreObject::activeViewChanged);
 }
 
 void VXCoreObject::addViewWidget(VXAbstractViewWidget* view)
 {
   m_ViewWidgets[view] = true;
-  if(view == nullptr)
+  if (view == nullptr)
     return;
-  connect(view, &VXAbstractViewWidget::viewWidgetCreated, this, &VXCoreObject::addViewWidgetCopy, Qt::UniqueConnection);
-  if(VXVisualizationWidget* renderWidget = view->getVisualizationWidget())
-    connect(this, &VXCoreObject::requestRender, renderWidget, &VXVisualizationWidget::render, Qt::UniqueConnection);
+  connect(view, &VXAbstractViewWidget::viewWidgetCreated, this, &VXCoreObject::addViewWidgetCopy,
+          Qt::UniqueConnection);
+  if (VXVisualizationWidget* renderWidget = view->getVisualizationWidget())
+    connect(this, &VXCoreObject::requestRender, renderWidget, &VXVisualizationWidget::render,
+            Qt::UniqueConnection);
 }
 
 void VXCoreObject::setVisibility(bool visible)
 {
   VXAbstractViewWidget* view = m_Pipeline != nullptr ? m_Pipeline->activeViewWidget() : nullptr;
-  if(view == nullptr)
+  if (view == nullptr)
     return;
-  if(!m_ViewWidgets.contains(view))
+  if (!m_ViewWidgets.contains(view))
     addViewWidget(view);
   m_ViewWidgets[view] = visible;
 }
@@ -115,23 +118,25 @@ void VXCoreObject::setVisibility(bool visible)
 bool VXCoreObject::isVisible() const
 {
   VXAbstractViewWidget* view = m_Pipeline != nullptr ? m_Pipeline->activeViewWidget() : nullptr;
-  if(view == nullptr)
+  if (view == nullptr)
     return false;
   return m_ViewWidgets.value(view, false);
 }
 
-void VXCoreObject::activeViewChanged(VXAbstractViewWidget* previousActiveView, VXAbstractViewWidget* currentActiveView)
+void VXCoreObject::activeViewChanged(VXAbstractViewWidget* previousActiveView,
+                                     VXAbstractViewWidget* currentActiveView)
 {
-  if(previousActiveView == currentActiveView)
+  if (previousActiveView == currentActiveView)
     return;
-  Q_EMIT enabledDisabledStateChanged(this, currentActiveView != nullptr && m_ViewWidgets.contains(currentActiveView));
+  Q_EMIT enabledDisabledStateChanged(this, currentActiveView != nullptr &&
+                                             m_ViewWidgets.contains(currentActiveView));
 }
 
 bool VXCoreObject::finalize()
 {
-  for(auto iter = m_ViewWidgets.cbegin(); iter != m_ViewWidgets.cend(); ++iter)
+  for (auto iter = m_ViewWidgets.cbegin(); iter != m_ViewWidgets.cend(); ++iter)
   {
-    if(iter.key() == nullptr)
+    if (iter.key() == nullptr)
       return false;
   }
   return true;
@@ -139,15 +144,17 @@ bool VXCoreObject::finalize()
 
 QWidget* VXCoreObject::settingsWidget()
 {
-  if(!m_SettingsWidget && m_Pipeline != nullptr && m_Pipeline->activeViewWidget() != nullptr)
+  if (!m_SettingsWidget && m_Pipeline != nullptr && m_Pipeline->activeViewWidget() != nullptr)
     initializeSettingsWidget();
   return m_SettingsWidget;
 }
 
-void VXCoreObject::addSettingsWidgetTitle(KXIconPushButton* primaryButton, KXIconPushButton* secondaryButton)
+void VXCoreObject::addSettingsWidgetTitle(KXIconPushButton* primaryButton,
+                                          KXIconPushButton* secondaryButton)
 {
-  if(!m_SettingsWidget)
-    m_SettingsWidget = KXVtkModule::utils::CreateSettingsWidget(m_SettingsTitleFrame, m_SettingsScrollArea);
+  if (!m_SettingsWidget)
+    m_SettingsWidget =
+      KXVtkModule::utils::CreateSettingsWidget(m_SettingsTitleFrame, m_SettingsScrollArea);
   m_SettingsTitleFrame->setObjectName("settingsWidgetTitleFrame");
   auto* layout = new QHBoxLayout(m_SettingsTitleFrame);
   layout->setSpacing(2);
@@ -158,38 +165,42 @@ void VXCoreObject::addSettingsWidgetTitle(KXIconPushButton* primaryButton, KXIco
   label->setToolTip(pathName());
   label->setMinimumHeight(KXStyle::getIconSize().height());
   layout->addWidget(label, 1);
-  if(secondaryButton != nullptr)
+  if (secondaryButton != nullptr)
     layout->addWidget(secondaryButton);
-  if(primaryButton != nullptr)
+  if (primaryButton != nullptr)
     layout->addWidget(primaryButton);
-  connect(this, &VXCoreObject::pathChanged, label, [this, label](const QString& path) {
-    label->setText(name() + " : Render View Settings");
-    label->setToolTip(path);
-  });
+  connect(this, &VXCoreObject::pathChanged, label,
+          [this, label](const QString& path)
+          {
+            label->setText(name() + " : Render View Settings");
+            label->setToolTip(path);
+          });
 }
 
-void VXCoreObject::write(nlohmann::json& output, const QMap<VXAbstractViewWidget*, int>& viewIndices) const
+void VXCoreObject::write(nlohmann::json& output,
+                         const QMap<VXAbstractViewWidget*, int>& viewIndices) const
 {
   nlohmann::json views = nlohmann::json::array();
-  for(auto iter = m_ViewWidgets.cbegin(); iter != m_ViewWidgets.cend(); ++iter)
+  for (auto iter = m_ViewWidgets.cbegin(); iter != m_ViewWidgets.cend(); ++iter)
   {
-    if(!viewIndices.contains(iter.key()))
+    if (!viewIndices.contains(iter.key()))
       continue;
     // the outer key names the array and the inner one the index: that pairing is the format
-    views.push_back({{"render_window_index", viewIndices.value(iter.key())}, {"core_object_visibility", iter.value()}});
+    views.push_back({ { "render_window_index", viewIndices.value(iter.key()) },
+                      { "core_object_visibility", iter.value() } });
   }
   output["render_window_index"] = views;
 }
 
 void VXCoreObject::read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views)
 {
-  if(!input.is_object() || !input.contains("render_window_index"))
+  if (!input.is_object() || !input.contains("render_window_index"))
     return;
-  for(const auto& entry : input["render_window_index"])
+  for (const auto& entry : input["render_window_index"])
   {
     const int index = entry.at("render_window_index").get<int>();
     const bool visible = entry.at("core_object_visibility").get<bool>();
-    if(views.contains(index))
+    if (views.contains(index))
       m_ViewWidgets[views.value(index)] = visible;
   }
 }

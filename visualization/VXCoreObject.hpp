@@ -38,7 +38,8 @@ public:
   explicit VXCoreObject(QObject* parent = nullptr);
   ~VXCoreObject() override;
 
-  virtual void write(nlohmann::json& output, const QMap<VXAbstractViewWidget*, int>& viewIndices) const;
+  virtual void write(nlohmann::json& output,
+                     const QMap<VXAbstractViewWidget*, int>& viewIndices) const;
   virtual void read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views);
   /** True when every view this item knows still exists. */
   virtual bool finalize();
@@ -51,7 +52,8 @@ public:
   /** The info panel page; built on first request once a view exists. */
   virtual QWidget* settingsWidget();
   virtual void initializeSettingsWidget() = 0;
-  virtual void addSettingsWidgetTitle(KXIconPushButton* primaryButton, KXIconPushButton* secondaryButton);
+  virtual void addSettingsWidgetTitle(KXIconPushButton* primaryButton,
+                                      KXIconPushButton* secondaryButton);
   virtual void addViewWidget(VXAbstractViewWidget* view);
   /** Visibility in the active view. */
   virtual bool isVisible() const;
@@ -62,8 +64,10 @@ public:
   virtual void pasteToActiveSettings() = 0;
   virtual void updatePath();
   virtual void receivePipelineOutputReloaded() = 0;
-  virtual void addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget, VXAbstractViewWidget* splitViewWidget) = 0;
-  virtual void activeViewChanged(VXAbstractViewWidget* previousActiveView, VXAbstractViewWidget* currentActiveView);
+  virtual void addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
+                                 VXAbstractViewWidget* splitViewWidget) = 0;
+  virtual void activeViewChanged(VXAbstractViewWidget* previousActiveView,
+                                 VXAbstractViewWidget* currentActiveView);
 
   QString baseName() const { return m_BaseName; }
   /** The base name, then a blank and the suffix counter when it is above 0. */

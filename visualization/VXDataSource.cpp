@@ -39,11 +39,12 @@ void beginSettingsGroup(QtKXSettings& settings, const QString& typeName)
 }
 
 /** A colour from three keys, only when all three are there. */
-bool readColor(const nlohmann::json& input, const char* r, const char* g, const char* b, QColor& color)
+bool readColor(const nlohmann::json& input, const char* r, const char* g, const char* b,
+               QColor& color)
 {
-  if(!input.contains(r) || !input.contains(g) || !input.contains(b))
+  if (!input.contains(r) || !input.contains(g) || !input.contains(b))
     return false;
-  if(!input[r].is_number() || !input[g].is_number() || !input[b].is_number())
+  if (!input[r].is_number() || !input[g].is_number() || !input[b].is_number())
     return false;
   color = QColor(input[r].get<int>(), input[g].get<int>(), input[b].get<int>());
   return true;
@@ -51,9 +52,9 @@ bool readColor(const nlohmann::json& input, const char* r, const char* g, const 
 } // namespace
 
 VXDataSource::VXDataSource(QObject* parent)
-: VXCoreObject(parent)
-, m_OutputAlgorithm(vtkTrivialProducer::New())
-, m_CurrentPreset(KXPreferences::getDefaultColorPreset())
+  : VXCoreObject(parent)
+  , m_OutputAlgorithm(vtkTrivialProducer::New())
+  , m_CurrentPreset(KXPreferences::getDefaultColorPreset())
 {
   m_BaseName = k_DefaultBaseName;
   // not a QObject child: a data source's children are its data views and filters
@@ -87,7 +88,7 @@ kx::core::DataPath VXDataSource::importedDataPath() const
 
 void VXDataSource::takeDataSet(vtkDataSet* dataSet)
 {
-  if(dataSet != nullptr && !dataSet->GetObjectName().empty())
+  if (dataSet != nullptr && !dataSet->GetObjectName().empty())
     m_BaseName = QString::fromStdString(dataSet->GetObjectName());
   m_OutputAlgorithm->SetOutput(dataSet);
   m_IsImageGeometrySource = vtkImageData::SafeDownCast(dataSet) != nullptr;
@@ -98,13 +99,14 @@ void VXDataSource::setWrappedGeometry(std::shared_ptr<CV::VtkBridge::WrappedGeom
   m_WrappedGeometry = std::move(wrapped);
   takeDataSet(getOutput());
   const kx::core::DataPath path = importedDataPath();
-  m_QuadViewDisplayText = path.getLength() > 0 ? QString::fromStdString(path.toString("/")) : QString();
+  m_QuadViewDisplayText =
+    path.getLength() > 0 ? QString::fromStdString(path.toString("/")) : QString();
   initializeDataSetInfoWidget();
 }
 
 void VXDataSource::setDataSet(vtkSmartPointer<vtkDataSet> dataSet)
 {
-  if(!m_WrappedGeometry)
+  if (!m_WrappedGeometry)
     m_WrappedGeometry = std::make_shared<CV::VtkBridge::WrappedGeometry>();
   m_WrappedGeometry->DataSet = dataSet;
   takeDataSet(dataSet);
@@ -115,16 +117,16 @@ void VXDataSource::setDataSet(vtkSmartPointer<vtkDataSet> dataSet)
 void VXDataSource::setBaseName(const QString& name)
 {
   VXCoreObject::setBaseName(name);
-  if(vtkDataSet* dataSet = getOutput())
+  if (vtkDataSet* dataSet = getOutput())
     dataSet->SetObjectName(name.toStdString());
 }
 
 void VXDataSource::setVisibility(bool visible)
 {
-  if(isVisible() && !visible)
+  if (isVisible() && !visible)
     Q_EMIT requestClear();
   VXCoreObject::setVisibility(visible);
-  if(visible)
+  if (visible)
     Q_EMIT requestUpdate(pathName(), getOutput());
 }
 
@@ -137,18 +139,18 @@ QMap<QString, QIcon> VXDataSource::getImportedArrayNames() const
 {
   QMap<QString, QIcon> names;
   vtkDataSet* dataSet = getOutput();
-  if(dataSet == nullptr)
+  if (dataSet == nullptr)
     return names;
   const QIcon pointIcon = KXStyle::generateThemeIconFromName("VertexGeometry");
   const QIcon cellIcon = KXStyle::generateThemeIconFromName("Cells");
-  for(int i = 0; i < dataSet->GetPointData()->GetNumberOfArrays(); i++)
+  for (int i = 0; i < dataSet->GetPointData()->GetNumberOfArrays(); i++)
   {
-    if(const char* name = dataSet->GetPointData()->GetArrayName(i))
+    if (const char* name = dataSet->GetPointData()->GetArrayName(i))
       names.insert(QString::fromUtf8(name), pointIcon);
   }
-  for(int i = 0; i < dataSet->GetCellData()->GetNumberOfArrays(); i++)
+  for (int i = 0; i < dataSet->GetCellData()->GetNumberOfArrays(); i++)
   {
-    if(const char* name = dataSet->GetCellData()->GetArrayName(i))
+    if (const char* name = dataSet->GetCellData()->GetArrayName(i))
       names.insert(QString::fromUtf8(name), cellIcon);
   }
   return names;
@@ -157,24 +159,24 @@ QMap<QString, QIcon> VXDataSource::getImportedArrayNames() const
 QList<QString> VXDataSource::getComponentNames(const QString& arrayName) const
 {
   vtkDataSet* dataSet = getOutput();
-  if(dataSet == nullptr || arrayName.isNull())
+  if (dataSet == nullptr || arrayName.isNull())
     return {};
   const std::string name = arrayName.toStdString();
   vtkAbstractArray* array = dataSet->GetPointData()->GetAbstractArray(name.c_str());
-  if(array == nullptr)
+  if (array == nullptr)
     array = dataSet->GetCellData()->GetAbstractArray(name.c_str());
-  if(array == nullptr)
+  if (array == nullptr)
     return {};
   const int components = array->GetNumberOfComponents();
   // a wrapped host float array doesn't claim to be a vtkFloatArray, so it gets the generic names
-  if(components == 3 && array->IsA("vtkUnsignedCharArray"))
-    return {"R", "G", "B", "Magnitude"};
-  if(components == 3 && array->IsA("vtkFloatArray"))
-    return {"X", "Y", "Z", "Magnitude"};
+  if (components == 3 && array->IsA("vtkUnsignedCharArray"))
+    return { "R", "G", "B", "Magnitude" };
+  if (components == 3 && array->IsA("vtkFloatArray"))
+    return { "X", "Y", "Z", "Magnitude" };
   QList<QString> names;
-  for(int c = 0; c < components; c++)
+  for (int c = 0; c < components; c++)
     names.append(QString("Comp %1").arg(c));
-  if(components >= 2)
+  if (components >= 2)
     names.append("Magnitude");
   return names;
 }
@@ -201,7 +203,7 @@ void VXDataSource::setRestoreDefaultPreset()
 {
   m_UsingDefaultPreset = true;
   Q_EMIT restoreDefaultPresetColors();
-  if(m_ColorsInverted)
+  if (m_ColorsInverted)
     Q_EMIT invertColorMap(true);
 }
 
@@ -210,14 +212,14 @@ void VXDataSource::applyPreset(const ColorPreset& preset, const QPixmap&)
   m_CurrentPreset = preset;
   m_UsingDefaultPreset = false;
   Q_EMIT loadPresetColors(m_CurrentPreset);
-  if(m_ColorsInverted)
+  if (m_ColorsInverted)
     Q_EMIT invertColorMap(true);
   Q_EMIT presetApplied(QString::fromStdString(preset.name));
 }
 
 void VXDataSource::triggerColorSettingsChange()
 {
-  if(m_UsingDefaultPreset)
+  if (m_UsingDefaultPreset)
     Q_EMIT restoreDefaultPresetColors();
   else
     Q_EMIT loadPresetColors(m_CurrentPreset);
@@ -235,22 +237,26 @@ void VXDataSource::readSettings()
 {
   QtKXSettings settings;
   beginSettingsGroup(settings, typeName());
-  if(settings.contains("solid_color_r") && settings.contains("solid_color_g") && settings.contains("solid_color_b"))
-    m_SolidColor = QColor(settings.value("solid_color_r", 255).toInt(), settings.value("solid_color_g", 255).toInt(),
+  if (settings.contains("solid_color_r") && settings.contains("solid_color_g") &&
+      settings.contains("solid_color_b"))
+    m_SolidColor = QColor(settings.value("solid_color_r", 255).toInt(),
+                          settings.value("solid_color_g", 255).toInt(),
                           settings.value("solid_color_b", 255).toInt());
-  if(settings.contains("nan_color_r") && settings.contains("nan_color_g") && settings.contains("nan_color_b"))
-    m_NanColor = QColor(settings.value("nan_color_r", 255).toInt(), settings.value("nan_color_g", 255).toInt(),
-                        settings.value("nan_color_b", 255).toInt());
-  if(settings.contains("color_preset"))
+  if (settings.contains("nan_color_r") && settings.contains("nan_color_g") &&
+      settings.contains("nan_color_b"))
+    m_NanColor =
+      QColor(settings.value("nan_color_r", 255).toInt(), settings.value("nan_color_g", 255).toInt(),
+             settings.value("nan_color_b", 255).toInt());
+  if (settings.contains("color_preset"))
   {
     const std::string text = settings.value("color_preset", QString()).toString().toStdString();
     const nlohmann::json json = nlohmann::json::parse(text, nullptr, false);
-    if(!json.is_discarded() && json.is_object())
+    if (!json.is_discarded() && json.is_object())
       m_CurrentPreset = ColorPreset(json);
   }
-  if(settings.contains("using_default_preset"))
+  if (settings.contains("using_default_preset"))
     m_UsingDefaultPreset = settings.value("using_default_preset", true).toBool();
-  if(settings.contains("color_map_inverted"))
+  if (settings.contains("color_map_inverted"))
     m_ColorsInverted = settings.value("color_map_inverted", false).toBool();
 }
 
@@ -259,20 +265,21 @@ void VXDataSource::writeSettings()
   VXUserPrompt::Question question;
   question.icon = QMessageBox::Information;
   question.title = "Save Default Settings";
-  question.text = "Do you want to save the current data source setting values as the default values for all data sources?";
+  question.text = "Do you want to save the current data source setting values as the default "
+                  "values for all data sources?";
   question.buttons = QMessageBox::Yes | QMessageBox::No | QMessageBox::Reset;
   question.defaultButton = QMessageBox::Yes;
   const auto answer = VXUserPrompt::ask(nullptr, question);
-  if(answer == QMessageBox::No)
+  if (answer == QMessageBox::No)
     return;
   QtKXSettings settings;
   beginSettingsGroup(settings, typeName());
-  if(answer == QMessageBox::Reset)
+  if (answer == QMessageBox::Reset)
   {
     settings.clearGroup();
     return;
   }
-  if(answer != QMessageBox::Yes)
+  if (answer != QMessageBox::Yes)
     return;
   settings.setValue("solid_color_r", m_SolidColor.red());
   settings.setValue("solid_color_g", m_SolidColor.green());
@@ -285,7 +292,8 @@ void VXDataSource::writeSettings()
   settings.setValue("color_map_inverted", m_ColorsInverted);
 }
 
-void VXDataSource::write(nlohmann::json& output, const QMap<VXAbstractViewWidget*, int>& viewIndices) const
+void VXDataSource::write(nlohmann::json& output,
+                         const QMap<VXAbstractViewWidget*, int>& viewIndices) const
 {
   VXCoreObject::write(output, viewIndices);
   output["core_object_name"] = m_BaseName.toStdString();
@@ -305,28 +313,32 @@ void VXDataSource::write(nlohmann::json& output, const QMap<VXAbstractViewWidget
 void VXDataSource::read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views)
 {
   VXCoreObject::read(input, views);
-  if(!input.is_object())
+  if (!input.is_object())
     return;
-  if(auto iter = input.find("core_object_name"); iter != input.end() && iter->is_string())
+  if (auto iter = input.find("core_object_name"); iter != input.end() && iter->is_string())
     setBaseName(QString::fromStdString(iter->get<std::string>()));
-  if(auto iter = input.find("imported_data_path"); iter != input.end() && iter->is_string())
+  if (auto iter = input.find("imported_data_path"); iter != input.end() && iter->is_string())
   {
-    if(auto path = kx::core::DataPath::FromString(iter->get<std::string>(), '/'))
+    if (auto path = kx::core::DataPath::FromString(iter->get<std::string>(), '/'))
     {
-      if(!m_WrappedGeometry)
+      if (!m_WrappedGeometry)
         m_WrappedGeometry = std::make_shared<CV::VtkBridge::WrappedGeometry>();
       m_WrappedGeometry->Path = *path;
     }
   }
-  readColor(input, "data_source_solid_color_r", "data_source_solid_color_g", "data_source_solid_color_b", m_SolidColor);
-  readColor(input, "data_source_nan_color_r", "data_source_nan_color_g", "data_source_nan_color_b", m_NanColor);
-  if(auto iter = input.find("data_source_using_default_preset"); iter != input.end() && iter->is_boolean())
+  readColor(input, "data_source_solid_color_r", "data_source_solid_color_g",
+            "data_source_solid_color_b", m_SolidColor);
+  readColor(input, "data_source_nan_color_r", "data_source_nan_color_g", "data_source_nan_color_b",
+            m_NanColor);
+  if (auto iter = input.find("data_source_using_default_preset");
+      iter != input.end() && iter->is_boolean())
     m_UsingDefaultPreset = iter->get<bool>();
-  if(auto iter = input.find("current_preset"); iter != input.end() && iter->is_object())
+  if (auto iter = input.find("current_preset"); iter != input.end() && iter->is_object())
     m_CurrentPreset = ColorPreset(*iter);
-  if(auto iter = input.find("data_source_color_map_inverted"); iter != input.end() && iter->is_boolean())
+  if (auto iter = input.find("data_source_color_map_inverted");
+      iter != input.end() && iter->is_boolean())
     m_ColorsInverted = iter->get<bool>();
-  if(auto iter = input.find("data_source_visibility"); iter != input.end() && iter->is_boolean())
+  if (auto iter = input.find("data_source_visibility"); iter != input.end() && iter->is_boolean())
     setVisibility(iter->get<bool>());
 }
 
@@ -339,27 +351,28 @@ void VXDataSource::copyActiveSettings() const
 
 void VXDataSource::pasteToActiveSettings()
 {
-  const nlohmann::json state = nlohmann::json::parse(QGuiApplication::clipboard()->text().toStdString(), nullptr, false);
-  if(state.is_discarded())
+  const nlohmann::json state =
+    nlohmann::json::parse(QGuiApplication::clipboard()->text().toStdString(), nullptr, false);
+  if (state.is_discarded())
     return;
   // a paste changes the settings, never the identity
   const QString savedName = m_BaseName;
   const kx::core::DataPath savedPath = importedDataPath();
   read(state, {});
   setBaseName(savedName);
-  if(m_WrappedGeometry)
+  if (m_WrappedGeometry)
     m_WrappedGeometry->Path = savedPath;
-  if(!m_SettingsWidget)
+  if (!m_SettingsWidget)
     return;
-  if(m_SolidColorButton)
+  if (m_SolidColorButton)
     m_SolidColorButton->setColor(m_SolidColor);
-  if(m_ColorPresetsDialog)
+  if (m_ColorPresetsDialog)
     m_ColorPresetsDialog->setNanColor(m_NanColor);
-  if(m_UsingDefaultPreset)
+  if (m_UsingDefaultPreset)
     Q_EMIT restoreDefaultPresetColors();
   else
     Q_EMIT loadPresetColors(m_CurrentPreset);
-  if(m_InvertColorButton)
+  if (m_InvertColorButton)
     m_InvertColorButton->setChecked(m_ColorsInverted);
 }
 
@@ -368,7 +381,9 @@ void VXDataSource::initializeSettingsWidget()
   using KXVtkModule::utils::HtmlToolTip;
   auto* saveButton = new KXIconPushButton();
   saveButton->setIcon(KXStyle::generateThemeIconFromName("Save"));
-  saveButton->setToolTip(HtmlToolTip(QString("Save the current settings as the default settings for all %1 types").arg(humanTypeName())));
+  saveButton->setToolTip(
+    HtmlToolTip(QString("Save the current settings as the default settings for all %1 types")
+                  .arg(humanTypeName())));
   connect(saveButton, &QPushButton::clicked, this, &VXDataSource::writeSettings);
   addSettingsWidgetTitle(saveButton, nullptr);
 
@@ -379,14 +394,16 @@ void VXDataSource::initializeSettingsWidget()
   grid->addWidget(new QLabel("Solid Color: ", group), 0, 0);
   m_SolidColorButton = new KXColorButton(group);
   m_SolidColorButton->setColor(m_SolidColor);
-  m_SolidColorButton->setToolTip(HtmlToolTip("Edit the solid color for all child data views not separated from this geometry"));
+  m_SolidColorButton->setToolTip(
+    HtmlToolTip("Edit the solid color for all child data views not separated from this geometry"));
   grid->addWidget(m_SolidColorButton, 0, 1);
 
   m_ColorPresetButton = new KXIconPushButton(group);
   m_ColorPresetButton->setObjectName("m_ColorPresetButton");
   m_ColorPresetButton->setText("Edit");
   m_ColorPresetButton->setIcon(KXStyle::generateThemeIconFromName("preset"));
-  m_ColorPresetButton->setToolTip(HtmlToolTip("Edit the color map for all child data views not separated from this geometry"));
+  m_ColorPresetButton->setToolTip(
+    HtmlToolTip("Edit the color map for all child data views not separated from this geometry"));
   grid->addWidget(m_ColorPresetButton, 1, 0);
 
   m_InvertColorButton = new KXIconPushButton(group);
@@ -394,11 +411,13 @@ void VXDataSource::initializeSettingsWidget()
   m_InvertColorButton->setCheckable(true);
   m_InvertColorButton->setChecked(m_ColorsInverted);
   m_InvertColorButton->setIcon(KXStyle::generateThemeIconFromName("invert"));
-  m_InvertColorButton->setToolTip(HtmlToolTip("Invert the color map for all child data views not separated from this geometry"));
+  m_InvertColorButton->setToolTip(
+    HtmlToolTip("Invert the color map for all child data views not separated from this geometry"));
   grid->addWidget(m_InvertColorButton, 1, 1);
 
   m_SyncButton = new QPushButton("Sync", group);
-  m_SyncButton->setToolTip(HtmlToolTip("Recursively change all child data view color map settings to match this geometry"));
+  m_SyncButton->setToolTip(HtmlToolTip(
+    "Recursively change all child data view color map settings to match this geometry"));
   grid->addWidget(m_SyncButton, 1, 2);
   contentLayout->addWidget(group);
   contentLayout->addStretch(1);
@@ -407,10 +426,12 @@ void VXDataSource::initializeSettingsWidget()
   m_ColorPresetsDialog = new ColorPresetsDialog();
   m_ColorPresetsDialog->setNanColor(m_NanColor);
   connect(m_SolidColorButton, &KXColorButton::changedColor, this, &VXDataSource::setSolidColor);
-  connect(m_ColorPresetsDialog, &ColorPresetsDialog::nanColorChanged, this, &VXDataSource::setNanColor);
+  connect(m_ColorPresetsDialog, &ColorPresetsDialog::nanColorChanged, this,
+          &VXDataSource::setNanColor);
   connect(m_ColorPresetsDialog, &ColorPresetsDialog::presetSelected, this,
           [this](const ColorPreset& preset) { applyPreset(preset, QPixmap()); });
-  connect(m_ColorPresetsDialog, &ColorPresetsDialog::restoreDefaultPreset, this, &VXDataSource::setRestoreDefaultPreset);
+  connect(m_ColorPresetsDialog, &ColorPresetsDialog::restoreDefaultPreset, this,
+          &VXDataSource::setRestoreDefaultPreset);
   connect(m_ColorPresetButton, &QPushButton::clicked, m_ColorPresetsDialog, &QWidget::show);
   connect(m_InvertColorButton, &QPushButton::clicked, this, &VXDataSource::setColorsInverted);
   connect(m_SyncButton, &QPushButton::clicked, this, &VXDataSource::syncChildColorMaps);
@@ -418,14 +439,14 @@ void VXDataSource::initializeSettingsWidget()
 
 void VXDataSource::initializeDataSetInfoWidget()
 {
-  if(!m_DataSetInfoWidget)
+  if (!m_DataSetInfoWidget)
     m_DataSetInfoWidget = QSharedPointer<VXDatasetInfoWidget>(new VXDatasetInfoWidget());
   m_DataSetInfoWidget->updateDatasetInfo(getOutput());
 }
 
 VXDatasetInfoWidget* VXDataSource::getDataSetInfoWidget()
 {
-  if(!m_DataSetInfoWidget)
+  if (!m_DataSetInfoWidget)
     initializeDataSetInfoWidget();
   return m_DataSetInfoWidget.data();
 }
@@ -437,6 +458,6 @@ void VXDataSource::showDataSetInfoWidget()
 
 void VXDataSource::updateDataSetInfoWidget()
 {
-  if(m_DataSetInfoWidget)
+  if (m_DataSetInfoWidget)
     m_DataSetInfoWidget->updateDatasetInfo(getOutput());
 }

@@ -36,7 +36,8 @@ public:
   explicit VXDataSource(QObject* parent = nullptr);
   ~VXDataSource() override;
 
-  void write(nlohmann::json& output, const QMap<VXAbstractViewWidget*, int>& viewIndices) const override;
+  void write(nlohmann::json& output,
+             const QMap<VXAbstractViewWidget*, int>& viewIndices) const override;
   void read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views) override;
   QString humanTypeName() override { return "Data Source"; }
   QString typeName() override { return QString::fromUtf8(k_TypeName.data(), k_TypeName.size()); }
@@ -57,7 +58,10 @@ public:
   /** Takes a data set that has no host path (read from a VTK or image file). */
   void setDataSet(vtkSmartPointer<vtkDataSet> dataSet);
   vtkDataSet* getOutput() const;
-  std::shared_ptr<CV::VtkBridge::WrappedGeometry> wrappedGeometry() const { return m_WrappedGeometry; }
+  std::shared_ptr<CV::VtkBridge::WrappedGeometry> wrappedGeometry() const
+  {
+    return m_WrappedGeometry;
+  }
   /** The geometry's path in the host structure; empty for a file data set. */
   kx::core::DataPath importedDataPath() const;
   /** Array names with their icons: point arrays, then cell arrays. */
@@ -86,7 +90,8 @@ public Q_SLOTS:
   /** Toggles the inversion of the colour map. */
   void setColorsInverted();
   void setRestoreDefaultPreset();
-  void applyPreset(const kx::core::ColorTableUtilities::ColorPreset& preset, const QPixmap& pixmap = QPixmap());
+  void applyPreset(const kx::core::ColorTableUtilities::ColorPreset& preset,
+                   const QPixmap& pixmap = QPixmap());
   /** Replays the whole colour state to the children. */
   void triggerColorSettingsChange();
 

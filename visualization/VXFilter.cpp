@@ -1,7 +1,7 @@
 #include "visualization/VXFilter.hpp"
 
 VXFilter::VXFilter(QObject* parent)
-: VXCoreObject(parent)
+  : VXCoreObject(parent)
 {
 }
 

@@ -8,6 +8,6 @@ vtkStandardNewMacro(VXFrameRateCallback);
 void VXFrameRateCallback::Execute(vtkObject* caller, unsigned long /*eventId*/, void* /*callData*/)
 {
   auto* renderer = vtkRenderer::SafeDownCast(caller);
-  if(renderer == nullptr)
+  if (renderer == nullptr)
     return;
 }

@@ -1,7 +1,7 @@
 #include "visualization/VXGlobalSource.hpp"
 
 VXGlobalSource::VXGlobalSource(QObject* parent)
-: VXCoreObject(parent)
+  : VXCoreObject(parent)
 {
 }
 

@@ -15,6 +15,7 @@ public:
   ~VXGlobalSource() override;
 
   void setNameSuffix(int suffix) { setNameSuffixCounter(suffix); }
-  /** Forgets the settings page, so that the next ask builds a new one; the old page stays with its owner. */
+  /** Forgets the settings page, so that the next ask builds a new one; the old page stays with its
+   * owner. */
   void releaseSettingsWidget() { m_SettingsWidget.clear(); }
 };

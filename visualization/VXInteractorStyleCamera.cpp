@@ -22,18 +22,20 @@
 vtkStandardNewMacro(VXInteractorStyleCamera);
 
 VXInteractorStyleCamera::VXInteractorStyleCamera()
-: m_Transform(vtkSmartPointer<vtkTransform>::New())
-, m_RotationTransform(vtkSmartPointer<vtkTransform>::New())
+  : m_Transform(vtkSmartPointer<vtkTransform>::New())
+  , m_RotationTransform(vtkSmartPointer<vtkTransform>::New())
 {
   // The style announces the end of a rotation, pan or zoom on itself; listeners
   // of the view (data views going back to full geometry) watch the interactor.
   m_EndInteractionForwarder = vtkSmartPointer<vtkCallbackCommand>::New();
   m_EndInteractionForwarder->SetClientData(this);
-  m_EndInteractionForwarder->SetCallback([](vtkObject*, unsigned long, void* clientData, void*) {
-    auto* style = static_cast<VXInteractorStyleCamera*>(clientData);
-    if(style->Interactor != nullptr)
-      style->Interactor->InvokeEvent(vtkCommand::EndInteractionEvent);
-  });
+  m_EndInteractionForwarder->SetCallback(
+    [](vtkObject*, unsigned long, void* clientData, void*)
+    {
+      auto* style = static_cast<VXInteractorStyleCamera*>(clientData);
+      if (style->Interactor != nullptr)
+        style->Interactor->InvokeEvent(vtkCommand::EndInteractionEvent);
+    });
   AddObserver(vtkCommand::EndInteractionEvent, m_EndInteractionForwarder);
 }
 
@@ -41,29 +43,29 @@ VXInteractorStyleCamera::~VXInteractorStyleCamera() = default;
 
 void VXInteractorStyleCamera::getCenterOfRotation(double center[3]) const
 {
-  for(int i = 0; i < 3; ++i)
+  for (int i = 0; i < 3; ++i)
     center[i] = m_CenterOfRotation[i];
 }
 
 void VXInteractorStyleCamera::setCenterOfRotation(const double center[3])
 {
-  for(int i = 0; i < 3; ++i)
+  for (int i = 0; i < 3; ++i)
     m_CenterOfRotation[i] = center[i];
 }
 
 void VXInteractorStyleCamera::OnKeyPress()
 {
-  if(Interactor != nullptr)
+  if (Interactor != nullptr)
   {
     const char* keySym = Interactor->GetKeySym();
     const std::string key = keySym != nullptr ? keySym : "";
     const char code = Interactor->GetKeyCode();
-    if(key == "1" || code == '1')
+    if (key == "1" || code == '1')
     {
       m_Pick1Mode = true;
       m_Pick2Mode = false;
     }
-    else if(key == "2" || code == '2')
+    else if (key == "2" || code == '2')
     {
       m_Pick2Mode = true;
       m_Pick1Mode = false;
@@ -74,12 +76,12 @@ void VXInteractorStyleCamera::OnKeyPress()
 
 void VXInteractorStyleCamera::OnKeyRelease()
 {
-  if(Interactor != nullptr)
+  if (Interactor != nullptr)
   {
     const char* keySym = Interactor->GetKeySym();
     const std::string key = keySym != nullptr ? keySym : "";
     const char code = Interactor->GetKeyCode();
-    if(key == "1" || key == "2" || code == '1' || code == '2')
+    if (key == "1" || key == "2" || code == '1' || code == '2')
     {
       m_Pick1Mode = false;
       m_Pick2Mode = false;
@@ -91,55 +93,55 @@ void VXInteractorStyleCamera::OnKeyRelease()
 void VXInteractorStyleCamera::OnLeftButtonDown()
 {
   // in the 2D image mode nothing may start a rotation: that is the 2D lock
-  if(GetInteractionMode() == VTKIS_IMAGE3D)
+  if (GetInteractionMode() == VTKIS_IMAGE3D)
     vtkInteractorStyleTrackballCamera::OnLeftButtonDown();
   updateLinkedRenderWindows();
-  if(m_Pick1Mode || m_Pick2Mode || m_CellPickMode)
+  if (m_Pick1Mode || m_Pick2Mode || m_CellPickMode)
     InvokeEvent(vtkCommand::PickEvent, nullptr);
 }
 
 void VXInteractorStyleCamera::OnRightButtonDown()
 {
-  if(GetInteractionMode() == VTKIS_IMAGE2D)
+  if (GetInteractionMode() == VTKIS_IMAGE2D)
     vtkInteractorStyleImage::OnRightButtonDown();
   else
     vtkInteractorStyleTrackballCamera::OnRightButtonDown();
   updateLinkedRenderWindows();
-  if(m_Pick1Mode || m_Pick2Mode || m_CellPickMode)
+  if (m_Pick1Mode || m_Pick2Mode || m_CellPickMode)
     InvokeEvent(vtkCommand::PickEvent, nullptr);
 }
 
 void VXInteractorStyleCamera::OnMouseMove()
 {
-  if(GetInteractionMode() == VTKIS_IMAGE2D)
+  if (GetInteractionMode() == VTKIS_IMAGE2D)
     vtkInteractorStyleImage::OnMouseMove();
   else
     vtkInteractorStyleTrackballCamera::OnMouseMove();
-  if(m_ViewWidget != nullptr)
+  if (m_ViewWidget != nullptr)
     updateLinkedRenderWindows();
 }
 
 void VXInteractorStyleCamera::OnMouseWheelForward()
 {
   vtkInteractorStyleTrackballCamera::OnMouseWheelForward();
-  if(m_ViewWidget != nullptr)
+  if (m_ViewWidget != nullptr)
     updateLinkedRenderWindows();
 }
 
 void VXInteractorStyleCamera::OnMouseWheelBackward()
 {
   vtkInteractorStyleTrackballCamera::OnMouseWheelBackward();
-  if(m_ViewWidget != nullptr)
+  if (m_ViewWidget != nullptr)
     updateLinkedRenderWindows();
 }
 
 void VXInteractorStyleCamera::Rotate()
 {
-  if(CurrentRenderer == nullptr || Interactor == nullptr)
+  if (CurrentRenderer == nullptr || Interactor == nullptr)
     return;
   vtkRenderWindowInteractor* rwi = Interactor;
   const int* size = CurrentRenderer->GetRenderWindow()->GetSize();
-  if(size[0] == 0 || size[1] == 0)
+  if (size[0] == 0 || size[1] == 0)
     return;
 
   const int dx = rwi->GetEventPosition()[0] - rwi->GetLastEventPosition()[0];
@@ -160,10 +162,10 @@ void VXInteractorStyleCamera::Rotate()
   double right[3];
   vtkMath::Cross(direction, viewUp, right);
   // a view up along the view direction leaves no axis to turn around
-  if(vtkMath::Norm(right) < 1e-8)
+  if (vtkMath::Norm(right) < 1e-8)
     return;
   vtkMath::Normalize(right);
-  const double minusRight[3] = {-right[0], -right[1], -right[2]};
+  const double minusRight[3] = { -right[0], -right[1], -right[2] };
 
   m_Transform->Identity();
   m_Transform->Translate(m_CenterOfRotation[0], m_CenterOfRotation[1], m_CenterOfRotation[2]);
@@ -186,19 +188,19 @@ void VXInteractorStyleCamera::Rotate()
   camera->SetViewUp(newViewUp);
   camera->OrthogonalizeViewUp();
 
-  if(AutoAdjustCameraClippingRange)
+  if (AutoAdjustCameraClippingRange)
     CurrentRenderer->ResetCameraClippingRange();
-  if(rwi->GetLightFollowCamera())
+  if (rwi->GetLightFollowCamera())
     CurrentRenderer->UpdateLightsGeometryToFollowCamera();
   rwi->Render();
 }
 
 void VXInteractorStyleCamera::Dolly()
 {
-  if(CurrentRenderer == nullptr || Interactor == nullptr)
+  if (CurrentRenderer == nullptr || Interactor == nullptr)
     return;
   const double* center = CurrentRenderer->GetCenter();
-  if(center[1] == 0.0)
+  if (center[1] == 0.0)
     return;
   const int dy = Interactor->GetEventPosition()[1] - Interactor->GetLastEventPosition()[1];
   const double factor = std::pow(1.1, dy * MotionFactor / center[1]);
@@ -227,14 +229,14 @@ bool VXInteractorStyleCamera::shiftKey() const
 
 void VXInteractorStyleCamera::updateLinkedRenderWindows()
 {
-  if(m_ViewWidget == nullptr)
+  if (m_ViewWidget == nullptr)
     return;
   VXVisualizationWidget* own = m_ViewWidget->getVisualizationWidget();
-  if(own == nullptr)
+  if (own == nullptr)
     return;
-  for(VXVisualizationWidget* linked : own->getLinkedWidgets())
+  for (VXVisualizationWidget* linked : own->getLinkedWidgets())
   {
-    if(linked != nullptr && linked != own)
+    if (linked != nullptr && linked != own)
       linked->render();
   }
 }

@@ -80,7 +80,7 @@ private:
   bool m_Pick1Mode = false;
   bool m_Pick2Mode = false;
   bool m_CellPickMode = false;
-  double m_CenterOfRotation[3] = {0.0, 0.0, 0.0};
+  double m_CenterOfRotation[3] = { 0.0, 0.0, 0.0 };
   // reused through a drag so that a rotation step allocates nothing
   vtkSmartPointer<vtkTransform> m_Transform;
   vtkSmartPointer<vtkTransform> m_RotationTransform;

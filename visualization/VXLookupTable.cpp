@@ -22,9 +22,9 @@
 using kx::core::ColorTableUtilities::ColorPreset;
 
 const std::vector<VXLookupTable::RgbPos_t> VXLookupTable::m_DefaultRgbPosVec = {
-  {0.0, 0.231373, 0.298039, 0.752941},
-  {0.5, 0.865003, 0.865003, 0.865003},
-  {1.0, 0.705882, 0.0156863, 0.14902},
+  { 0.0, 0.231373, 0.298039, 0.752941 },
+  { 0.5, 0.865003, 0.865003, 0.865003 },
+  { 1.0, 0.705882, 0.0156863, 0.14902 },
 };
 
 const QList<QColor> VXLookupTable::m_DefaultIndexedColors = {
@@ -57,7 +57,7 @@ struct IndexedEntry
 {
   double value = 0.0;
   QString label;
-  double rgb[3] = {0.0, 0.0, 0.0};
+  double rgb[3] = { 0.0, 0.0, 0.0 };
 };
 
 /**
@@ -68,10 +68,9 @@ struct IndexedEntry
  */
 void AddIndexedEntries(vtkColorTransferFunction* ctf, std::vector<IndexedEntry>& entries)
 {
-  std::stable_sort(entries.begin(),
-                   entries.end(),
+  std::stable_sort(entries.begin(), entries.end(),
                    [](const IndexedEntry& a, const IndexedEntry& b) { return a.value < b.value; });
-  for(const IndexedEntry& entry : entries)
+  for (const IndexedEntry& entry : entries)
   {
     ctf->SetAnnotation(vtkVariant(entry.value), entry.label.toStdString());
     ctf->AddRGBPoint(entry.value, entry.rgb[0], entry.rgb[1], entry.rgb[2]);
@@ -82,15 +81,15 @@ void AddIndexedEntries(vtkColorTransferFunction* ctf, std::vector<IndexedEntry>&
 bool ParseRow(const QString& row, double out[4])
 {
   const QStringList parts = row.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-  if(parts.size() != 4)
+  if (parts.size() != 4)
   {
     return false;
   }
-  for(int i = 0; i < 4; ++i)
+  for (int i = 0; i < 4; ++i)
   {
     bool ok = false;
     out[i] = parts[i].trimmed().toDouble(&ok);
-    if(!ok)
+    if (!ok)
     {
       return false;
     }
@@ -107,7 +106,7 @@ int FieldCount(const QString& row)
 // the JSON library's type error, which the caller sees.
 double AnnotationValue(const nlohmann::json& entry)
 {
-  if(entry.is_string())
+  if (entry.is_string())
   {
     return QString::fromStdString(entry.get<std::string>()).toDouble();
   }
@@ -116,7 +115,7 @@ double AnnotationValue(const nlohmann::json& entry)
 
 QString AnnotationLabel(const nlohmann::json& entry)
 {
-  if(entry.is_number())
+  if (entry.is_number())
   {
     return NumberText(entry.get<double>());
   }
@@ -126,12 +125,12 @@ QString AnnotationLabel(const nlohmann::json& entry)
 /** The colour of preset colour @p k, wrapping round short presets; black without colours. */
 void WrappedPresetColor(const std::vector<float>& colors, size_t k, double rgb[3])
 {
-  if(colors.empty())
+  if (colors.empty())
   {
     rgb[0] = rgb[1] = rgb[2] = 0.0;
     return;
   }
-  for(size_t j = 0; j < 3; ++j)
+  for (size_t j = 0; j < 3; ++j)
   {
     rgb[j] = colors[(3 * k + j) % colors.size()];
   }
@@ -144,7 +143,7 @@ bool HasAnnotations(const ColorPreset& preset)
 
 void NanColorOf(const ColorPreset& preset, const double current[3], double nan[3])
 {
-  for(int j = 0; j < 3; ++j)
+  for (int j = 0; j < 3; ++j)
   {
     nan[j] = preset.nanColor.size() >= 3 ? static_cast<double>(preset.nanColor[j]) : current[j];
   }
@@ -153,20 +152,17 @@ void NanColorOf(const ColorPreset& preset, const double current[3], double nan[3
 VXLookupTable::UserAnswer ShowMessageBox(const VXLookupTable::UserQuestion& question)
 {
   const bool warning = question.kind == VXLookupTable::UserQuestion::Kind::Warning;
-  QMessageBox box(warning ? QMessageBox::Warning : QMessageBox::Question,
-                  question.title,
-                  question.text,
-                  QMessageBox::NoButton,
-                  QApplication::activeWindow());
+  QMessageBox box(warning ? QMessageBox::Warning : QMessageBox::Question, question.title,
+                  question.text, QMessageBox::NoButton, QApplication::activeWindow());
   QList<QAbstractButton*> buttons;
-  for(const QString& text : question.buttons)
+  for (const QString& text : question.buttons)
   {
     const auto role =
       text == VXLookupTable::k_CancelButton ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
     buttons.append(box.addButton(text, role));
   }
   QCheckBox* checkBox = nullptr;
-  if(!question.checkBoxText.isEmpty())
+  if (!question.checkBoxText.isEmpty())
   {
     checkBox = new QCheckBox(question.checkBoxText, &box);
     box.setCheckBox(checkBox);
@@ -180,8 +176,8 @@ VXLookupTable::UserAnswer ShowMessageBox(const VXLookupTable::UserQuestion& ques
 } // namespace
 
 VXLookupTable::VXLookupTable(QObject* parent)
-: QObject(parent)
-, m_ColorTransferFunction(vtkSmartPointer<vtkColorTransferFunction>::New())
+  : QObject(parent)
+  , m_ColorTransferFunction(vtkSmartPointer<vtkColorTransferFunction>::New())
 {
   createDefaultRgbColorTransferFunction();
 }
@@ -205,7 +201,7 @@ void VXLookupTable::addRgbPoint(RgbPos_t point)
 
 void VXLookupTable::copy(const VXLookupTable& other)
 {
-  if(&other == this)
+  if (&other == this)
   {
     return;
   }
@@ -214,7 +210,7 @@ void VXLookupTable::copy(const VXLookupTable& other)
   const auto otherNodes = other.nodes();
   m_ColorTransferFunction->RemoveAllPoints();
   m_ColorTransferFunction->SetIndexedLookup(source->GetIndexedLookup());
-  for(const auto& node : otherNodes)
+  for (const auto& node : otherNodes)
   {
     m_ColorTransferFunction->AddRGBPoint(node[0], node[1], node[2], node[3], node[4], node[5]);
   }
@@ -234,25 +230,25 @@ VXLookupTable* VXLookupTable::deepCopy() const
 
 bool VXLookupTable::equals(VXLookupTable* other) const
 {
-  if(other == nullptr)
+  if (other == nullptr)
   {
     return false;
   }
-  if(other == this)
+  if (other == this)
   {
     return true;
   }
   const auto mine = nodes();
   const auto theirs = other->nodes();
-  if(mine.size() != theirs.size() || getRange() != other->getRange())
+  if (mine.size() != theirs.size() || getRange() != other->getRange())
   {
     return false;
   }
-  for(size_t i = 0; i < mine.size(); ++i)
+  for (size_t i = 0; i < mine.size(); ++i)
   {
-    for(size_t j = 0; j < 4; ++j)
+    for (size_t j = 0; j < 4; ++j)
     {
-      if(mine[i][j] != theirs[i][j])
+      if (mine[i][j] != theirs[i][j])
       {
         return false;
       }
@@ -268,7 +264,7 @@ vtkColorTransferFunction* VXLookupTable::getColorTransferFunction() const
 
 void VXLookupTable::setColorTransferFunction(vtkColorTransferFunction* ctf)
 {
-  if(ctf == nullptr)
+  if (ctf == nullptr)
   {
     return;
   }
@@ -288,8 +284,7 @@ QList<QString> VXLookupTable::getIndexedPresetArray() const
 
 QColor VXLookupTable::getNANColor() const
 {
-  return QColor::fromRgbF(static_cast<float>(m_NanColor[0]),
-                          static_cast<float>(m_NanColor[1]),
+  return QColor::fromRgbF(static_cast<float>(m_NanColor[0]), static_cast<float>(m_NanColor[1]),
                           static_cast<float>(m_NanColor[2]));
 }
 
@@ -308,17 +303,17 @@ void VXLookupTable::setNANColor(const double color[3])
 std::array<double, 2> VXLookupTable::getRange() const
 {
   const double* range = m_ColorTransferFunction->GetRange();
-  return {range[0], range[1]};
+  return { range[0], range[1] };
 }
 
 void VXLookupTable::setRange(double min, double max)
 {
-  if(m_ColorTransferFunction->GetIndexedLookup() != 0 || min > max || std::isnan(min) ||
-     std::isnan(max))
+  if (m_ColorTransferFunction->GetIndexedLookup() != 0 || min > max || std::isnan(min) ||
+      std::isnan(max))
   {
     return;
   }
-  if(min == max)
+  if (min == max)
   {
     // a constant array still needs a valid two-point function
     double rgb[3];
@@ -333,10 +328,10 @@ void VXLookupTable::setRange(double min, double max)
   const auto range = getRange();
   const double width = range[1] - range[0];
   auto points = nodes();
-  if(points.size() > 2 || width >= 1e-10)
+  if (points.size() > 2 || width >= 1e-10)
   {
     const double divisor = width == 0.0 ? 1.0 : width;
-    for(auto& node : points)
+    for (auto& node : points)
     {
       node[0] = (node[0] - range[0]) / divisor;
     }
@@ -345,21 +340,21 @@ void VXLookupTable::setRange(double min, double max)
   {
     // a collapsed function has no shape left to stretch
     points.clear();
-    for(const RgbPos_t& point : m_DefaultRgbPosVec)
+    for (const RgbPos_t& point : m_DefaultRgbPosVec)
     {
-      points.push_back({point.pos, point.r, point.g, point.b, 0.5, 0.0});
+      points.push_back({ point.pos, point.r, point.g, point.b, 0.5, 0.0 });
     }
   }
   m_ColorTransferFunction->RemoveAllPoints();
-  for(const auto& node : points)
+  for (const auto& node : points)
   {
     // the end points land exactly on the bounds, so the data's extremes stay in range
     double x = (max - min) * node[0] + min;
-    if(node[0] == 0.0)
+    if (node[0] == 0.0)
     {
       x = min;
     }
-    else if(node[0] == 1.0)
+    else if (node[0] == 1.0)
     {
       x = max;
     }
@@ -378,12 +373,12 @@ void VXLookupTable::invert()
   const auto points = nodes();
   const size_t n = points.size();
   m_ColorTransferFunction->RemoveAllPoints();
-  for(size_t k = 0; k < n; ++k)
+  for (size_t k = 0; k < n; ++k)
   {
     const auto& position = points[k];
     const auto& color = points[n - 1 - k];
-    m_ColorTransferFunction->AddRGBPoint(
-      position[0], color[1], color[2], color[3], position[4], position[5]);
+    m_ColorTransferFunction->AddRGBPoint(position[0], color[1], color[2], color[3], position[4],
+                                         position[5]);
   }
   refresh();
   m_IsInverted = !m_IsInverted;
@@ -401,22 +396,22 @@ void VXLookupTable::parseRgbArray(const QList<QString>& rows)
   const bool hadPoints = m_ColorTransferFunction->GetSize() > 0;
   auto range = getRange();
 
-  if(rows.isEmpty() || rows.first() == k_DefaultPresetName)
+  if (rows.isEmpty() || rows.first() == k_DefaultPresetName)
   {
     createDefaultRgbColorTransferFunction();
   }
   else
   {
-    if(FieldCount(rows.first()) != 4)
+    if (FieldCount(rows.first()) != 4)
     {
       return;
     }
     m_ColorPresetArray = rows;
     m_ColorTransferFunction->RemoveAllPoints();
-    for(const QString& row : rows)
+    for (const QString& row : rows)
     {
       double fields[4];
-      if(ParseRow(row, fields))
+      if (ParseRow(row, fields))
       {
         m_ColorTransferFunction->AddRGBPoint(fields[0], fields[1], fields[2], fields[3]);
       }
@@ -425,7 +420,7 @@ void VXLookupTable::parseRgbArray(const QList<QString>& rows)
   }
 
   // an empty function had no range worth keeping: the rows' own positions stand
-  if(hadPoints)
+  if (hadPoints)
   {
     setRange(range.data());
   }
@@ -439,9 +434,9 @@ void VXLookupTable::parseRgbJson(const ColorPreset& preset)
 {
   std::vector<RgbPos_t> points;
   const auto& values = preset.rgbPoints;
-  for(size_t i = 0; i + 3 < values.size(); i += 4)
+  for (size_t i = 0; i + 3 < values.size(); i += 4)
   {
-    points.push_back({values[i], values[i + 1], values[i + 2], values[i + 3]});
+    points.push_back({ values[i], values[i + 1], values[i + 2], values[i + 3] });
   }
   setRgbPoints(points);
 }
@@ -455,7 +450,7 @@ void VXLookupTable::setRgbPoints(const std::vector<RgbPos_t>& points)
   auto range = getRange();
   m_ColorTransferFunction->RemoveAllPoints();
 
-  for(const RgbPos_t& point : points)
+  for (const RgbPos_t& point : points)
   {
     m_ColorTransferFunction->AddRGBPoint(point.pos, point.r, point.g, point.b);
     m_ColorPresetArray.append(presetRow(point.pos, point.r, point.g, point.b));
@@ -463,7 +458,7 @@ void VXLookupTable::setRgbPoints(const std::vector<RgbPos_t>& points)
   m_ColorTransferFunction->SetColorSpaceToRGB();
 
   // an empty function had no range worth keeping: the preset's own positions stand
-  if(hadPoints)
+  if (hadPoints)
   {
     setRange(range.data());
   }
@@ -478,15 +473,15 @@ void VXLookupTable::parseIndexedArray(const QList<QString>& rows)
   m_ColorTransferFunction->SetIndexedLookup(1);
   m_ColorTransferFunction->ResetAnnotations();
 
-  if(rows.isEmpty() || rows.first() == k_DefaultPresetName)
+  if (rows.isEmpty() || rows.first() == k_DefaultPresetName)
   {
     std::set<double> values;
-    for(const QString& row : rows)
+    for (const QString& row : rows)
     {
       bool ok = false;
       const double value = row.split(QLatin1Char('/'), Qt::SkipEmptyParts).value(0).toDouble(&ok);
       // the "Default" marker row carries no value
-      if(ok && !std::isnan(value))
+      if (ok && !std::isnan(value))
       {
         values.insert(value);
       }
@@ -496,18 +491,18 @@ void VXLookupTable::parseIndexedArray(const QList<QString>& rows)
   }
 
   m_IndexedPresetArray = rows;
-  if(FieldCount(rows.first()) != 4)
+  if (FieldCount(rows.first()) != 4)
   {
     return;
   }
   m_ColorTransferFunction->RemoveAllPoints();
   std::vector<IndexedEntry> entries;
-  for(const QString& row : rows)
+  for (const QString& row : rows)
   {
     double fields[4];
-    if(ParseRow(row, fields))
+    if (ParseRow(row, fields))
     {
-      entries.push_back({fields[0], NumberText(fields[0]), {fields[1], fields[2], fields[3]}});
+      entries.push_back({ fields[0], NumberText(fields[0]), { fields[1], fields[2], fields[3] } });
     }
   }
   AddIndexedEntries(m_ColorTransferFunction, entries);
@@ -516,7 +511,7 @@ void VXLookupTable::parseIndexedArray(const QList<QString>& rows)
 
 void VXLookupTable::generateDefaultIndexedColors(const std::set<double>& values)
 {
-  m_IndexedPresetArray = {k_DefaultPresetName};
+  m_IndexedPresetArray = { k_DefaultPresetName };
   m_ColorTransferFunction->SetIndexedLookup(1);
   m_ColorTransferFunction->ResetAnnotations();
   m_ColorTransferFunction->RemoveAllPoints();
@@ -526,7 +521,7 @@ void VXLookupTable::generateDefaultIndexedColors(const std::set<double>& values)
   // which is what the too-many-values warning tells the user about
   const int step = count > 0 ? k_MaxNumberIndexedColors / count : 0;
   int index = 0;
-  for(const double value : values)
+  for (const double value : values)
   {
     m_ColorTransferFunction->SetAnnotation(vtkVariant(value), NumberText(value).toStdString());
     const vtkColor3d color = Rgb(m_DefaultIndexedColors[index]);
@@ -543,14 +538,14 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset)
   const bool hasAnnotations = HasAnnotations(preset);
 
   m_IndexedPresetArray.clear();
-  if(hasAnnotations)
+  if (hasAnnotations)
   {
-    if(colorCount != preset.annotations.size() / 2)
+    if (colorCount != preset.annotations.size() / 2)
     {
       return;
     }
   }
-  else if(m_ColorTransferFunction->GetSize() == 0)
+  else if (m_ColorTransferFunction->GetSize() == 0)
   {
     return;
   }
@@ -558,15 +553,15 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset)
   double nan[3];
   NanColorOf(preset, m_NanColor, nan);
 
-  if(hasAnnotations)
+  if (hasAnnotations)
   {
     std::vector<IndexedEntry> entries;
-    for(size_t k = 0; k < colorCount; ++k)
+    for (size_t k = 0; k < colorCount; ++k)
     {
       IndexedEntry entry;
       entry.value = AnnotationValue(preset.annotations[2 * k]);
       entry.label = AnnotationLabel(preset.annotations[2 * k + 1]);
-      for(size_t j = 0; j < 3; ++j)
+      for (size_t j = 0; j < 3; ++j)
       {
         entry.rgb[j] = colors[3 * k + j];
       }
@@ -577,7 +572,7 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset)
     m_ColorTransferFunction->ResetAnnotations();
     m_ColorTransferFunction->SetIndexedLookup(1);
     AddIndexedEntries(m_ColorTransferFunction, entries);
-    for(const IndexedEntry& entry : entries)
+    for (const IndexedEntry& entry : entries)
     {
       m_IndexedPresetArray.append(presetRow(entry.value, entry.rgb[0], entry.rgb[1], entry.rgb[2]));
     }
@@ -586,7 +581,7 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset)
   {
     // keep the annotated values and their labels, recolour them in turn
     std::map<double, QString> labels;
-    for(vtkIdType i = 0; i < m_ColorTransferFunction->GetNumberOfAnnotatedValues(); ++i)
+    for (vtkIdType i = 0; i < m_ColorTransferFunction->GetNumberOfAnnotatedValues(); ++i)
     {
       labels[m_ColorTransferFunction->GetAnnotatedValue(i).ToDouble()] =
         QString::fromStdString(m_ColorTransferFunction->GetAnnotation(i));
@@ -596,7 +591,7 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset)
     m_ColorTransferFunction->ResetAnnotations();
     m_ColorTransferFunction->SetIndexedLookup(1);
     std::vector<IndexedEntry> entries;
-    for(size_t k = 0; k < points.size(); ++k)
+    for (size_t k = 0; k < points.size(); ++k)
     {
       IndexedEntry entry;
       entry.value = points[k][0];
@@ -616,7 +611,7 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset)
 void VXLookupTable::parseIndexedJson(const ColorPreset& preset,
                                      const std::set<double>& uniqueValues)
 {
-  if(uniqueValues.empty())
+  if (uniqueValues.empty())
   {
     parseIndexedJson(preset);
     return;
@@ -624,7 +619,7 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset,
   const std::vector<float>& colors = preset.indexedColors;
   const size_t colorCount = colors.size() / 3;
   const bool hasAnnotations = HasAnnotations(preset);
-  if(hasAnnotations && colorCount != preset.annotations.size() / 2)
+  if (hasAnnotations && colorCount != preset.annotations.size() / 2)
   {
     return;
   }
@@ -639,12 +634,12 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset,
   };
   // read the preset before touching the function, so a malformed one leaves it as it was
   std::map<double, Known> known;
-  if(hasAnnotations)
+  if (hasAnnotations)
   {
-    for(size_t k = 0; k < colorCount; ++k)
+    for (size_t k = 0; k < colorCount; ++k)
     {
-      Known entry{{colors[3 * k], colors[3 * k + 1], colors[3 * k + 2]},
-                  AnnotationLabel(preset.annotations[2 * k + 1])};
+      Known entry{ { colors[3 * k], colors[3 * k + 1], colors[3 * k + 2] },
+                   AnnotationLabel(preset.annotations[2 * k + 1]) };
       known[AnnotationValue(preset.annotations[2 * k])] = entry;
     }
   }
@@ -662,34 +657,34 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset,
   Missing missing = Missing::NotAsked;
   bool generated = false;
   size_t k = 0;
-  for(const double value : uniqueValues)
+  for (const double value : uniqueValues)
   {
     double rgb[3];
     QString label = NumberText(value);
-    if(!hasAnnotations)
+    if (!hasAnnotations)
     {
       WrappedPresetColor(colors, k, rgb);
     }
-    else if(const auto found = known.find(value); found != known.end())
+    else if (const auto found = known.find(value); found != known.end())
     {
       std::copy(std::begin(found->second.rgb), std::end(found->second.rgb), rgb);
       label = found->second.label;
     }
     else
     {
-      if(missing == Missing::NotAsked)
+      if (missing == Missing::NotAsked)
       {
         UserQuestion question;
         question.kind = UserQuestion::Kind::Question;
         question.title = k_MissingValuesTitle;
         question.text = k_MissingValuesText;
-        question.buttons = {k_UseNanColorButton, k_GenerateNewColorsButton, k_CancelButton};
+        question.buttons = { k_UseNanColorButton, k_GenerateNewColorsButton, k_CancelButton };
         const UserAnswer answer = askUser(question);
-        if(answer.button == 0)
+        if (answer.button == 0)
         {
           missing = Missing::UseNan;
         }
-        else if(answer.button == 1)
+        else if (answer.button == 1)
         {
           missing = Missing::Generate;
         }
@@ -701,7 +696,7 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset,
           return;
         }
       }
-      if(missing == Missing::UseNan)
+      if (missing == Missing::UseNan)
       {
         std::copy(nan, nan + 3, rgb);
       }
@@ -722,7 +717,7 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset,
   refresh();
   // the map now describes the data, not a preset
   m_IndexedPresetArray.clear();
-  if(generated)
+  if (generated)
   {
     Q_EMIT syncIndexedColorMap(m_ColorTransferFunction);
   }
@@ -730,9 +725,9 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset,
 
 void VXLookupTable::createDefaultRgbColorTransferFunction()
 {
-  m_ColorPresetArray = {k_DefaultPresetName};
+  m_ColorPresetArray = { k_DefaultPresetName };
   const ColorPreset preset = KXPreferences::getDefaultColorPreset();
-  if(preset.rgbPoints.size() < 4)
+  if (preset.rgbPoints.size() < 4)
   {
     // preferences without a usable map: fall back to the built-in one
     setRgbPoints(m_DefaultRgbPosVec);
@@ -746,7 +741,7 @@ void VXLookupTable::createDefaultRgbColorTransferFunction()
 
 void VXLookupTable::read(const nlohmann::json& json)
 {
-  if(!json.is_object())
+  if (!json.is_object())
   {
     return;
   }
@@ -754,50 +749,47 @@ void VXLookupTable::read(const nlohmann::json& json)
 
   // keys of the wrong type are skipped like missing ones: a damaged state file
   // restores what it can
-  if(const auto it = json.find("indexed_lookup");
-     it != json.end() && (it->is_number() || it->is_boolean()))
+  if (const auto it = json.find("indexed_lookup");
+      it != json.end() && (it->is_number() || it->is_boolean()))
   {
     m_ColorTransferFunction->SetIndexedLookup(it->is_boolean() ? it->get<bool>() : it->get<int>());
   }
-  if(const auto it = json.find("rgb_pos_vector"); it != json.end() && it->is_array())
+  if (const auto it = json.find("rgb_pos_vector"); it != json.end() && it->is_array())
   {
-    for(const auto& point : *it)
+    for (const auto& point : *it)
     {
-      if(point.is_array() && point.size() == 4 &&
-         std::all_of(
-           point.begin(), point.end(), [](const nlohmann::json& v) { return v.is_number(); }))
+      if (point.is_array() && point.size() == 4 &&
+          std::all_of(point.begin(), point.end(),
+                      [](const nlohmann::json& v) { return v.is_number(); }))
       {
-        m_ColorTransferFunction->AddRGBPoint(point[0].get<double>(),
-                                             point[1].get<double>(),
-                                             point[2].get<double>(),
-                                             point[3].get<double>());
+        m_ColorTransferFunction->AddRGBPoint(point[0].get<double>(), point[1].get<double>(),
+                                             point[2].get<double>(), point[3].get<double>());
       }
     }
   }
-  if(const auto it = json.find("color_space"); it != json.end() && it->is_number_integer())
+  if (const auto it = json.find("color_space"); it != json.end() && it->is_number_integer())
   {
     m_ColorTransferFunction->SetColorSpace(it->get<int>());
   }
-  if(const auto it = json.find("lut_is_inverted"); it != json.end() && it->is_boolean())
+  if (const auto it = json.find("lut_is_inverted"); it != json.end() && it->is_boolean())
   {
     m_IsInverted = it->get<bool>();
   }
-  const char* nanKeys[3] = {"lut_nan_color_r", "lut_nan_color_g", "lut_nan_color_b"};
-  if(std::all_of(std::begin(nanKeys),
-                 std::end(nanKeys),
-                 [&json](const char* key) { return json.contains(key) && json[key].is_number(); }))
+  const char* nanKeys[3] = { "lut_nan_color_r", "lut_nan_color_g", "lut_nan_color_b" };
+  if (std::all_of(std::begin(nanKeys), std::end(nanKeys),
+                  [&json](const char* key) { return json.contains(key) && json[key].is_number(); }))
   {
-    for(int j = 0; j < 3; ++j)
+    for (int j = 0; j < 3; ++j)
     {
       m_NanColor[j] = json[nanKeys[j]].get<double>();
     }
   }
-  if(const auto it = json.find("lut_color_preset"); it != json.end() && it->is_array())
+  if (const auto it = json.find("lut_color_preset"); it != json.end() && it->is_array())
   {
     m_ColorPresetArray.clear();
-    for(const auto& row : *it)
+    for (const auto& row : *it)
     {
-      if(row.is_string())
+      if (row.is_string())
       {
         m_ColorPresetArray.append(QString::fromStdString(row.get<std::string>()));
       }
@@ -806,10 +798,10 @@ void VXLookupTable::read(const nlohmann::json& json)
 
   // the state keeps no labels: an indexed map read without annotations would
   // colour every value with the NaN colour, so annotate each node by its value
-  if(m_ColorTransferFunction->GetIndexedLookup() != 0 &&
-     m_ColorTransferFunction->GetNumberOfAnnotatedValues() == 0)
+  if (m_ColorTransferFunction->GetIndexedLookup() != 0 &&
+      m_ColorTransferFunction->GetNumberOfAnnotatedValues() == 0)
   {
-    for(const auto& node : nodes())
+    for (const auto& node : nodes())
     {
       m_ColorTransferFunction->SetAnnotation(vtkVariant(node[0]),
                                              NumberText(node[0]).toStdString());
@@ -822,9 +814,9 @@ void VXLookupTable::write(nlohmann::json& json) const
 {
   json["indexed_lookup"] = m_ColorTransferFunction->GetIndexedLookup();
   nlohmann::json points = nlohmann::json::array();
-  for(const auto& node : nodes())
+  for (const auto& node : nodes())
   {
-    points.push_back({node[0], node[1], node[2], node[3]});
+    points.push_back({ node[0], node[1], node[2], node[3] });
   }
   json["rgb_pos_vector"] = points;
   json["color_space"] = m_ColorTransferFunction->GetColorSpace();
@@ -833,7 +825,7 @@ void VXLookupTable::write(nlohmann::json& json) const
   json["lut_nan_color_g"] = m_NanColor[1];
   json["lut_nan_color_b"] = m_NanColor[2];
   nlohmann::json rows = nlohmann::json::array();
-  for(const QString& row : m_ColorPresetArray)
+  for (const QString& row : m_ColorPresetArray)
   {
     rows.push_back(row.toStdString());
   }
@@ -846,28 +838,28 @@ VXLookupTable::IndexedValueWarning VXLookupTable::checkIndexedValueCount(int uni
 {
   UserQuestion question;
   question.kind = UserQuestion::Kind::Warning;
-  question.buttons = {QStringLiteral("OK")};
+  question.buttons = { QStringLiteral("OK") };
   question.checkBoxText = k_DoNotShowAgain;
 
-  if((uniqueValueCount < 1 || uniqueValueCount > k_MaxNumberIndexedColors) &&
-     KXPreferences::getAllowTooManyIndexedValues())
+  if ((uniqueValueCount < 1 || uniqueValueCount > k_MaxNumberIndexedColors) &&
+      KXPreferences::getAllowTooManyIndexedValues())
   {
     question.title = k_TooManyValuesTitle;
     question.text = k_TooManyValuesText.arg(QString::number(k_MaxNumberIndexedColors), arrayName);
-    if(askUser(question).checkBoxChecked)
+    if (askUser(question).checkBoxChecked)
     {
       KXPreferences::setAllowTooManyIndexedValues(false);
       KXPreferences::writeSettings();
     }
     return IndexedValueWarning::TooManyValues;
   }
-  if(uniqueValueCount > presetColorCount && KXPreferences::getAllowMoreValuesThanIndexedColors())
+  if (uniqueValueCount > presetColorCount && KXPreferences::getAllowMoreValuesThanIndexedColors())
   {
     question.title = k_MoreValuesThanColorsTitle;
     question.text = k_MoreValuesThanColorsText.arg(QString::number(uniqueValueCount),
                                                    QString::number(presetColorCount),
                                                    QString::number(uniqueValueCount));
-    if(askUser(question).checkBoxChecked)
+    if (askUser(question).checkBoxChecked)
     {
       KXPreferences::setAllowMoreValuesThanIndexedColors(false);
       KXPreferences::writeSettings();
@@ -880,31 +872,31 @@ VXLookupTable::IndexedValueWarning VXLookupTable::checkIndexedValueCount(int uni
 std::set<double> VXLookupTable::computeUniqueValues(vtkDataArray* array, int component)
 {
   std::set<double> values;
-  if(array == nullptr)
+  if (array == nullptr)
   {
     return values;
   }
   const int components = array->GetNumberOfComponents();
-  if(component >= components || component < -1)
+  if (component >= components || component < -1)
   {
     return values;
   }
   const vtkIdType tuples = array->GetNumberOfTuples();
-  for(vtkIdType t = 0; t < tuples; ++t)
+  for (vtkIdType t = 0; t < tuples; ++t)
   {
     double value = 0.0;
-    if(component >= 0)
+    if (component >= 0)
     {
       value = array->GetComponent(t, component);
     }
-    else if(components == 1)
+    else if (components == 1)
     {
       value = array->GetComponent(t, 0);
     }
     else
     {
       double sum = 0.0;
-      for(int c = 0; c < components; ++c)
+      for (int c = 0; c < components; ++c)
       {
         const double v = array->GetComponent(t, c);
         sum += v * v;
@@ -912,7 +904,7 @@ std::set<double> VXLookupTable::computeUniqueValues(vtkDataArray* array, int com
       value = std::sqrt(sum);
     }
     // NaN has no place in an ordered set; it takes the NaN colour anyway
-    if(!std::isnan(value))
+    if (!std::isnan(value))
     {
       values.insert(value);
     }
@@ -927,7 +919,7 @@ void VXLookupTable::setAskUserFunction(AskUserFunction function)
 
 VXLookupTable::UserAnswer VXLookupTable::askUser(const UserQuestion& question)
 {
-  if(s_AskUserFunction)
+  if (s_AskUserFunction)
   {
     return s_AskUserFunction(question);
   }
@@ -958,7 +950,7 @@ std::vector<std::array<double, 6>> VXLookupTable::nodes() const
   std::vector<std::array<double, 6>> points;
   const int size = m_ColorTransferFunction->GetSize();
   points.reserve(static_cast<size_t>(size));
-  for(int i = 0; i < size; ++i)
+  for (int i = 0; i < size; ++i)
   {
     std::array<double, 6> node{};
     m_ColorTransferFunction->GetNodeValue(i, node.data());

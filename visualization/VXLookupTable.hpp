@@ -224,8 +224,7 @@ public:
    * outside 1..32 or exceeds @p presetColorCount, unless the user switched the
    * warning off in the preferences. The message names @p arrayName.
    */
-  static IndexedValueWarning checkIndexedValueCount(int uniqueValueCount,
-                                                    int presetColorCount,
+  static IndexedValueWarning checkIndexedValueCount(int uniqueValueCount, int presetColorCount,
                                                     const QString& arrayName);
 
   /**
@@ -255,7 +254,7 @@ private:
   std::vector<std::array<double, 6>> nodes() const;
 
   bool m_IsInverted = false;
-  double m_NanColor[3] = {0.5, 0.75, 0.0};
+  double m_NanColor[3] = { 0.5, 0.75, 0.0 };
   QList<QString> m_ColorPresetArray;
   QList<QString> m_IndexedPresetArray;
   vtkSmartPointer<vtkColorTransferFunction> m_ColorTransferFunction;

@@ -6,25 +6,24 @@
 VXLookupTableModel::ColorDialogFunction VXLookupTableModel::s_ColorDialogFunction;
 
 VXLookupTableModel::VXLookupTableModel(QObject* parent)
-: QAbstractTableModel(parent)
+  : QAbstractTableModel(parent)
 {
 }
 
 VXLookupTableModel::~VXLookupTableModel() = default;
 
-void VXLookupTableModel::addRow(const QColor& color,
-                                const QString& value,
+void VXLookupTableModel::addRow(const QColor& color, const QString& value,
                                 const QString& annotation)
 {
   const int row = static_cast<int>(m_Table.size());
   beginInsertRows(QModelIndex(), row, row);
-  m_Table.append({color, value, annotation});
+  m_Table.append({ color, value, annotation });
   endInsertRows();
 }
 
 void VXLookupTableModel::removeRow(const QModelIndex& index)
 {
-  if(!index.isValid() || index.model() != this)
+  if (!index.isValid() || index.model() != this)
   {
     return;
   }
@@ -33,7 +32,7 @@ void VXLookupTableModel::removeRow(const QModelIndex& index)
 
 bool VXLookupTableModel::removeRows(int row, int count, const QModelIndex& parent)
 {
-  if(parent.isValid() || row < 0 || count < 1 || row + count > m_Table.size())
+  if (parent.isValid() || row < 0 || count < 1 || row + count > m_Table.size())
   {
     return false;
   }
@@ -74,13 +73,13 @@ int VXLookupTableModel::columnCount(const QModelIndex& parent) const
 
 QVariant VXLookupTableModel::data(const QModelIndex& index, int role) const
 {
-  if(!index.isValid() || index.row() >= m_Table.size() ||
-     (role != Qt::DisplayRole && role != Qt::EditRole))
+  if (!index.isValid() || index.row() >= m_Table.size() ||
+      (role != Qt::DisplayRole && role != Qt::EditRole))
   {
     return {};
   }
   const LUTEntry& entry = m_Table[index.row()];
-  switch(index.column())
+  switch (index.column())
   {
     case k_ColorColumn:
       return entry.color;
@@ -95,12 +94,12 @@ QVariant VXLookupTableModel::data(const QModelIndex& index, int role) const
 
 bool VXLookupTableModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
-  if(!index.isValid() || role != Qt::EditRole || index.row() >= m_Table.size())
+  if (!index.isValid() || role != Qt::EditRole || index.row() >= m_Table.size())
   {
     return false;
   }
   LUTEntry& entry = m_Table[index.row()];
-  switch(index.column())
+  switch (index.column())
   {
     case k_ColorColumn:
       entry.color = value.value<QColor>();
@@ -115,14 +114,14 @@ bool VXLookupTableModel::setData(const QModelIndex& index, const QVariant& value
     default:
       return false;
   }
-  Q_EMIT dataChanged(index, index, {Qt::DisplayRole, Qt::EditRole});
+  Q_EMIT dataChanged(index, index, { Qt::DisplayRole, Qt::EditRole });
   return true;
 }
 
 Qt::ItemFlags VXLookupTableModel::flags(const QModelIndex& index) const
 {
   Qt::ItemFlags flags = QAbstractTableModel::flags(index);
-  if(index.isValid())
+  if (index.isValid())
   {
     flags |= Qt::ItemIsEditable;
   }
@@ -131,9 +130,9 @@ Qt::ItemFlags VXLookupTableModel::flags(const QModelIndex& index) const
 
 QVariant VXLookupTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-  if(orientation == Qt::Horizontal && role == Qt::DisplayRole)
+  if (orientation == Qt::Horizontal && role == Qt::DisplayRole)
   {
-    switch(section)
+    switch (section)
     {
       case k_ColorColumn:
         return QStringLiteral("Color");
@@ -155,21 +154,19 @@ void VXLookupTableModel::setColorDialogFunction(ColorDialogFunction function)
 
 void VXLookupTableModel::colorButtonClicked(QModelIndex index)
 {
-  if(!index.isValid() || index.row() >= m_Table.size())
+  if (!index.isValid() || index.row() >= m_Table.size())
   {
     return;
   }
   const QColor oldColor = m_Table[index.row()].color;
   QColor color;
-  if(s_ColorDialogFunction)
+  if (s_ColorDialogFunction)
   {
     color = s_ColorDialogFunction(oldColor, k_ColorDialogTitle);
   }
   else
   {
-    color = QColorDialog::getColor(oldColor,
-                                   QApplication::activeWindow(),
-                                   k_ColorDialogTitle,
+    color = QColorDialog::getColor(oldColor, QApplication::activeWindow(), k_ColorDialogTitle,
                                    QColorDialog::DontUseNativeDialog);
   }
   const QModelIndex colorIndex = this->index(index.row(), k_ColorColumn);

@@ -64,8 +64,7 @@ public:
   /** Every valid cell is editable. */
   Qt::ItemFlags flags(const QModelIndex& index) const override;
   /** "Color", "Value" and "Annotation" over the columns. */
-  QVariant headerData(int section,
-                      Qt::Orientation orientation,
+  QVariant headerData(int section, Qt::Orientation orientation,
                       int role = Qt::DisplayRole) const override;
   bool removeRows(int row, int count, const QModelIndex& parent = QModelIndex()) override;
   using QAbstractTableModel::removeRow;

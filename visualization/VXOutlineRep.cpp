@@ -10,12 +10,12 @@
 #include <vtkMapper.h>
 
 VXOutlineRep::VXOutlineRep(VXPipeline* pipeline, QObject* parent)
-: VXOutlineRep(pipeline, "Outline View", parent)
+  : VXOutlineRep(pipeline, "Outline View", parent)
 {
 }
 
 VXOutlineRep::VXOutlineRep(VXPipeline* pipeline, const QString& defaultName, QObject* parent)
-: VXRepresentation(pipeline, defaultName, parent)
+  : VXRepresentation(pipeline, defaultName, parent)
 {
 }
 
@@ -28,12 +28,13 @@ QIcon VXOutlineRep::getIcon()
 
 vtkAlgorithmOutput* VXOutlineRep::outputPort()
 {
-  if(m_ViewImplementations.isEmpty() || m_ViewImplementations.first() == nullptr)
+  if (m_ViewImplementations.isEmpty() || m_ViewImplementations.first() == nullptr)
     return nullptr;
   return m_ViewImplementations.first()->outputPort();
 }
 
-std::shared_ptr<VXRepresentationPimpl> VXOutlineRep::createImplementation(VXAbstractViewWidget* view)
+std::shared_ptr<VXRepresentationPimpl> VXOutlineRep::createImplementation(
+  VXAbstractViewWidget* view)
 {
   return std::make_shared<VXOutlineRepPimpl>(view, this);
 }
@@ -45,12 +46,14 @@ bool VXOutlineRep::isOwnImplementation(VXRepresentationPimpl* implementation) co
 
 void VXOutlineRep::initializeImplementations(vtkAlgorithmOutput* inputPort)
 {
-  for(const auto& implementation : std::as_const(m_ViewImplementations))
+  for (const auto& implementation : std::as_const(m_ViewImplementations))
   {
     auto* outline = dynamic_cast<VXOutlineRepPimpl*>(implementation.get());
-    if(outline != nullptr && !outline->isInitialized())
+    if (outline != nullptr && !outline->isInitialized())
     {
-      outline->initialize(inputPort != nullptr ? inputPort : (parentSource() ? parentSource()->outputPort() : nullptr));
+      outline->initialize(inputPort != nullptr
+                            ? inputPort
+                            : (parentSource() ? parentSource()->outputPort() : nullptr));
       outline->setVisibility(outline->isVisible());
     }
   }
@@ -59,25 +62,25 @@ void VXOutlineRep::initializeImplementations(vtkAlgorithmOutput* inputPort)
 bool VXOutlineRep::addViewInstance(VXAbstractViewWidget* sourceView, VXAbstractViewWidget* view,
                                    vtkAlgorithmOutput* inputPort, bool visible)
 {
-  if(view == nullptr)
+  if (view == nullptr)
     return false;
   std::shared_ptr<VXRepresentationPimpl> instance;
-  if(VXRepresentationPimpl* existing = implementation(view))
+  if (VXRepresentationPimpl* existing = implementation(view))
   {
-    if(!isOwnImplementation(existing))
+    if (!isOwnImplementation(existing))
       return false;
     instance = m_ViewImplementations.value(view);
     visible = existing->isVisible();
   }
   else
   {
-    if(!m_ViewImplementations.isEmpty())
+    if (!m_ViewImplementations.isEmpty())
     {
       // a port is only accepted for the first instance; the others share its data
-      if(inputPort != nullptr)
+      if (inputPort != nullptr)
         return false;
       VXRepresentationPimpl* settingsSource = m_ViewImplementations.first().get();
-      if(sourceView != nullptr && implementation(sourceView) != nullptr)
+      if (sourceView != nullptr && implementation(sourceView) != nullptr)
         settingsSource = implementation(sourceView);
       instance = createImplementation(view);
       instance->copyFrom(settingsSource);
@@ -89,26 +92,28 @@ bool VXOutlineRep::addViewInstance(VXAbstractViewWidget* sourceView, VXAbstractV
     m_ViewImplementations.insert(view, instance);
     connectViewSignals(view);
   }
-  if(m_ViewImplementations.isEmpty())
+  if (m_ViewImplementations.isEmpty())
   {
-    vtkAlgorithmOutput* port = inputPort != nullptr ? inputPort : (parentSource() ? parentSource()->outputPort() : nullptr);
+    vtkAlgorithmOutput* port =
+      inputPort != nullptr ? inputPort : (parentSource() ? parentSource()->outputPort() : nullptr);
     instance->initialize(port);
     return true;
   }
   vtkAlgorithmOutput* port = nullptr;
   VXRepresentationPimpl* first = m_ViewImplementations.first().get();
-  if(first != nullptr && first != instance.get() && first->inputPort() != nullptr)
+  if (first != nullptr && first != instance.get() && first->inputPort() != nullptr)
     port = first->inputPort();
-  if(port == nullptr)
+  if (port == nullptr)
     port = inputPort;
-  if(port == nullptr)
+  if (port == nullptr)
   {
     VXCoreObject* parentItem = qobject_cast<VXCoreObject*>(parent());
-    if(parentItem == nullptr)
+    if (parentItem == nullptr)
       return false;
     port = parentItem->outputPort();
   }
-  if(auto* outline = dynamic_cast<VXOutlineRepPimpl*>(instance.get()); outline != nullptr && !outline->isInitialized())
+  if (auto* outline = dynamic_cast<VXOutlineRepPimpl*>(instance.get());
+      outline != nullptr && !outline->isInitialized())
     outline->initialize(port);
   instance->setVisibility(visible);
   m_ViewWidgets[view] = visible;
@@ -117,9 +122,9 @@ bool VXOutlineRep::addViewInstance(VXAbstractViewWidget* sourceView, VXAbstractV
 
 void VXOutlineRep::updateDataSetInfo()
 {
-  if(m_ViewImplementations.isEmpty() || m_DataSetInfoWidget == nullptr)
+  if (m_ViewImplementations.isEmpty() || m_DataSetInfoWidget == nullptr)
     return;
   auto* first = dynamic_cast<VXOutlineRepPimpl*>(m_ViewImplementations.first().get());
-  if(first != nullptr && first->mapper() != nullptr)
+  if (first != nullptr && first->mapper() != nullptr)
     m_DataSetInfoWidget->updateDatasetInfo(vtkDataSet::SafeDownCast(first->mapper()->GetInput()));
 }

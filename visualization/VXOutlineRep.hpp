@@ -30,8 +30,8 @@ public:
   QIcon getIcon() override;
   Type type() const override { return Outline; }
   void initializeImplementations(vtkAlgorithmOutput* inputPort) override;
-  bool addViewInstance(VXAbstractViewWidget* sourceView, VXAbstractViewWidget* view, vtkAlgorithmOutput* inputPort,
-                       bool visible) override;
+  bool addViewInstance(VXAbstractViewWidget* sourceView, VXAbstractViewWidget* view,
+                       vtkAlgorithmOutput* inputPort, bool visible) override;
   void updateDataSetInfo() override;
 
 protected:

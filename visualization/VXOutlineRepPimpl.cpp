@@ -41,19 +41,19 @@
 using KXVtkModule::utils::HtmlToolTip;
 
 VXOutlineRepPimpl::VXOutlineRepPimpl(VXAbstractViewWidget* view, VXRepresentation* owner)
-: VXRepresentationPimpl(view, owner)
+  : VXRepresentationPimpl(view, owner)
 {
   m_Actor = vtkSmartPointer<vtkActor>::New();
   m_Mapper = vtkSmartPointer<vtkPolyDataMapper>::New();
   m_OutlineFilter = vtkSmartPointer<vtkOutlineFilter>::New();
   m_QuadricClustering = vtkSmartPointer<vtkQuadricClustering>::New();
-  if(auto* outlineRep = qobject_cast<VXOutlineRep*>(owner))
+  if (auto* outlineRep = qobject_cast<VXOutlineRep*>(owner))
   {
     vtkNew<VXDataSetInfoWidgetUpdateCallback<VXOutlineRep>> callback;
     callback->setRepresentation(outlineRep);
     m_QuadricClustering->AddObserver(vtkCommand::EndEvent, callback);
   }
-  if(owner != nullptr)
+  if (owner != nullptr)
   {
     QtKXSettings settings;
     BeginSettingsGroup(settings, owner->typeName());
@@ -90,11 +90,11 @@ vtkActor* VXOutlineRepPimpl::actor() const
 bool VXOutlineRepPimpl::initialize(vtkAlgorithmOutput* port)
 {
   vtkRenderer* ren = renderer();
-  if(m_View == nullptr || port == nullptr || (ren != nullptr && ren->HasViewProp(m_Actor)))
+  if (m_View == nullptr || port == nullptr || (ren != nullptr && ren->HasViewProp(m_Actor)))
     return false;
   m_OutlineFilter->SetInputConnection(port);
   m_OutlineFilter->Update();
-  if(VXDataSource* source = parentDataSource())
+  if (VXDataSource* source = parentDataSource())
     m_OutlineFilter->GetOutput()->SetObjectName(source->name().toStdString());
   setMapper(m_Mapper);
   m_Mapper->SetInputConnection(m_OutlineFilter->GetOutputPort());
@@ -114,19 +114,19 @@ bool VXOutlineRepPimpl::initialize(vtkAlgorithmOutput* port)
   m_Initialized = true;
   setupGridAxes();
   applyTransform();
-  if(ren != nullptr)
+  if (ren != nullptr)
   {
-    if(m_Visible)
+    if (m_Visible)
       visualizationWidget()->addActor(m_Actor);
     ren->ResetCamera();
     requestRender();
   }
-  if(VXDataSource* source = parentDataSource())
-    connect(source, &VXDataSource::syncChildColorMaps, this, &VXOutlineRepPimpl::onSyncColorMapToParentGeometry,
-            Qt::UniqueConnection);
-  if(!m_DetachColorSettings)
+  if (VXDataSource* source = parentDataSource())
+    connect(source, &VXDataSource::syncChildColorMaps, this,
+            &VXOutlineRepPimpl::onSyncColorMapToParentGeometry, Qt::UniqueConnection);
+  if (!m_DetachColorSettings)
     connectParentColorSignals(true);
-  if(m_UseDecimationOnInteraction)
+  if (m_UseDecimationOnInteraction)
     decimateGeometry();
   return true;
 }
@@ -134,12 +134,12 @@ bool VXOutlineRepPimpl::initialize(vtkAlgorithmOutput* port)
 bool VXOutlineRepPimpl::finalize()
 {
   vtkRenderer* ren = renderer();
-  if(m_View == nullptr || ren == nullptr || !ren->HasViewProp(m_Actor))
+  if (m_View == nullptr || ren == nullptr || !ren->HasViewProp(m_Actor))
     return false;
   visualizationWidget()->removeActor(m_Actor);
-  if(m_HighlightActor != nullptr)
+  if (m_HighlightActor != nullptr)
     ren->RemoveViewProp(m_HighlightActor);
-  if(m_GridAxes != nullptr)
+  if (m_GridAxes != nullptr)
   {
     m_GridAxes->SetVisibility(false);
     ren->RemoveViewProp(m_GridAxes);
@@ -155,7 +155,9 @@ vtkAlgorithmOutput* VXOutlineRepPimpl::outputPort()
 
 vtkAlgorithmOutput* VXOutlineRepPimpl::inputPort()
 {
-  return m_OutlineFilter->GetNumberOfInputConnections(0) > 0 ? m_OutlineFilter->GetInputConnection(0, 0) : nullptr;
+  return m_OutlineFilter->GetNumberOfInputConnections(0) > 0
+           ? m_OutlineFilter->GetInputConnection(0, 0)
+           : nullptr;
 }
 
 void VXOutlineRepPimpl::bounds(double bounds[6])
@@ -177,19 +179,19 @@ void VXOutlineRepPimpl::applyActorProperties()
 void VXOutlineRepPimpl::setVisibility(bool visible)
 {
   m_Visible = visible;
-  if(VXVisualizationWidget* widget = visualizationWidget(); widget != nullptr && m_Initialized)
+  if (VXVisualizationWidget* widget = visualizationWidget(); widget != nullptr && m_Initialized)
   {
     vtkRenderer* ren = widget->getRenderer();
-    if(visible && !ren->HasViewProp(m_Actor))
+    if (visible && !ren->HasViewProp(m_Actor))
       widget->addActor(m_Actor);
-    else if(!visible && ren->HasViewProp(m_Actor))
+    else if (!visible && ren->HasViewProp(m_Actor))
       widget->removeActor(m_Actor);
-    if(!visible && m_HighlightActor != nullptr)
+    if (!visible && m_HighlightActor != nullptr)
       ren->RemoveViewProp(m_HighlightActor);
   }
-  if(m_GridAxes != nullptr)
+  if (m_GridAxes != nullptr)
     setupGridAxes();
-  if(m_VisibilityButton != nullptr)
+  if (m_VisibilityButton != nullptr)
   {
     const QSignalBlocker blocker(m_VisibilityButton);
     m_VisibilityButton->setChecked(visible);
@@ -201,10 +203,10 @@ void VXOutlineRepPimpl::setHighlighted(bool highlighted)
 {
   m_Highlighted = highlighted;
   vtkRenderer* ren = renderer();
-  if(!m_Visible || ren == nullptr || m_HighlightActor == nullptr)
+  if (!m_Visible || ren == nullptr || m_HighlightActor == nullptr)
     return;
   ren->RemoveViewProp(m_HighlightActor);
-  if(highlighted)
+  if (highlighted)
     ren->AddViewProp(m_HighlightActor);
   requestRender();
 }
@@ -219,7 +221,7 @@ void VXOutlineRepPimpl::applyTransform()
   transform->RotateZ(m_Rotation[2]);
   transform->Translate(m_Translation.data());
   m_Actor->SetUserTransform(transform);
-  if(m_HighlightActor != nullptr)
+  if (m_HighlightActor != nullptr)
     m_HighlightActor->SetUserTransform(transform);
   updateGridAxesBounds();
   requestRender();
@@ -232,7 +234,7 @@ void VXOutlineRepPimpl::setSolidColor(QColor newColor)
 {
   m_SolidColor = newColor;
   m_Actor->GetProperty()->SetColor(newColor.redF(), newColor.greenF(), newColor.blueF());
-  if(m_SolidColorButton != nullptr)
+  if (m_SolidColorButton != nullptr)
   {
     const QSignalBlocker blocker(m_SolidColorButton);
     m_SolidColorButton->setColor(newColor);
@@ -249,13 +251,13 @@ void VXOutlineRepPimpl::setOpacity(int alpha)
 
 void VXOutlineRepPimpl::lineSizeChanged()
 {
-  if(m_LineSizeEdit != nullptr)
+  if (m_LineSizeEdit != nullptr)
     lineSizeEdited(m_LineSizeEdit->text());
 }
 
 void VXOutlineRepPimpl::lineSizeEdited(QString text)
 {
-  if(text.isEmpty())
+  if (text.isEmpty())
     return;
   m_LineSize = text.toInt();
   m_Actor->GetProperty()->SetLineWidth(static_cast<float>(m_LineSize));
@@ -265,13 +267,13 @@ void VXOutlineRepPimpl::lineSizeEdited(QString text)
 void VXOutlineRepPimpl::setEdgeVisibility(bool visible)
 {
   m_EdgeVisibility = visible;
-  if(visible)
+  if (visible)
     m_Actor->GetProperty()->EdgeVisibilityOn();
   else
     m_Actor->GetProperty()->EdgeVisibilityOff();
-  if(m_LineSizeLabel != nullptr)
+  if (m_LineSizeLabel != nullptr)
     m_LineSizeLabel->setEnabled(visible);
-  if(m_LineSizeEdit != nullptr)
+  if (m_LineSizeEdit != nullptr)
     m_LineSizeEdit->setEnabled(visible);
   requestRender();
 }
@@ -289,18 +291,18 @@ void VXOutlineRepPimpl::setRenderLinesAsTubes(bool tubes)
 void VXOutlineRepPimpl::connectParentColorSignals(bool trigger)
 {
   VXDataSource* source = parentDataSource();
-  if(source == nullptr)
+  if (source == nullptr)
     return;
   disconnectParentColorSignals();
   m_ParentColorConnections.append(
     connect(source, &VXDataSource::solidColorChanged, this, &VXOutlineRepPimpl::setSolidColor));
-  if(trigger)
+  if (trigger)
     source->triggerColorSettingsChange();
 }
 
 void VXOutlineRepPimpl::disconnectParentColorSignals()
 {
-  for(const auto& connection : std::as_const(m_ParentColorConnections))
+  for (const auto& connection : std::as_const(m_ParentColorConnections))
     disconnect(connection);
   m_ParentColorConnections.clear();
 }
@@ -308,7 +310,7 @@ void VXOutlineRepPimpl::disconnectParentColorSignals()
 void VXOutlineRepPimpl::onDetachColorSettings(bool checked)
 {
   m_DetachColorSettings = checked;
-  if(!checked)
+  if (!checked)
   {
     m_SavedSolidColor = m_SolidColor;
     connectParentColorSignals(true);
@@ -318,9 +320,9 @@ void VXOutlineRepPimpl::onDetachColorSettings(bool checked)
     disconnectParentColorSignals();
     setSolidColor(m_SavedSolidColor);
   }
-  if(m_SolidColorButton != nullptr)
+  if (m_SolidColorButton != nullptr)
     m_SolidColorButton->setEnabled(checked);
-  if(m_DetachColorCheckBox != nullptr)
+  if (m_DetachColorCheckBox != nullptr)
   {
     const QSignalBlocker blocker(m_DetachColorCheckBox);
     m_DetachColorCheckBox->setChecked(checked);
@@ -329,7 +331,7 @@ void VXOutlineRepPimpl::onDetachColorSettings(bool checked)
 
 void VXOutlineRepPimpl::onSyncColorMapToParentGeometry()
 {
-  if(!m_DetachColorSettings)
+  if (!m_DetachColorSettings)
     return;
   onDetachColorSettings(false);
 }
@@ -359,31 +361,33 @@ void VXOutlineRepPimpl::write(nlohmann::json& output) const
 void VXOutlineRepPimpl::read(const nlohmann::json& input)
 {
   VXRepresentationPimpl::read(input);
-  if(input.contains("opacity_percent"))
+  if (input.contains("opacity_percent"))
     m_Opacity = std::clamp(input.at("opacity_percent").get<double>() / 100.0, 0.0, 1.0);
-  if(input.contains("solid_color_r") && input.contains("solid_color_g") && input.contains("solid_color_b"))
-    m_SolidColor = QColor(input.at("solid_color_r").get<int>(), input.at("solid_color_g").get<int>(),
-                          input.at("solid_color_b").get<int>(), 255);
-  if(input.contains("edge_visibility"))
+  if (input.contains("solid_color_r") && input.contains("solid_color_g") &&
+      input.contains("solid_color_b"))
+    m_SolidColor =
+      QColor(input.at("solid_color_r").get<int>(), input.at("solid_color_g").get<int>(),
+             input.at("solid_color_b").get<int>(), 255);
+  if (input.contains("edge_visibility"))
     m_EdgeVisibility = input.at("edge_visibility").get<bool>();
-  if(input.contains("line_size"))
+  if (input.contains("line_size"))
     m_LineSize = input.at("line_size").get<int>();
-  if(input.contains("render_lines_as_tubes"))
+  if (input.contains("render_lines_as_tubes"))
     m_RenderLinesAsTubes = input.at("render_lines_as_tubes").get<bool>();
-  if(input.contains("data_source_num_of_dims_x") && input.contains("data_source_num_of_dims_y") &&
-     input.contains("data_source_num_of_dims_z"))
-    m_DecimationDivisions = {input.at("data_source_num_of_dims_x").get<int>(),
-                             input.at("data_source_num_of_dims_y").get<int>(),
-                             input.at("data_source_num_of_dims_z").get<int>()};
-  if(input.contains("data_source_use_input_points"))
+  if (input.contains("data_source_num_of_dims_x") && input.contains("data_source_num_of_dims_y") &&
+      input.contains("data_source_num_of_dims_z"))
+    m_DecimationDivisions = { input.at("data_source_num_of_dims_x").get<int>(),
+                              input.at("data_source_num_of_dims_y").get<int>(),
+                              input.at("data_source_num_of_dims_z").get<int>() };
+  if (input.contains("data_source_use_input_points"))
     m_UseInputPoints = input.at("data_source_use_input_points").get<bool>();
-  if(input.contains("data_source_use_feature_edges"))
+  if (input.contains("data_source_use_feature_edges"))
     m_UseFeatureEdges = input.at("data_source_use_feature_edges").get<bool>();
-  if(input.contains("data_source_use_feature_points"))
+  if (input.contains("data_source_use_feature_points"))
     m_UseFeaturePoints = input.at("data_source_use_feature_points").get<bool>();
-  if(input.contains("data_source_use_internal_triangles"))
+  if (input.contains("data_source_use_internal_triangles"))
     m_UseInternalTriangles = input.at("data_source_use_internal_triangles").get<bool>();
-  if(m_Initialized)
+  if (m_Initialized)
   {
     applyActorProperties();
     applyTransform();
@@ -394,7 +398,7 @@ void VXOutlineRepPimpl::copyFrom(VXRepresentationPimpl* other)
 {
   VXRepresentationPimpl::copyFrom(other);
   auto* source = dynamic_cast<VXOutlineRepPimpl*>(other);
-  if(source == nullptr)
+  if (source == nullptr)
     return;
   m_Opacity = source->m_Opacity;
   m_SolidColor = source->m_SolidColor;
@@ -412,16 +416,16 @@ void VXOutlineRepPimpl::copySettingsToClipboard()
 void VXOutlineRepPimpl::pasteSettingsFromClipboard()
 {
   const nlohmann::json input = readClipboard();
-  if(input.is_null())
+  if (input.is_null())
     return;
   read(input);
   settingsWidget();
   syncControls();
-  if(!m_DetachColorSettings)
+  if (!m_DetachColorSettings)
   {
-    if(VXDataSource* source = parentDataSource())
+    if (VXDataSource* source = parentDataSource())
       setSolidColor(source->getSolidColor());
-    if(m_SolidColorButton != nullptr)
+    if (m_SolidColorButton != nullptr)
       m_SolidColorButton->setEnabled(false);
   }
   else
@@ -435,26 +439,27 @@ void VXOutlineRepPimpl::pasteSettingsFromClipboard()
 
 void VXOutlineRepPimpl::loadOutlineDefaults(QtKXSettings& settings)
 {
-  if(settings.contains("opacity_percent"))
+  if (settings.contains("opacity_percent"))
     m_Opacity = std::clamp(settings.value("opacity_percent", 100).toDouble() / 100.0, 0.0, 1.0);
-  if(settings.contains("edge_visibility"))
+  if (settings.contains("edge_visibility"))
     m_EdgeVisibility = settings.value("edge_visibility", true).toBool();
-  if(settings.contains("line_size"))
+  if (settings.contains("line_size"))
     m_LineSize = settings.value("line_size", 1).toInt();
-  if(settings.contains("render_lines_as_tubes"))
+  if (settings.contains("render_lines_as_tubes"))
     m_RenderLinesAsTubes = settings.value("render_lines_as_tubes", false).toBool();
-  if(settings.contains("data_source_num_of_dims_x") && settings.contains("data_source_num_of_dims_y") &&
-     settings.contains("data_source_num_of_dims_z"))
-    m_DecimationDivisions = {settings.value("data_source_num_of_dims_x", 0).toInt(),
-                             settings.value("data_source_num_of_dims_y", 0).toInt(),
-                             settings.value("data_source_num_of_dims_z", 0).toInt()};
-  if(settings.contains("data_source_use_input_points"))
+  if (settings.contains("data_source_num_of_dims_x") &&
+      settings.contains("data_source_num_of_dims_y") &&
+      settings.contains("data_source_num_of_dims_z"))
+    m_DecimationDivisions = { settings.value("data_source_num_of_dims_x", 0).toInt(),
+                              settings.value("data_source_num_of_dims_y", 0).toInt(),
+                              settings.value("data_source_num_of_dims_z", 0).toInt() };
+  if (settings.contains("data_source_use_input_points"))
     m_UseInputPoints = settings.value("data_source_use_input_points", true).toBool();
-  if(settings.contains("data_source_use_feature_edges"))
+  if (settings.contains("data_source_use_feature_edges"))
     m_UseFeatureEdges = settings.value("data_source_use_feature_edges", false).toBool();
-  if(settings.contains("data_source_use_feature_points"))
+  if (settings.contains("data_source_use_feature_points"))
     m_UseFeaturePoints = settings.value("data_source_use_feature_points", false).toBool();
-  if(settings.contains("data_source_use_internal_triangles"))
+  if (settings.contains("data_source_use_internal_triangles"))
     m_UseInternalTriangles = settings.value("data_source_use_internal_triangles", false).toBool();
 }
 
@@ -476,7 +481,7 @@ void VXOutlineRepPimpl::saveOutlineDefaults(QtKXSettings& settings) const
 void VXOutlineRepPimpl::loadDefaultSettings()
 {
   VXRepresentationPimpl::loadDefaultSettings();
-  if(m_Owner == nullptr)
+  if (m_Owner == nullptr)
     return;
   QtKXSettings settings;
   BeginSettingsGroup(settings, m_Owner->typeName());
@@ -485,7 +490,7 @@ void VXOutlineRepPimpl::loadDefaultSettings()
 
 void VXOutlineRepPimpl::saveDefaultSettings()
 {
-  if(m_Owner == nullptr || !askSaveDefaults())
+  if (m_Owner == nullptr || !askSaveDefaults())
     return;
   QtKXSettings settings;
   BeginSettingsGroup(settings, m_Owner->typeName());
@@ -504,7 +509,7 @@ void VXOutlineRepPimpl::openHelp()
 
 QFormLayout* VXOutlineRepPimpl::sectionForm(const QString& title)
 {
-  if(m_Sections.contains(title) && m_Sections.value(title) != nullptr)
+  if (m_Sections.contains(title) && m_Sections.value(title) != nullptr)
     return m_Sections.value(title);
   auto* box = new QGroupBox(title, m_PageContent);
   box->setObjectName(title);
@@ -520,7 +525,7 @@ void VXOutlineRepPimpl::buildSettingsPage()
   m_PageLayout = new QVBoxLayout(m_PageContent);
   m_SettingsScrollArea->setWidget(m_PageContent);
   // the order of the sections is fixed; later levels add their rows to them
-  for(const char* title : {"Coloring", "Styling", "Annotations", "Transform", "Decimation"})
+  for (const char* title : { "Coloring", "Styling", "Annotations", "Transform", "Decimation" })
     sectionForm(title);
   m_PageLayout->addStretch(1);
 
@@ -528,18 +533,22 @@ void VXOutlineRepPimpl::buildSettingsPage()
   m_DetachColorCheckBox = new QCheckBox("Enable Separate Color Map", m_PageContent);
   m_DetachColorCheckBox->setObjectName("m_DetachColorCheckBox");
   m_DetachColorCheckBox->setChecked(m_DetachColorSettings);
-  connect(m_DetachColorCheckBox, &QCheckBox::toggled, this, &VXOutlineRepPimpl::onDetachColorSettings);
+  connect(m_DetachColorCheckBox, &QCheckBox::toggled, this,
+          &VXOutlineRepPimpl::onDetachColorSettings);
   m_DataSourceButton = new QPushButton("DataSource", m_PageContent);
   m_DataSourceButton->setObjectName("m_DataSourceButton");
-  connect(m_DataSourceButton, &QPushButton::clicked, this, [this]() {
-    if(VXDataSource* source = parentDataSource())
-      Q_EMIT source->goToParentColorSettings();
-  });
+  connect(m_DataSourceButton, &QPushButton::clicked, this,
+          [this]()
+          {
+            if (VXDataSource* source = parentDataSource())
+              Q_EMIT source->goToParentColorSettings();
+          });
   coloring->addRow(m_DetachColorCheckBox, m_DataSourceButton);
   m_SolidColorButton = new KXColorButton(m_SolidColor, m_PageContent);
   m_SolidColorButton->setObjectName("m_SolidColorButton");
   m_SolidColorButton->setEnabled(m_DetachColorSettings);
-  connect(m_SolidColorButton, &KXColorButton::changedColor, this, &VXOutlineRepPimpl::setSolidColor);
+  connect(m_SolidColorButton, &KXColorButton::changedColor, this,
+          &VXOutlineRepPimpl::setSolidColor);
   coloring->addRow("Solid Color: ", m_SolidColorButton);
 
   QFormLayout* styling = sectionForm("Styling");
@@ -573,14 +582,16 @@ void VXOutlineRepPimpl::buildSettingsPage()
   m_DecimationCheckBox = new QCheckBox("Use Decimation During Interactions", m_PageContent);
   m_DecimationCheckBox->setObjectName("m_DecimationCheckBox");
   m_DecimationCheckBox->setChecked(m_UseDecimationOnInteraction);
-  connect(m_DecimationCheckBox, &QCheckBox::toggled, this, &VXRepresentationPimpl::setUseDecimationOnInteraction);
+  connect(m_DecimationCheckBox, &QCheckBox::toggled, this,
+          &VXRepresentationPimpl::setUseDecimationOnInteraction);
   decimation->addRow(m_DecimationCheckBox);
 }
 
 void VXOutlineRepPimpl::syncControls()
 {
-  auto setChecked = [](QCheckBox* box, bool value) {
-    if(box == nullptr)
+  auto setChecked = [](QCheckBox* box, bool value)
+  {
+    if (box == nullptr)
       return;
     const QSignalBlocker blocker(box);
     box->setChecked(value);
@@ -589,25 +600,25 @@ void VXOutlineRepPimpl::syncControls()
   setChecked(m_EdgesCheckBox, m_EdgeVisibility);
   setChecked(m_TubesCheckBox, m_RenderLinesAsTubes);
   setChecked(m_DecimationCheckBox, m_UseDecimationOnInteraction);
-  if(m_SolidColorButton != nullptr)
+  if (m_SolidColorButton != nullptr)
   {
     const QSignalBlocker blocker(m_SolidColorButton);
     m_SolidColorButton->setColor(m_SolidColor);
     m_SolidColorButton->setEnabled(m_DetachColorSettings);
   }
-  if(m_OpacitySlider != nullptr)
+  if (m_OpacitySlider != nullptr)
   {
     const QSignalBlocker blocker(m_OpacitySlider);
     m_OpacitySlider->setValue(static_cast<int>(m_Opacity * 100.0 + 0.5));
   }
-  if(m_LineSizeEdit != nullptr)
+  if (m_LineSizeEdit != nullptr)
   {
     m_LineSizeEdit->setText(QString::number(m_LineSize));
     m_LineSizeEdit->setEnabled(m_EdgeVisibility);
   }
-  if(m_LineSizeLabel != nullptr)
+  if (m_LineSizeLabel != nullptr)
     m_LineSizeLabel->setEnabled(m_EdgeVisibility);
-  if(m_GridAxesButton != nullptr)
+  if (m_GridAxesButton != nullptr)
   {
     const QSignalBlocker blocker(m_GridAxesButton);
     m_GridAxesButton->setChecked(m_DataGridVisible);
@@ -616,17 +627,21 @@ void VXOutlineRepPimpl::syncControls()
 
 void VXOutlineRepPimpl::updateToolTips()
 {
-  auto tip = [](QWidget* widget, const QString& text) {
-    if(widget != nullptr)
+  auto tip = [](QWidget* widget, const QString& text)
+  {
+    if (widget != nullptr)
       widget->setToolTip(HtmlToolTip(text));
   };
-  tip(m_DetachColorCheckBox, "Use separate color settings (solid color, presets, & invert) from the parent geometry");
+  tip(m_DetachColorCheckBox,
+      "Use separate color settings (solid color, presets, & invert) from the parent geometry");
   tip(m_DataSourceButton, "Go to parent geometry color map settings");
   tip(m_SolidColorButton, "Edit the solid color");
   tip(m_OpacitySlider, "Use this to adjust the opacity of the geometry");
   tip(m_EdgesCheckBox, "When checked, render the edges");
-  tip(m_LineSizeEdit, "Use this to adjust the thickness of display lines or edges for the current geometry");
+  tip(m_LineSizeEdit,
+      "Use this to adjust the thickness of display lines or edges for the current geometry");
   tip(m_TubesCheckBox, "When checked, render the lines as tubes");
   tip(m_GridAxesButton, "Show/Hide the data axis grid for this geometry");
-  tip(m_GridAxesEditButton, "Edit the spacing and grid line visibility of the data axis grid for this geometry");
+  tip(m_GridAxesEditButton,
+      "Edit the spacing and grid line visibility of the data axis grid for this geometry");
 }

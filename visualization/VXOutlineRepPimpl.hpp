@@ -87,7 +87,7 @@ public:
   bool renderLinesAsTubes() const { return m_RenderLinesAsTubes; }
   bool isInitialized() const { return m_Initialized; }
   /** A control of the settings page by object name (for hosts and tests). */
-  template <typename W>
+  template<typename W>
   W* control(const QString& name) const
   {
     return m_SettingsWidget != nullptr ? m_SettingsWidget->template findChild<W*>(name) : nullptr;
@@ -113,7 +113,8 @@ protected:
   void applyActorProperties();
   /** Sets the page's controls from the fields after a paste or a read. */
   virtual void syncControls();
-  /** The form of a page section ("Coloring", "Styling", "Annotations", "Transform", "Decimation"). */
+  /** The form of a page section ("Coloring", "Styling", "Annotations", "Transform", "Decimation").
+   */
   QFormLayout* sectionForm(const QString& title);
   /** The parent data source, or null. */
   class VXDataSource* parentDataSource() const;

@@ -47,19 +47,19 @@ namespace
 {
 bool isOriginalIdArray(const std::string& name)
 {
-  return name == "vtkOriginalCellIds" || name == "Original Cell Index" || name == "vtkOriginalPointIds" ||
-    name == "Original Point Index";
+  return name == "vtkOriginalCellIds" || name == "Original Cell Index" ||
+         name == "vtkOriginalPointIds" || name == "Original Point Index";
 }
 
 std::string valueText(vtkAbstractArray* array, vtkIdType id, int component)
 {
   std::ostringstream stream;
   auto* dataArray = vtkDataArray::SafeDownCast(array);
-  if(dataArray != nullptr)
+  if (dataArray != nullptr)
   {
     const double value = dataArray->GetComponent(id, component);
     // integer arrays print as integers, not in the double's exponent form
-    if(dataArray->IsIntegral() != 0)
+    if (dataArray->IsIntegral() != 0)
       stream << static_cast<long long>(value);
     else
       stream << value;
@@ -71,18 +71,19 @@ std::string valueText(vtkAbstractArray* array, vtkIdType id, int component)
   return stream.str();
 }
 
-void appendArrayLines(std::string& text, vtkAbstractArray* array, vtkIdType id, const std::string& lineEnding)
+void appendArrayLines(std::string& text, vtkAbstractArray* array, vtkIdType id,
+                      const std::string& lineEnding)
 {
   const std::string name = array->GetName() != nullptr ? array->GetName() : "";
   const int components = array->GetNumberOfComponents();
   const vtkIdType tuples = array->GetNumberOfTuples();
-  for(int c = 0; c < components; ++c)
+  for (int c = 0; c < components; ++c)
   {
     text += "    " + name;
-    if(components > 1)
+    if (components > 1)
       text += "[" + std::to_string(c) + "]";
     text += ": ";
-    if(id >= tuples)
+    if (id >= tuples)
       text += fmt::format("Idx = {} - Not Valid Max = {}", id, tuples - 1);
     else
       text += valueText(array, id, c);
@@ -99,31 +100,34 @@ public:
     vtkPropCollection* props = renderer->GetViewProps();
     vtkCollectionSimpleIterator it;
     props->InitTraversal(it);
-    while(vtkProp* prop = props->GetNextProp(it))
+    while (vtkProp* prop = props->GetNextProp(it))
     {
-      if(auto* grid = vtkGridAxesActor3D::SafeDownCast(prop); grid != nullptr && grid->GetVisibility() != 0)
+      if (auto* grid = vtkGridAxesActor3D::SafeDownCast(prop);
+          grid != nullptr && grid->GetVisibility() != 0)
       {
         grid->SetVisibility(false);
         m_HiddenGrids.push_back(grid);
         continue;
       }
       auto* actor = vtkActor::SafeDownCast(prop);
-      auto* mapper = actor != nullptr ? vtkPolyDataMapper::SafeDownCast(actor->GetMapper()) : nullptr;
-      if(mapper == nullptr)
+      auto* mapper =
+        actor != nullptr ? vtkPolyDataMapper::SafeDownCast(actor->GetMapper()) : nullptr;
+      if (mapper == nullptr)
         continue;
       // with id arrays named, the hardware pick reports those values instead of plain ids
-      m_Mappers.push_back({mapper, mapper->GetPointIdArrayName() != nullptr ? mapper->GetPointIdArrayName() : "",
-        mapper->GetCellIdArrayName() != nullptr ? mapper->GetCellIdArrayName() : "",
-        mapper->GetPointIdArrayName() != nullptr, mapper->GetCellIdArrayName() != nullptr});
+      m_Mappers.push_back(
+        { mapper, mapper->GetPointIdArrayName() != nullptr ? mapper->GetPointIdArrayName() : "",
+          mapper->GetCellIdArrayName() != nullptr ? mapper->GetCellIdArrayName() : "",
+          mapper->GetPointIdArrayName() != nullptr, mapper->GetCellIdArrayName() != nullptr });
       mapper->SetPointIdArrayName(nullptr);
       mapper->SetCellIdArrayName(nullptr);
     }
   }
   ~PickPreparation()
   {
-    for(auto* grid : m_HiddenGrids)
+    for (auto* grid : m_HiddenGrids)
       grid->SetVisibility(true);
-    for(const auto& saved : m_Mappers)
+    for (const auto& saved : m_Mappers)
     {
       saved.mapper->SetPointIdArrayName(saved.hasPoint ? saved.pointName.c_str() : nullptr);
       saved.mapper->SetCellIdArrayName(saved.hasCell ? saved.cellName.c_str() : nullptr);
@@ -162,62 +166,62 @@ void VXPickerCallback::setRenderWindow(vtkRenderWindow* window)
 
 void VXPickerCallback::requestRender() const
 {
-  if(m_RenderFunction)
+  if (m_RenderFunction)
     m_RenderFunction();
 }
 
 void VXPickerCallback::getLastImageDataIndex(int index[3]) const
 {
-  for(int i = 0; i < 3; ++i)
+  for (int i = 0; i < 3; ++i)
     index[i] = m_LastImageIndex[i];
 }
 
 void VXPickerCallback::Execute(vtkObject* caller, unsigned long eventId, void* /*callData*/)
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return;
   auto* style = VXInteractorStyleCamera::SafeDownCast(caller);
-  switch(eventId)
+  switch (eventId)
   {
-  case vtkCommand::TimerEvent:
-    m_PickText = QString::fromStdString(GeneratePickInfo());
-    QToolTip::showText(QCursor::pos(), m_PickText);
-    requestRender();
-    break;
-  case vtkCommand::EndInteractionEvent:
-    toggleHighlightersVisibility(false);
-    requestRender();
-    break;
-  case VXInteractorStyleCamera::k_KeyPressEvent:
-    if(style != nullptr && (style->pick1ModeOn() || style->pick2ModeOn()))
-    {
-      m_KeyPick = true;
+    case vtkCommand::TimerEvent:
       m_PickText = QString::fromStdString(GeneratePickInfo());
-    }
-    break;
-  case VXInteractorStyleCamera::k_KeyReleaseEvent:
-    m_KeyPick = false;
-    if(m_PointHighlightActor != nullptr)
-      m_PointHighlightActor->SetVisibility(m_HoverPoints);
-    if(m_CellHighlightActor != nullptr)
-      m_CellHighlightActor->SetVisibility(m_HoverCells);
-    break;
-  case vtkCommand::PickEvent:
-  {
-    const bool cellPick = style != nullptr && style->cellPickModeOn();
-    if(!m_KeyPick && !cellPick)
-      return;
-    m_PickText = QString::fromStdString(GeneratePickInfo());
-    if(m_PickFunction)
+      QToolTip::showText(QCursor::pos(), m_PickText);
+      requestRender();
+      break;
+    case vtkCommand::EndInteractionEvent:
+      toggleHighlightersVisibility(false);
+      requestRender();
+      break;
+    case VXInteractorStyleCamera::k_KeyPressEvent:
+      if (style != nullptr && (style->pick1ModeOn() || style->pick2ModeOn()))
+      {
+        m_KeyPick = true;
+        m_PickText = QString::fromStdString(GeneratePickInfo());
+      }
+      break;
+    case VXInteractorStyleCamera::k_KeyReleaseEvent:
+      m_KeyPick = false;
+      if (m_PointHighlightActor != nullptr)
+        m_PointHighlightActor->SetVisibility(m_HoverPoints);
+      if (m_CellHighlightActor != nullptr)
+        m_CellHighlightActor->SetVisibility(m_HoverCells);
+      break;
+    case vtkCommand::PickEvent:
     {
-      const bool pick1 = style != nullptr && style->pick1ModeOn();
-      const bool pick2 = style != nullptr && style->pick2ModeOn();
-      m_PickFunction(m_PickPosition, pick1 || cellPick, pick2 || cellPick);
+      const bool cellPick = style != nullptr && style->cellPickModeOn();
+      if (!m_KeyPick && !cellPick)
+        return;
+      m_PickText = QString::fromStdString(GeneratePickInfo());
+      if (m_PickFunction)
+      {
+        const bool pick1 = style != nullptr && style->pick1ModeOn();
+        const bool pick2 = style != nullptr && style->pick2ModeOn();
+        m_PickFunction(m_PickPosition, pick1 || cellPick, pick2 || cellPick);
+      }
+      break;
     }
-    break;
-  }
-  default:
-    break;
+    default:
+      break;
   }
 }
 
@@ -225,7 +229,8 @@ std::string VXPickerCallback::GeneratePickInfo()
 {
   m_LastImageData = nullptr;
   m_LastImageSlice = nullptr;
-  if(m_Renderer == nullptr || m_RenderWindow == nullptr || m_RenderWindow->GetInteractor() == nullptr)
+  if (m_Renderer == nullptr || m_RenderWindow == nullptr ||
+      m_RenderWindow->GetInteractor() == nullptr)
     return {};
   const int* eventPosition = m_RenderWindow->GetInteractor()->GetEventPosition();
   const bool pointMode = m_HoverPoints || m_KeyPick;
@@ -235,39 +240,41 @@ std::string VXPickerCallback::GeneratePickInfo()
   int hit = 0;
   {
     // the highlighters themselves must not be picked
-    const bool pointVisible = m_PointHighlightActor != nullptr && m_PointHighlightActor->GetVisibility() != 0;
-    const bool cellVisible = m_CellHighlightActor != nullptr && m_CellHighlightActor->GetVisibility() != 0;
+    const bool pointVisible =
+      m_PointHighlightActor != nullptr && m_PointHighlightActor->GetVisibility() != 0;
+    const bool cellVisible =
+      m_CellHighlightActor != nullptr && m_CellHighlightActor->GetVisibility() != 0;
     toggleHighlightersVisibility(false);
     PickPreparation preparation(m_Renderer);
     hit = picker->Pick(eventPosition[0], eventPosition[1], 0.0, m_Renderer);
-    if((hit == 0 || picker->GetDataSet() == nullptr) && pointMode)
+    if ((hit == 0 || picker->GetDataSet() == nullptr) && pointMode)
     {
       picker->SetSnapToMeshPoint(false);
       hit = picker->Pick(eventPosition[0], eventPosition[1], 0.0, m_Renderer);
     }
-    if(m_PointHighlightActor != nullptr)
+    if (m_PointHighlightActor != nullptr)
       m_PointHighlightActor->SetVisibility(pointVisible);
-    if(m_CellHighlightActor != nullptr)
+    if (m_CellHighlightActor != nullptr)
       m_CellHighlightActor->SetVisibility(cellVisible);
   }
   picker->GetPickPosition(m_PickPosition);
   vtkDataSet* data = picker->GetDataSet();
-  if(hit == 0 || data == nullptr)
+  if (hit == 0 || data == nullptr)
     return {};
 
   vtkNew<vtkTransform> actorTransform;
-  if(auto* prop3D = vtkProp3D::SafeDownCast(picker->GetViewProp()))
+  if (auto* prop3D = vtkProp3D::SafeDownCast(picker->GetViewProp()))
     actorTransform->SetMatrix(prop3D->GetMatrix());
 
   std::string name;
-  if(auto* fieldName = data->GetFieldData()->GetAbstractArray("Name"))
+  if (auto* fieldName = data->GetFieldData()->GetAbstractArray("Name"))
     name = fieldName->GetVariantValue(0).ToString();
 
-  if(pointMode)
+  if (pointMode)
   {
     vtkIdType pointId = picker->GetPointId();
-    double position[3] = {m_PickPosition[0], m_PickPosition[1], m_PickPosition[2]};
-    if(auto* image = vtkImageData::SafeDownCast(data))
+    double position[3] = { m_PickPosition[0], m_PickPosition[1], m_PickPosition[2] };
+    if (auto* image = vtkImageData::SafeDownCast(data))
     {
       // positions inside an image are turned into the nearest voxel index
       double local[3];
@@ -278,7 +285,7 @@ std::string VXPickerCallback::GeneratePickInfo()
       double continuous[3];
       image->TransformPhysicalPointToContinuousIndex(local, continuous);
       const int* extent = image->GetExtent();
-      for(int i = 0; i < 3; ++i)
+      for (int i = 0; i < 3; ++i)
       {
         int index = static_cast<int>(std::lround(continuous[i]));
         index = std::max(extent[2 * i], std::min(extent[2 * i + 1], index));
@@ -290,49 +297,53 @@ std::string VXPickerCallback::GeneratePickInfo()
       image->GetPoint(pointId, local);
       actorTransform->TransformPoint(local, position);
     }
-    if(pointId < 0)
+    if (pointId < 0)
       return {};
     createPointHighlighter(position[0], position[1], position[2], nullptr, std::nullopt);
     std::ostringstream coords;
     coords << "(" << position[0] << ", " << position[1] << ", " << position[2] << ")";
     return printDataValues(data->GetPointData(), pointId, "Point", name, coords.str(), "\n");
   }
-  if(m_HoverCells)
+  if (m_HoverCells)
   {
     const vtkIdType cellId = picker->GetCellId();
-    if(cellId < 0)
+    if (cellId < 0)
       return {};
     vtkNew<vtkIdTypeArray> ids;
     ids->InsertNextValue(cellId);
     createCellHighlighter(data, ids, actorTransform);
     std::ostringstream coords;
-    coords << "(" << m_PickPosition[0] << ", " << m_PickPosition[1] << ", " << m_PickPosition[2] << ")";
+    coords << "(" << m_PickPosition[0] << ", " << m_PickPosition[1] << ", " << m_PickPosition[2]
+           << ")";
     return printDataValues(data->GetCellData(), cellId, "Cell", name, coords.str(), "\n");
   }
   return {};
 }
 
 std::string VXPickerCallback::printDataValues(vtkDataSetAttributes* attributes, vtkIdType id,
-  const std::string& itemKind, const std::string& geometryName, const std::string& coords,
-  const std::string& lineEnding)
+                                              const std::string& itemKind,
+                                              const std::string& geometryName,
+                                              const std::string& coords,
+                                              const std::string& lineEnding)
 {
-  if(id < 0)
+  if (id < 0)
     return "Idx = -1";
-  std::string text = (geometryName.empty() ? std::string("Unnamed Geometry") : geometryName) + lineEnding;
+  std::string text =
+    (geometryName.empty() ? std::string("Unnamed Geometry") : geometryName) + lineEnding;
   text += "    " + itemKind + " Id: " + std::to_string(id) + lineEnding;
   const int count = attributes != nullptr ? attributes->GetNumberOfArrays() : 0;
-  for(int i = 0; i < count; ++i)
+  for (int i = 0; i < count; ++i)
   {
     vtkAbstractArray* array = attributes->GetAbstractArray(i);
-    if(array != nullptr && array->GetName() != nullptr && isOriginalIdArray(array->GetName()))
+    if (array != nullptr && array->GetName() != nullptr && isOriginalIdArray(array->GetName()))
       appendArrayLines(text, array, id, lineEnding);
   }
-  if(!coords.empty())
+  if (!coords.empty())
     text += "    Coords: " + coords + lineEnding;
-  for(int i = 0; i < count; ++i)
+  for (int i = 0; i < count; ++i)
   {
     vtkAbstractArray* array = attributes->GetAbstractArray(i);
-    if(array == nullptr || (array->GetName() != nullptr && isOriginalIdArray(array->GetName())))
+    if (array == nullptr || (array->GetName() != nullptr && isOriginalIdArray(array->GetName())))
       continue;
     appendArrayLines(text, array, id, lineEnding);
   }
@@ -341,9 +352,9 @@ std::string VXPickerCallback::printDataValues(vtkDataSetAttributes* attributes, 
 
 void VXPickerCallback::setupHighlightActors()
 {
-  for(auto* slot : {&m_PointHighlightActor, &m_CellHighlightActor})
+  for (auto* slot : { &m_PointHighlightActor, &m_CellHighlightActor })
   {
-    if(*slot != nullptr && m_Renderer != nullptr)
+    if (*slot != nullptr && m_Renderer != nullptr)
       m_Renderer->RemoveViewProp(*slot);
     auto actor = vtkSmartPointer<vtkActor>::New();
     vtkNew<vtkPolyDataMapper> mapper;
@@ -354,20 +365,21 @@ void VXPickerCallback::setupHighlightActors()
     actor->GetProperty()->SetColor(0.0, 0.0, 0.0);
     actor->SetVisibility(false);
     *slot = actor;
-    if(m_Renderer != nullptr)
+    if (m_Renderer != nullptr)
       m_Renderer->AddViewProp(actor);
   }
   m_CellHighlightActor->GetProperty()->SetRepresentationToWireframe();
   m_CellHighlightActor->GetProperty()->SetLineWidth(m_HighlightLineWidth + 1.0f);
 }
 
-void VXPickerCallback::createPointHighlighter(
-  double x, double y, double z, vtkLinearTransform* transform, std::optional<double> size) const
+void VXPickerCallback::createPointHighlighter(double x, double y, double z,
+                                              vtkLinearTransform* transform,
+                                              std::optional<double> size) const
 {
-  if(m_PointHighlightActor == nullptr)
+  if (m_PointHighlightActor == nullptr)
     return;
-  double point[3] = {x, y, z};
-  if(transform != nullptr)
+  double point[3] = { x, y, z };
+  if (transform != nullptr)
     transform->TransformPoint(point, point);
   vtkNew<vtkSphereSource> sphere;
   sphere->SetRadius(0.5);
@@ -379,7 +391,7 @@ void VXPickerCallback::createPointHighlighter(
   m_PointHighlightActor->SetPosition(point);
   m_PointHighlightActor->SetScale(1.0);
   double scale = size.value_or(0.0);
-  if(!size.has_value())
+  if (!size.has_value())
   {
     // about 15 pixels across at the current zoom
     const double ratio = getPointHighlighterSizeRatio(point[0], point[1], point[2]);
@@ -390,14 +402,14 @@ void VXPickerCallback::createPointHighlighter(
   m_CellHighlightActor->SetVisibility(false);
 }
 
-void VXPickerCallback::createCellHighlighter(
-  vtkDataSet* data, const vtkIdTypeArray* cellIds, vtkLinearTransform* transform) const
+void VXPickerCallback::createCellHighlighter(vtkDataSet* data, const vtkIdTypeArray* cellIds,
+                                             vtkLinearTransform* transform) const
 {
-  if(m_CellHighlightActor == nullptr || data == nullptr || cellIds == nullptr ||
-    const_cast<vtkIdTypeArray*>(cellIds)->GetNumberOfTuples() < 1)
+  if (m_CellHighlightActor == nullptr || data == nullptr || cellIds == nullptr ||
+      const_cast<vtkIdTypeArray*>(cellIds)->GetNumberOfTuples() < 1)
     return;
   const vtkIdType cellId = const_cast<vtkIdTypeArray*>(cellIds)->GetValue(0);
-  if(cellId < 0 || cellId >= data->GetNumberOfCells())
+  if (cellId < 0 || cellId >= data->GetNumberOfCells())
     return;
   vtkCell* cell = data->GetCell(cellId);
   vtkNew<vtkPoints> points;
@@ -406,19 +418,19 @@ void VXPickerCallback::createCellHighlighter(
   {
     const vtkIdType n = edge->GetNumberOfPoints();
     std::vector<vtkIdType> ids(static_cast<size_t>(n));
-    for(vtkIdType i = 0; i < n; ++i)
+    for (vtkIdType i = 0; i < n; ++i)
     {
       double p[3];
       edge->GetPoints()->GetPoint(i, p);
-      if(transform != nullptr)
+      if (transform != nullptr)
         transform->TransformPoint(p, p);
       ids[static_cast<size_t>(i)] = points->InsertNextPoint(p);
     }
     lines->InsertNextCell(n, ids.data());
   };
-  if(cell->GetNumberOfEdges() > 0)
+  if (cell->GetNumberOfEdges() > 0)
   {
-    for(int e = 0; e < cell->GetNumberOfEdges(); ++e)
+    for (int e = 0; e < cell->GetNumberOfEdges(); ++e)
       addEdge(cell->GetEdge(e));
   }
   else
@@ -436,15 +448,15 @@ void VXPickerCallback::createCellHighlighter(
 
 void VXPickerCallback::toggleHighlightersVisibility(bool visible) const
 {
-  if(m_PointHighlightActor != nullptr)
+  if (m_PointHighlightActor != nullptr)
     m_PointHighlightActor->SetVisibility(visible);
-  if(m_CellHighlightActor != nullptr)
+  if (m_CellHighlightActor != nullptr)
     m_CellHighlightActor->SetVisibility(visible);
 }
 
 double VXPickerCallback::getPointHighlighterSizeRatio(double x, double y, double z) const
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return std::numeric_limits<double>::quiet_NaN();
   m_Renderer->SetWorldPoint(x, y, z, 1.0);
   m_Renderer->WorldToDisplay();
@@ -457,7 +469,7 @@ double VXPickerCallback::getPointHighlighterSizeRatio(double x, double y, double
     double world[4];
     m_Renderer->GetWorldPoint(world);
     const double w = world[3] != 0.0 ? world[3] : 1.0;
-    for(int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i)
       out[i] = world[i] / w;
   };
   double low[3];
@@ -466,11 +478,11 @@ double VXPickerCallback::getPointHighlighterSizeRatio(double x, double y, double
   toWorld(display[0] + 7.5, display[1] + 7.5, display[2], high);
   const double half = 0.5 * std::sqrt(vtkMath::Distance2BetweenPoints(low, high));
   vtkActor* reference = (m_HoverPoints || m_KeyPick) ? m_PointHighlightActor : m_CellHighlightActor;
-  if(reference == nullptr)
+  if (reference == nullptr)
     return std::numeric_limits<double>::quiet_NaN();
   const double* bounds = reference->GetBounds();
   const double width = bounds != nullptr ? bounds[1] - bounds[0] : 0.0;
-  if(width == 0.0 || !std::isfinite(width))
+  if (width == 0.0 || !std::isfinite(width))
     return std::numeric_limits<double>::quiet_NaN();
   return 2.0 * half / width;
 }

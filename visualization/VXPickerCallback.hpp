@@ -52,15 +52,18 @@ public:
   /** Called when highlighters change and the view needs a frame. */
   void setRenderFunction(RenderFunction function) { m_RenderFunction = std::move(function); }
 
-  /** Picks at the interactor's event position and returns the text describing the hit; empty on a miss. */
+  /** Picks at the interactor's event position and returns the text describing the hit; empty on a
+   * miss. */
   std::string GeneratePickInfo();
   /** Creates both highlight actors (hidden, unpickable, black) on the scene renderer. */
   void setupHighlightActors();
-  /** Places the point marker at (x, y, z), through @p transform when given, @p size world units across. */
-  void createPointHighlighter(
-    double x, double y, double z, vtkLinearTransform* transform, std::optional<double> size) const;
+  /** Places the point marker at (x, y, z), through @p transform when given, @p size world units
+   * across. */
+  void createPointHighlighter(double x, double y, double z, vtkLinearTransform* transform,
+                              std::optional<double> size) const;
   /** Outlines cell @p cellIds[0] of @p data, through @p transform when given. */
-  void createCellHighlighter(vtkDataSet* data, const vtkIdTypeArray* cellIds, vtkLinearTransform* transform) const;
+  void createCellHighlighter(vtkDataSet* data, const vtkIdTypeArray* cellIds,
+                             vtkLinearTransform* transform) const;
   /** Shows or hides both highlight actors. */
   void toggleHighlightersVisibility(bool visible) const;
   /**
@@ -74,8 +77,9 @@ public:
    * original-id arrays, the coordinates, then every other array, each line
    * ended by @p lineEnding. A negative id gives "Idx = -1".
    */
-  static std::string printDataValues(vtkDataSetAttributes* attributes, vtkIdType id, const std::string& itemKind,
-    const std::string& geometryName, const std::string& coords, const std::string& lineEnding);
+  static std::string printDataValues(vtkDataSetAttributes* attributes, vtkIdType id,
+                                     const std::string& itemKind, const std::string& geometryName,
+                                     const std::string& coords, const std::string& lineEnding);
 
   void setHoverPoints(bool on) { m_HoverPoints = on; }
   bool hoverPointsOn() const { return m_HoverPoints; }
@@ -115,8 +119,8 @@ private:
   vtkSmartPointer<vtkActor> m_CellHighlightActor;
   float m_HighlightLineWidth = 2.0f;
   QString m_PickText;
-  double m_PickPosition[3] = {0.0, 0.0, 0.0};
+  double m_PickPosition[3] = { 0.0, 0.0, 0.0 };
   vtkWeakPointer<vtkImageData> m_LastImageData;
   vtkWeakPointer<vtkImageSlice> m_LastImageSlice;
-  int m_LastImageIndex[3] = {0, 0, 0};
+  int m_LastImageIndex[3] = { 0, 0, 0 };
 };

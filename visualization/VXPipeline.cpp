@@ -31,8 +31,8 @@ QString s_DefaultPresetName = "Cool to Warm";
 } // namespace
 
 VXPipeline::StateLoadScope::StateLoadScope(VXPipeline& pipeline)
-: m_Pipeline(pipeline)
-, m_Previous(pipeline.m_LoadingState)
+  : m_Pipeline(pipeline)
+  , m_Previous(pipeline.m_LoadingState)
 {
   pipeline.m_LoadingState = true;
 }
@@ -43,7 +43,7 @@ VXPipeline::StateLoadScope::~StateLoadScope()
 }
 
 VXPipeline::VXPipeline(QObject* parent)
-: QObject(parent)
+  : QObject(parent)
 {
 }
 
@@ -53,8 +53,9 @@ void VXPipeline::addBridge(VXBridgeObject* bridge)
 {
   bridge->setParent(this);
   Q_EMIT pipelineBridgeAdded(bridge);
-  if(auto* fileBridge = qobject_cast<FileToVXBridge*>(bridge))
-    connect(fileBridge, &FileToVXBridge::sendFileMovedMessage, this, &VXPipeline::sendOutputMessage);
+  if (auto* fileBridge = qobject_cast<FileToVXBridge*>(bridge))
+    connect(fileBridge, &FileToVXBridge::sendFileMovedMessage, this,
+            &VXPipeline::sendOutputMessage);
   connectVXBridgeObject(bridge);
 }
 
@@ -69,7 +70,8 @@ bool VXPipeline::importFile(const QString& filePath)
   return true;
 }
 
-bool VXPipeline::importPipelineOutput(KX::IPipelineController* controller, std::shared_ptr<kx::core::DataStructure>& structure)
+bool VXPipeline::importPipelineOutput(KX::IPipelineController* controller,
+                                      std::shared_ptr<kx::core::DataStructure>& structure)
 {
   auto* bridge = new KXToVXBridge(this);
   bridge->setParent(this);
@@ -81,16 +83,18 @@ bool VXPipeline::importPipelineOutput(KX::IPipelineController* controller, std::
   return true;
 }
 
-bool VXPipeline::reloadPipelineOutput(KX::IPipelineController* controller, std::shared_ptr<kx::core::DataStructure>& structure)
+bool VXPipeline::reloadPipelineOutput(KX::IPipelineController* controller,
+                                      std::shared_ptr<kx::core::DataStructure>& structure)
 {
-  if(controller != nullptr)
+  if (controller != nullptr)
   {
     const QString uuid = controller->getPipelineUuid();
-    for(VXBridgeObject* bridge : m_Bridges)
+    for (VXBridgeObject* bridge : m_Bridges)
     {
       auto* hostBridge = qobject_cast<KXToVXBridge*>(bridge);
       // a bridge without a controller (read from a state file) never matches a run
-      if(hostBridge != nullptr && hostBridge->kxPipeline() != nullptr && hostBridge->getPipelineUuid() == uuid)
+      if (hostBridge != nullptr && hostBridge->kxPipeline() != nullptr &&
+          hostBridge->getPipelineUuid() == uuid)
       {
         hostBridge->reloadPipelineOutput(controller, structure);
         return true;
@@ -102,7 +106,7 @@ bool VXPipeline::reloadPipelineOutput(KX::IPipelineController* controller, std::
 
 bool VXPipeline::addVXBridgeObject(VXBridgeObject* bridge)
 {
-  if(bridge == nullptr)
+  if (bridge == nullptr)
     return false;
   addBridge(bridge);
   bridge->setNameSuffix(VXPipelineModel::GetNameSuffixCounter(m_Bridges, bridge->baseName()));
@@ -118,93 +122,105 @@ void VXPipeline::connectVXBridgeObject(const VXBridgeObject* bridge)
   connect(bridge, &VXBridgeObject::removeDataSource, this, &VXPipeline::removeDataSource);
   connect(bridge, &VXBridgeObject::sendOutputMessage, this, &VXPipeline::sendOutputMessage);
   connect(bridge, &VXBridgeObject::sendPopupMessage, this, &VXPipeline::sendPopupMessage);
-  connect(bridge, &VXBridgeObject::pipelineOutputReloaded, this, &VXPipeline::pipelineOutputReloaded);
+  connect(bridge, &VXBridgeObject::pipelineOutputReloaded, this,
+          &VXPipeline::pipelineOutputReloaded);
 }
 
 VXRepresentation::Type VXPipeline::DefaultRepresentationType(vtkDataSet* dataSet)
 {
-  if(dataSet == nullptr)
+  if (dataSet == nullptr)
     return VXRepresentation::Outline;
-  switch(dataSet->GetDataObjectType())
+  switch (dataSet->GetDataObjectType())
   {
-  case VTK_IMAGE_DATA:
-    return s_DefaultImageGeomRepType;
-  case VTK_RECTILINEAR_GRID:
-    return s_DefaultRectGridRepType;
-  case VTK_POLY_DATA: {
-    auto* poly = vtkPolyData::SafeDownCast(dataSet);
-    if(poly->GetNumberOfVerts() >= 1)
-      return s_DefaultVertexRepType;
-    if(poly->GetNumberOfLines() > 0)
-      return s_DefaultEdgeRepType;
-    if(poly->GetNumberOfPolys() >= 1)
+    case VTK_IMAGE_DATA:
+      return s_DefaultImageGeomRepType;
+    case VTK_RECTILINEAR_GRID:
+      return s_DefaultRectGridRepType;
+    case VTK_POLY_DATA:
     {
-      switch(poly->GetCellType(0))
+      auto* poly = vtkPolyData::SafeDownCast(dataSet);
+      if (poly->GetNumberOfVerts() >= 1)
+        return s_DefaultVertexRepType;
+      if (poly->GetNumberOfLines() > 0)
+        return s_DefaultEdgeRepType;
+      if (poly->GetNumberOfPolys() >= 1)
       {
-      case VTK_TRIANGLE: return s_DefaultTriangleRepType;
-      case VTK_QUAD: return s_DefaultQuadRepType;
-      case VTK_TETRA: return s_DefaultTetRepType;
-      case VTK_HEXAHEDRON: return s_DefaultHexRepType;
-      default: break;
+        switch (poly->GetCellType(0))
+        {
+          case VTK_TRIANGLE:
+            return s_DefaultTriangleRepType;
+          case VTK_QUAD:
+            return s_DefaultQuadRepType;
+          case VTK_TETRA:
+            return s_DefaultTetRepType;
+          case VTK_HEXAHEDRON:
+            return s_DefaultHexRepType;
+          default:
+            break;
+        }
       }
+      return VXRepresentation::Outline;
     }
-    return VXRepresentation::Outline;
-  }
-  case VTK_UNSTRUCTURED_GRID: {
-    if(dataSet->GetNumberOfCells() > 0)
+    case VTK_UNSTRUCTURED_GRID:
     {
-      const int cellType = dataSet->GetCellType(0);
-      if(cellType == VTK_TETRA)
-        return s_DefaultTetRepType;
-      if(cellType == VTK_HEXAHEDRON)
-        return s_DefaultHexRepType;
+      if (dataSet->GetNumberOfCells() > 0)
+      {
+        const int cellType = dataSet->GetCellType(0);
+        if (cellType == VTK_TETRA)
+          return s_DefaultTetRepType;
+        if (cellType == VTK_HEXAHEDRON)
+          return s_DefaultHexRepType;
+      }
+      return VXRepresentation::Outline;
     }
-    return VXRepresentation::Outline;
-  }
-  default:
-    return VXRepresentation::Outline;
+    default:
+      return VXRepresentation::Outline;
   }
 }
 
 void VXPipeline::onDataSourceAdded(VXDataSource* source)
 {
-  if(source == nullptr)
+  if (source == nullptr)
     return;
-  connect(this, &VXPipeline::pipelineOutputReloaded, source, &VXDataSource::receivePipelineOutputReloaded);
+  connect(this, &VXPipeline::pipelineOutputReloaded, source,
+          &VXDataSource::receivePipelineOutputReloaded);
   // a data-only pipeline keeps data sources bare: no pipeline, no view, no data view
-  if(m_DataOnlyMode)
+  if (m_DataOnlyMode)
     return;
   source->setPipeline(this);
-  if(source->viewWidgets().isEmpty())
+  if (source->viewWidgets().isEmpty())
     source->addViewWidget(m_ActiveViewWidget);
-  if(!source->children().isEmpty())
+  if (!source->children().isEmpty())
     return;
-  if(m_ActiveViewWidget == nullptr || m_LoadingState)
+  if (m_ActiveViewWidget == nullptr || m_LoadingState)
     return;
   addRepresentation(source, DefaultRepresentationType(source->getOutput()));
 }
 
 bool VXPipeline::addRepresentation(VXCoreObject* parent, VXRepresentation::Type type)
 {
-  if(parent == nullptr)
+  if (parent == nullptr)
   {
-    Q_EMIT sendOutputMessage("Cannot add representation view because the selected parent item does not exist!");
+    Q_EMIT sendOutputMessage(
+      "Cannot add representation view because the selected parent item does not exist!");
     return false;
   }
-  if(m_ActiveViewWidget == nullptr)
+  if (m_ActiveViewWidget == nullptr)
   {
-    Q_EMIT sendOutputMessage("Cannot add representation view because no active render window is selected!");
+    Q_EMIT sendOutputMessage(
+      "Cannot add representation view because no active render window is selected!");
     return false;
   }
-  if(type == VXRepresentation::None)
+  if (type == VXRepresentation::None)
     return false;
-  if(type > VXRepresentation::Glyph)
+  if (type > VXRepresentation::Glyph)
     return true;
   VXRepresentation* representation = VXRepresentation::Create(type, this);
-  if(representation == nullptr)
+  if (representation == nullptr)
   {
-    Q_EMIT sendOutputMessage(QString("Cannot add representation view: the %1 view is not available in this build.")
-                               .arg(VXRepresentation::k_RepresentationTypeToString.value(type)));
+    Q_EMIT sendOutputMessage(
+      QString("Cannot add representation view: the %1 view is not available in this build.")
+        .arg(VXRepresentation::k_RepresentationTypeToString.value(type)));
     return false;
   }
   return addRepresentation(parent, representation);
@@ -212,56 +228,59 @@ bool VXPipeline::addRepresentation(VXCoreObject* parent, VXRepresentation::Type 
 
 bool VXPipeline::addRepresentation(VXCoreObject* parent, VXRepresentation* representation)
 {
-  if(parent == nullptr || representation == nullptr || m_ActiveViewWidget == nullptr)
+  if (parent == nullptr || representation == nullptr || m_ActiveViewWidget == nullptr)
     return false;
   representation->setParentSource(parent);
   representation->setPipeline(this);
-  if(!representation->addViewInstance(nullptr, m_ActiveViewWidget, parent->outputPort(), true))
+  if (!representation->addViewInstance(nullptr, m_ActiveViewWidget, parent->outputPort(), true))
     representation->initializeImplementations(parent->outputPort());
-  connect(this, &VXPipeline::pipelineOutputReloaded, representation, &VXRepresentation::receivePipelineOutputReloaded);
+  connect(this, &VXPipeline::pipelineOutputReloaded, representation,
+          &VXRepresentation::receivePipelineOutputReloaded);
   Q_EMIT representationAdded(representation);
   return true;
 }
 
 bool VXPipeline::addLoadedRepresentation(VXCoreObject* parent, VXRepresentation* representation)
 {
-  if(parent == nullptr || representation == nullptr)
+  if (parent == nullptr || representation == nullptr)
     return false;
   representation->setParentSource(parent);
   representation->setPipeline(this);
   representation->initializeViewWidgetSplits(nullptr, false);
   representation->initializeImplementations(parent->outputPort());
-  connect(this, &VXPipeline::pipelineOutputReloaded, representation, &VXRepresentation::receivePipelineOutputReloaded);
+  connect(this, &VXPipeline::pipelineOutputReloaded, representation,
+          &VXRepresentation::receivePipelineOutputReloaded);
   Q_EMIT representationAdded(representation);
   return true;
 }
 
 bool VXPipeline::addFilter(VXCoreObject* parent, VXFilter* filter)
 {
-  if(parent == nullptr || filter == nullptr || m_ActiveViewWidget == nullptr)
+  if (parent == nullptr || filter == nullptr || m_ActiveViewWidget == nullptr)
     return false;
   filter->setParent(parent);
   filter->setPipeline(this);
-  if(filter->inputPort() == nullptr)
+  if (filter->inputPort() == nullptr)
     filter->setInputPort(parent->outputPort());
   // a filter from a state file comes with its views
-  if(filter->viewWidgets().isEmpty())
+  if (filter->viewWidgets().isEmpty())
   {
     filter->addViewWidget(m_ActiveViewWidget);
     filter->initializeFilter();
   }
   connect(filter, &VXCoreObject::requestRenderAll, this, &VXPipeline::requestRenderAll);
-  connect(this, &VXPipeline::pipelineOutputReloaded, filter, &VXFilter::receivePipelineOutputReloaded);
+  connect(this, &VXPipeline::pipelineOutputReloaded, filter,
+          &VXFilter::receivePipelineOutputReloaded);
   Q_EMIT filterAdded(filter);
   return true;
 }
 
 bool VXPipeline::addGlobalSource(VXGlobalSource* source)
 {
-  if(source == nullptr)
+  if (source == nullptr)
     return false;
   QList<VXCoreObject*> held;
-  for(VXGlobalSource* existing : m_GlobalSources)
+  for (VXGlobalSource* existing : m_GlobalSources)
     held.append(existing);
   const int suffix = VXPipelineModel::GetNameSuffixCounter(held, source->baseName());
   m_GlobalSources.append(source);
@@ -274,9 +293,9 @@ bool VXPipeline::addGlobalSource(VXGlobalSource* source)
 
 void VXPipeline::onDataSourceRemoved(VXDataSource* source)
 {
-  if(source == nullptr)
+  if (source == nullptr)
     return;
-  if(auto* bridge = qobject_cast<VXBridgeObject*>(source->parent()))
+  if (auto* bridge = qobject_cast<VXBridgeObject*>(source->parent()))
     bridge->onDataSourceRemoved(source);
   Q_EMIT dataSourceRemoved(source);
 }
@@ -298,14 +317,14 @@ void VXPipeline::setActiveViewWidget(VXAbstractViewWidget* view)
   m_ActiveViewWidget = view;
 }
 
-#define KXVTK_DEFAULT_ACCESSORS(Name, Field)                                                                                      \
-  VXRepresentation::Type VXPipeline::get##Name()                                                                                   \
-  {                                                                                                                                \
-    return Field;                                                                                                                  \
-  }                                                                                                                                \
-  void VXPipeline::set##Name(VXRepresentation::Type type)                                                                          \
-  {                                                                                                                                \
-    Field = type;                                                                                                                  \
+#define KXVTK_DEFAULT_ACCESSORS(Name, Field)                                                       \
+  VXRepresentation::Type VXPipeline::get##Name()                                                   \
+  {                                                                                                \
+    return Field;                                                                                  \
+  }                                                                                                \
+  void VXPipeline::set##Name(VXRepresentation::Type type)                                          \
+  {                                                                                                \
+    Field = type;                                                                                  \
   }
 
 KXVTK_DEFAULT_ACCESSORS(DefaultRepType, s_DefaultRepType)

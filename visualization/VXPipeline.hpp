@@ -55,9 +55,11 @@ public:
   explicit VXPipeline(QObject* parent = nullptr);
   ~VXPipeline() override;
 
-  bool importPipelineOutput(KX::IPipelineController* controller, std::shared_ptr<kx::core::DataStructure>& structure);
+  bool importPipelineOutput(KX::IPipelineController* controller,
+                            std::shared_ptr<kx::core::DataStructure>& structure);
   /** Updates the bridge of the same host pipeline, or imports when there is none. */
-  bool reloadPipelineOutput(KX::IPipelineController* controller, std::shared_ptr<kx::core::DataStructure>& structure);
+  bool reloadPipelineOutput(KX::IPipelineController* controller,
+                            std::shared_ptr<kx::core::DataStructure>& structure);
   /** Adds a bridge made elsewhere (e.g. by the state loader). */
   bool addVXBridgeObject(VXBridgeObject* bridge);
   void connectVXBridgeObject(const VXBridgeObject* bridge);
@@ -118,10 +120,13 @@ Q_SIGNALS:
   void sendOutputMessage(QString message);
   void sendPopupMessage(QString title, QString message);
   void requestRenderAll();
-  void activeViewChanged(VXAbstractViewWidget* previousActiveView, VXAbstractViewWidget* currentActiveView);
+  void activeViewChanged(VXAbstractViewWidget* previousActiveView,
+                         VXAbstractViewWidget* currentActiveView);
   void representationViewInstanceAdded();
-  void createMultiThresholdObjectsFilter(kx::core::DataPath geometryPath, std::vector<KX::ArrayThresholdRange> ranges);
-  void createApplyTransformationGeometryFilter(kx::core::DataPath geometryPath, const std::array<std::array<double, 4>, 4>& transformMatrix);
+  void createMultiThresholdObjectsFilter(kx::core::DataPath geometryPath,
+                                         std::vector<KX::ArrayThresholdRange> ranges);
+  void createApplyTransformationGeometryFilter(
+    kx::core::DataPath geometryPath, const std::array<std::array<double, 4>, 4>& transformMatrix);
   void linkingDataViews(bool isLinking);
 
 private:

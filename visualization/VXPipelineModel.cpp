@@ -32,24 +32,24 @@ constexpr std::int32_t k_GlobalSourceKind = 4;
 constexpr int k_CheckStateRole = Qt::CheckStateRole;
 constexpr int k_NameColumn = 1;
 
-template <typename Item>
+template<typename Item>
 int smallestFreeSuffix(const QList<Item*>& items, const QString& baseName)
 {
   QList<int> taken;
-  for(const Item* item : items)
+  for (const Item* item : items)
   {
-    if(item != nullptr && item->baseName() == baseName)
+    if (item != nullptr && item->baseName() == baseName)
       taken.append(item->getNameSuffixCounter());
   }
-  if(taken.isEmpty())
+  if (taken.isEmpty())
     return 0;
   std::sort(taken.begin(), taken.end());
   int candidate = 1;
-  for(int suffix : taken)
+  for (int suffix : taken)
   {
-    if(suffix == candidate)
+    if (suffix == candidate)
       candidate++;
-    else if(suffix > candidate)
+    else if (suffix > candidate)
       break;
   }
   return candidate;
@@ -58,7 +58,7 @@ int smallestFreeSuffix(const QList<Item*>& items, const QString& baseName)
 /** A check state from a view (Qt::CheckState) or a button (bool). */
 bool truthOf(const QVariant& value)
 {
-  if(value.typeId() == QMetaType::Bool)
+  if (value.typeId() == QMetaType::Bool)
     return value.toBool();
   return value.toInt() != 0;
 }
@@ -66,7 +66,7 @@ bool truthOf(const QVariant& value)
 QString toolTipText(const QString& name, const QString& type, const QString& hint)
 {
   QString text = QString("Name: %1\nType: %2").arg(name, type);
-  if(!hint.isEmpty())
+  if (!hint.isEmpty())
     text += "\n" + hint;
   return text;
 }
@@ -80,18 +80,27 @@ class VXPipelineModel::TreeItem
 {
 public:
   TreeItem(TreeItem* parentItem, std::int32_t itemKind, std::any itemValue)
-  : parent(parentItem)
-  , kind(itemKind)
-  , value(std::move(itemValue))
+    : parent(parentItem)
+    , kind(itemKind)
+    , value(std::move(itemValue))
   {
   }
   ~TreeItem() { qDeleteAll(children); }
   TreeItem(const TreeItem&) = delete;
   TreeItem& operator=(const TreeItem&) = delete;
 
-  VXBridgeObject* bridge() const { return kind == k_BridgeKind ? std::any_cast<VXBridgeObject*>(value) : nullptr; }
-  VXDataSource* dataSource() const { return kind == k_DataSourceKind ? std::any_cast<VXDataSource*>(value) : nullptr; }
-  VXFilter* filter() const { return kind == k_FilterKind ? std::any_cast<VXFilter*>(value) : nullptr; }
+  VXBridgeObject* bridge() const
+  {
+    return kind == k_BridgeKind ? std::any_cast<VXBridgeObject*>(value) : nullptr;
+  }
+  VXDataSource* dataSource() const
+  {
+    return kind == k_DataSourceKind ? std::any_cast<VXDataSource*>(value) : nullptr;
+  }
+  VXFilter* filter() const
+  {
+    return kind == k_FilterKind ? std::any_cast<VXFilter*>(value) : nullptr;
+  }
   VXRepresentation* representation() const
   {
     return kind == k_RepresentationKind ? std::any_cast<VXRepresentation*>(value) : nullptr;
@@ -103,34 +112,51 @@ public:
 
   VXCoreObject* coreObject() const
   {
-    switch(kind)
+    switch (kind)
     {
-    case k_DataSourceKind: return dataSource();
-    case k_FilterKind: return filter();
-    case k_RepresentationKind: return representation();
-    case k_GlobalSourceKind: return globalSource();
-    default: return nullptr;
+      case k_DataSourceKind:
+        return dataSource();
+      case k_FilterKind:
+        return filter();
+      case k_RepresentationKind:
+        return representation();
+      case k_GlobalSourceKind:
+        return globalSource();
+      default:
+        return nullptr;
     }
   }
 
   /** Keeps the kind but lets the row hold no object any more. */
   void clearValue()
   {
-    switch(kind)
+    switch (kind)
     {
-    case k_BridgeKind: value = static_cast<VXBridgeObject*>(nullptr); break;
-    case k_DataSourceKind: value = static_cast<VXDataSource*>(nullptr); break;
-    case k_FilterKind: value = static_cast<VXFilter*>(nullptr); break;
-    case k_RepresentationKind: value = static_cast<VXRepresentation*>(nullptr); break;
-    case k_GlobalSourceKind: value = static_cast<VXGlobalSource*>(nullptr); break;
-    default: break;
+      case k_BridgeKind:
+        value = static_cast<VXBridgeObject*>(nullptr);
+        break;
+      case k_DataSourceKind:
+        value = static_cast<VXDataSource*>(nullptr);
+        break;
+      case k_FilterKind:
+        value = static_cast<VXFilter*>(nullptr);
+        break;
+      case k_RepresentationKind:
+        value = static_cast<VXRepresentation*>(nullptr);
+        break;
+      case k_GlobalSourceKind:
+        value = static_cast<VXGlobalSource*>(nullptr);
+        break;
+      default:
+        break;
     }
   }
 
-  /** The address of the item's object; a pointer conversion only, so it is safe on a dying object. */
+  /** The address of the item's object; a pointer conversion only, so it is safe on a dying object.
+   */
   QObject* object() const
   {
-    if(kind == k_BridgeKind)
+    if (kind == k_BridgeKind)
       return bridge();
     return coreObject();
   }
@@ -142,10 +168,10 @@ public:
 };
 
 VXPipelineModel::VXPipelineModel(VXPipeline* pipeline, QObject* parent)
-: QAbstractItemModel(parent)
-, m_Pipeline(pipeline)
+  : QAbstractItemModel(parent)
+  , m_Pipeline(pipeline)
 {
-  if(pipeline == nullptr)
+  if (pipeline == nullptr)
     return;
   connect(pipeline, &VXPipeline::pipelineBridgeAdded, this, &VXPipelineModel::pipelineBridgeAdded);
   connect(pipeline, &VXPipeline::dataSourceAdded, this, &VXPipelineModel::dataSourceAdded);
@@ -153,7 +179,8 @@ VXPipelineModel::VXPipelineModel(VXPipeline* pipeline, QObject* parent)
   connect(pipeline, &VXPipeline::representationAdded, this, &VXPipelineModel::representationAdded);
   connect(pipeline, &VXPipeline::removeModule, this, &VXPipelineModel::removeLeafItem);
   connect(pipeline, &VXPipeline::removeDataSource, this, &VXPipelineModel::removeDataSource);
-  connect(pipeline, &VXPipeline::representationViewInstanceAdded, this, &VXPipelineModel::representationViewInstanceAdded);
+  connect(pipeline, &VXPipeline::representationViewInstanceAdded, this,
+          &VXPipelineModel::representationViewInstanceAdded);
   // a model that outlives its pipeline must not call into it while the pipeline's children go
   connect(pipeline, &QObject::destroyed, this, [this]() { m_Pipeline = nullptr; });
 }
@@ -168,7 +195,7 @@ VXPipelineModel::~VXPipelineModel()
 
 VXPipelineModel::TreeItem* VXPipelineModel::itemFromIndex(const QModelIndex& index) const
 {
-  if(!index.isValid() || index.model() != this)
+  if (!index.isValid() || index.model() != this)
     return nullptr;
   return static_cast<TreeItem*>(index.internalPointer());
 }
@@ -180,17 +207,17 @@ const QList<VXPipelineModel::TreeItem*>& VXPipelineModel::siblingsOf(const TreeI
 
 QModelIndex VXPipelineModel::indexOfItem(const TreeItem* item, int column) const
 {
-  if(item == nullptr)
+  if (item == nullptr)
     return {};
   const int row = siblingsOf(item).indexOf(item);
-  if(row < 0)
+  if (row < 0)
     return {};
   return createIndex(row, column, const_cast<TreeItem*>(item));
 }
 
 QModelIndex VXPipelineModel::index(int row, int column, const QModelIndex& parent) const
 {
-  if(!hasIndex(row, column, parent))
+  if (!hasIndex(row, column, parent))
     return {};
   const TreeItem* parentItem = itemFromIndex(parent);
   const QList<TreeItem*>& rows = parentItem != nullptr ? parentItem->children : m_Items;
@@ -200,17 +227,17 @@ QModelIndex VXPipelineModel::index(int row, int column, const QModelIndex& paren
 QModelIndex VXPipelineModel::parent(const QModelIndex& index) const
 {
   const TreeItem* item = itemFromIndex(index);
-  if(item == nullptr || item->parent == nullptr)
+  if (item == nullptr || item->parent == nullptr)
     return {};
   return indexOfItem(item->parent, 0);
 }
 
 int VXPipelineModel::rowCount(const QModelIndex& parent) const
 {
-  if(!parent.isValid())
+  if (!parent.isValid())
     return static_cast<int>(m_Items.size());
   // children hang from the first column only, as tree views expect
-  if(parent.column() != 0)
+  if (parent.column() != 0)
     return 0;
   const TreeItem* item = itemFromIndex(parent);
   return item != nullptr ? static_cast<int>(item->children.size()) : 0;
@@ -223,16 +250,16 @@ int VXPipelineModel::columnCount(const QModelIndex&) const
 
 Qt::ItemFlags VXPipelineModel::flags(const QModelIndex& index) const
 {
-  if(!index.isValid())
+  if (!index.isValid())
     return Qt::NoItemFlags;
-  if(index.column() == k_NameColumn)
+  if (index.column() == k_NameColumn)
     return Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsUserCheckable | Qt::ItemIsEnabled;
   return Qt::ItemIsSelectable | Qt::ItemIsEnabled;
 }
 
 QVariant VXPipelineModel::headerData(int section, Qt::Orientation, int role) const
 {
-  if(role == Qt::DisplayRole && section >= 0 && section <= 2)
+  if (role == Qt::DisplayRole && section >= 0 && section <= 2)
     return QString("");
   return {};
 }
@@ -243,56 +270,62 @@ QVariant VXPipelineModel::headerData(int section, Qt::Orientation, int role) con
 QVariant VXPipelineModel::data(const QModelIndex& index, int role) const
 {
   const TreeItem* item = itemFromIndex(index);
-  if(item == nullptr || item->object() == nullptr)
+  if (item == nullptr || item->object() == nullptr)
     return {};
   VXBridgeObject* bridge = item->bridge();
   VXCoreObject* coreObject = item->coreObject();
 
-  if(role == k_CheckStateRole)
+  if (role == k_CheckStateRole)
   {
-    if(m_Pipeline == nullptr || m_Pipeline->activeViewWidget() == nullptr)
+    if (m_Pipeline == nullptr || m_Pipeline->activeViewWidget() == nullptr)
       return {};
-    if(item->kind == k_RepresentationKind || item->kind == k_GlobalSourceKind)
+    if (item->kind == k_RepresentationKind || item->kind == k_GlobalSourceKind)
       return static_cast<int>(coreObject->isVisible() ? Qt::Checked : Qt::Unchecked);
     return {};
   }
 
-  if(role == Qt::DisplayRole && index.column() == k_NameColumn)
+  if (role == Qt::DisplayRole && index.column() == k_NameColumn)
     return bridge != nullptr ? bridge->name() : coreObject->name();
 
-  if(role == Qt::ToolTipRole && index.column() == k_NameColumn)
+  if (role == Qt::ToolTipRole && index.column() == k_NameColumn)
   {
-    switch(item->kind)
+    switch (item->kind)
     {
-    case k_BridgeKind: return toolTipText(bridge->name(), "Pipeline or File", {});
-    case k_DataSourceKind:
-      return toolTipText(coreObject->name(), "DataSource",
-                         "With this item selected, use the above toolbar to add a DataView or add a Visual Filter to see your data.");
-    case k_FilterKind:
-      return toolTipText(coreObject->name(), "Visual Filter",
-                         "With this item selected, use the above toolbar to add a DataView or add a Visual Filter to see your data.");
-    case k_RepresentationKind:
-      return toolTipText(coreObject->name(), "Data View",
-                         "Click on the parent of this item in the tree to add another DataView or additional Visual Filters.");
-    case k_GlobalSourceKind: return toolTipText(coreObject->name(), "Global Source", {});
-    default: return {};
+      case k_BridgeKind:
+        return toolTipText(bridge->name(), "Pipeline or File", {});
+      case k_DataSourceKind:
+        return toolTipText(coreObject->name(), "DataSource",
+                           "With this item selected, use the above toolbar to add a DataView or "
+                           "add a Visual Filter to see your data.");
+      case k_FilterKind:
+        return toolTipText(coreObject->name(), "Visual Filter",
+                           "With this item selected, use the above toolbar to add a DataView or "
+                           "add a Visual Filter to see your data.");
+      case k_RepresentationKind:
+        return toolTipText(coreObject->name(), "Data View",
+                           "Click on the parent of this item in the tree to add another DataView "
+                           "or additional Visual Filters.");
+      case k_GlobalSourceKind:
+        return toolTipText(coreObject->name(), "Global Source", {});
+      default:
+        return {};
     }
   }
 
-  if(role == Qt::DecorationRole)
+  if (role == Qt::DecorationRole)
   {
     const QIcon icon = bridge != nullptr ? bridge->getIcon() : coreObject->getIcon();
-    if(!icon.isNull())
+    if (!icon.isNull())
       return icon;
     return KXStyle::generateThemeIconFromName("VXPipelineTreeIcon");
   }
 
-  if(role == Qt::ForegroundRole)
+  if (role == Qt::ForegroundRole)
   {
     bool flagged = false;
-    if(auto* fileBridge = qobject_cast<FileToVXBridge*>(bridge))
+    if (auto* fileBridge = qobject_cast<FileToVXBridge*>(bridge))
       flagged = fileBridge->autoReloadFlagged();
-    else if(coreObject != nullptr)
+    else if (coreObject != nullptr)
       flagged = coreObject->autoReloadFlagged();
     return flagged ? KXStyle::getLightRedColor() : KXStyle::getDefaultTextColor();
   }
@@ -303,46 +336,47 @@ QVariant VXPipelineModel::data(const QModelIndex& index, int role) const
 bool VXPipelineModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
   TreeItem* item = itemFromIndex(index);
-  if(item == nullptr || item->object() == nullptr)
+  if (item == nullptr || item->object() == nullptr)
     return false;
 
-  if(role == k_CheckStateRole)
+  if (role == k_CheckStateRole)
   {
-    if(m_Pipeline == nullptr || m_Pipeline->activeViewWidget() == nullptr)
+    if (m_Pipeline == nullptr || m_Pipeline->activeViewWidget() == nullptr)
       return false;
     VXCoreObject* coreObject = item->coreObject();
-    if(coreObject == nullptr)
+    if (coreObject == nullptr)
       return false;
     const bool visible = truthOf(value);
     coreObject->setVisibility(visible);
     // a data view shown under a filter shows the filter's output too
-    if(item->kind == k_RepresentationKind && item->parent != nullptr && item->parent->kind == k_FilterKind)
+    if (item->kind == k_RepresentationKind && item->parent != nullptr &&
+        item->parent->kind == k_FilterKind)
     {
-      if(VXFilter* filter = item->parent->filter())
+      if (VXFilter* filter = item->parent->filter())
         filter->setVisibility(visible);
     }
     Q_EMIT itemVisibilityChanged(index, visible);
-    emitRowChanged(item, {k_CheckStateRole});
+    emitRowChanged(item, { k_CheckStateRole });
     return true;
   }
 
-  if(index.column() == k_NameColumn && (role == Qt::DisplayRole || role == Qt::EditRole))
+  if (index.column() == k_NameColumn && (role == Qt::DisplayRole || role == Qt::EditRole))
   {
     const QString name = value.toString();
     // a blank name would leave the row without text and the item without a path key
-    if(name.trimmed().isEmpty() || itemNameIsDuplicate(index, name))
+    if (name.trimmed().isEmpty() || itemNameIsDuplicate(index, name))
       return false;
-    if(VXBridgeObject* bridge = item->bridge())
+    if (VXBridgeObject* bridge = item->bridge())
     {
       bridge->setName(name, 0);
     }
-    else if(VXCoreObject* coreObject = item->coreObject())
+    else if (VXCoreObject* coreObject = item->coreObject())
     {
       // the typed text is the whole name: no suffix behind it
       coreObject->setNameSuffixCounter(0);
       coreObject->setBaseName(name);
     }
-    emitRowChanged(item, {Qt::EditRole, Qt::DisplayRole});
+    emitRowChanged(item, { Qt::EditRole, Qt::DisplayRole });
     return true;
   }
   return false;
@@ -351,7 +385,7 @@ bool VXPipelineModel::setData(const QModelIndex& index, const QVariant& value, i
 void VXPipelineModel::emitRowChanged(const TreeItem* item, const QList<int>& roles)
 {
   const QModelIndex first = indexOfItem(item, 0);
-  if(!first.isValid())
+  if (!first.isValid())
     return;
   Q_EMIT dataChanged(first, first.siblingAtColumn(k_NameColumn), roles);
 }
@@ -359,31 +393,45 @@ void VXPipelineModel::emitRowChanged(const TreeItem* item, const QList<int>& rol
 bool VXPipelineModel::itemNameIsDuplicate(const QModelIndex& index, const QString& name) const
 {
   const TreeItem* item = itemFromIndex(index);
-  if(item == nullptr)
+  if (item == nullptr)
     return false;
-  if(item->kind == k_BridgeKind)
+  if (item->kind == k_BridgeKind)
   {
     const QList<VXBridgeObject*> bridges = getAllBridgeObjects();
-    return std::any_of(bridges.cbegin(), bridges.cend(), [&name](const VXBridgeObject* bridge) { return bridge->name() == name; });
+    return std::any_of(bridges.cbegin(), bridges.cend(),
+                       [&name](const VXBridgeObject* bridge) { return bridge->name() == name; });
   }
   const QList<VXCoreObject*> objects = getAllCoreObjects();
-  return std::any_of(objects.cbegin(), objects.cend(), [&name](const VXCoreObject* object) { return object->name() == name; });
+  return std::any_of(objects.cbegin(), objects.cend(),
+                     [&name](const VXCoreObject* object) { return object->name() == name; });
 }
 
 // ---------------------------------------------------------------------------
 // Adding
 
-VXPipelineModel::TreeItem* VXPipelineModel::insertItem(TreeItem* parentItem, std::int32_t kind, QObject* object)
+VXPipelineModel::TreeItem* VXPipelineModel::insertItem(TreeItem* parentItem, std::int32_t kind,
+                                                       QObject* object)
 {
   std::any value;
-  switch(kind)
+  switch (kind)
   {
-  case k_BridgeKind: value = qobject_cast<VXBridgeObject*>(object); break;
-  case k_DataSourceKind: value = qobject_cast<VXDataSource*>(object); break;
-  case k_FilterKind: value = qobject_cast<VXFilter*>(object); break;
-  case k_RepresentationKind: value = qobject_cast<VXRepresentation*>(object); break;
-  case k_GlobalSourceKind: value = qobject_cast<VXGlobalSource*>(object); break;
-  default: return nullptr;
+    case k_BridgeKind:
+      value = qobject_cast<VXBridgeObject*>(object);
+      break;
+    case k_DataSourceKind:
+      value = qobject_cast<VXDataSource*>(object);
+      break;
+    case k_FilterKind:
+      value = qobject_cast<VXFilter*>(object);
+      break;
+    case k_RepresentationKind:
+      value = qobject_cast<VXRepresentation*>(object);
+      break;
+    case k_GlobalSourceKind:
+      value = qobject_cast<VXGlobalSource*>(object);
+      break;
+    default:
+      return nullptr;
   }
   QList<TreeItem*>& rows = parentItem != nullptr ? parentItem->children : m_Items;
   const int row = static_cast<int>(rows.size());
@@ -392,47 +440,55 @@ VXPipelineModel::TreeItem* VXPipelineModel::insertItem(TreeItem* parentItem, std
   rows.append(item);
   endInsertRows();
   // whoever deletes the object, its rows must not outlive it
-  connect(object, &QObject::destroyed, this, &VXPipelineModel::onObjectDestroyed, Qt::UniqueConnection);
+  connect(object, &QObject::destroyed, this, &VXPipelineModel::onObjectDestroyed,
+          Qt::UniqueConnection);
   return item;
 }
 
 void VXPipelineModel::connectCoreObject(VXCoreObject* coreObject)
 {
-  connect(coreObject, &VXCoreObject::enabledDisabledStateChanged, this, &VXPipelineModel::coreObjectViewStateChanged);
+  connect(coreObject, &VXCoreObject::enabledDisabledStateChanged, this,
+          &VXPipelineModel::coreObjectViewStateChanged);
   connect(coreObject, &VXCoreObject::settingsWidgetVisibilityButtonClicked, this,
-          [this, coreObject](bool checked) { setData(helperIndex(coreObject), checked, k_CheckStateRole); });
+          [this, coreObject](bool checked)
+          { setData(helperIndex(coreObject), checked, k_CheckStateRole); });
   // names and tool tips follow the path
-  connect(coreObject, &VXCoreObject::pathChanged, this, [this, coreObject]() {
-    if(const TreeItem* item = findItem(coreObject))
-      emitRowChanged(item, {Qt::DisplayRole, Qt::ToolTipRole});
-  });
+  connect(coreObject, &VXCoreObject::pathChanged, this,
+          [this, coreObject]()
+          {
+            if (const TreeItem* item = findItem(coreObject))
+              emitRowChanged(item, { Qt::DisplayRole, Qt::ToolTipRole });
+          });
 }
 
 void VXPipelineModel::pipelineBridgeAdded(VXBridgeObject* bridge)
 {
-  if(bridge == nullptr || findItem(bridge) != nullptr)
+  if (bridge == nullptr || findItem(bridge) != nullptr)
     return;
-  if(auto* fileBridge = qobject_cast<FileToVXBridge*>(bridge))
-    connect(fileBridge, &FileToVXBridge::autoReloadFlagChanged, this, &VXPipelineModel::onFileObjectFlagged);
+  if (auto* fileBridge = qobject_cast<FileToVXBridge*>(bridge))
+    connect(fileBridge, &FileToVXBridge::autoReloadFlagChanged, this,
+            &VXPipelineModel::onFileObjectFlagged);
   insertItem(nullptr, k_BridgeKind, bridge);
-  connect(bridge, &VXBridgeObject::nameChanged, this, [this, bridge]() {
-    if(const TreeItem* item = findItem(bridge))
-      emitRowChanged(item, {Qt::DisplayRole, Qt::ToolTipRole});
-  });
-  if(auto* hostBridge = qobject_cast<KXToVXBridge*>(bridge))
+  connect(bridge, &VXBridgeObject::nameChanged, this,
+          [this, bridge]()
+          {
+            if (const TreeItem* item = findItem(bridge))
+              emitRowChanged(item, { Qt::DisplayRole, Qt::ToolTipRole });
+          });
+  if (auto* hostBridge = qobject_cast<KXToVXBridge*>(bridge))
     Q_EMIT kxToVXBridgeObjectAdded(hostBridge);
 }
 
 void VXPipelineModel::dataSourceAdded(VXDataSource* source)
 {
-  if(source == nullptr || findItem(source) != nullptr)
+  if (source == nullptr || findItem(source) != nullptr)
     return;
   TreeItem* parentItem = findItem(source->parent());
-  if(parentItem == nullptr)
+  if (parentItem == nullptr)
     return;
   insertItem(parentItem, k_DataSourceKind, source);
   connectCoreObject(source);
-  if(VXBridgeObject* bridge = parentItem->bridge())
+  if (VXBridgeObject* bridge = parentItem->bridge())
     connect(bridge, &VXBridgeObject::nameChanged, source, &VXDataSource::updatePath);
   connect(source, &VXDataSource::goToParentColorSettings, this,
           [this, source]() { Q_EMIT selectIndexRequest(helperIndex(source)); });
@@ -441,26 +497,27 @@ void VXPipelineModel::dataSourceAdded(VXDataSource* source)
 
 void VXPipelineModel::filterAdded(VXFilter* filter)
 {
-  if(filter == nullptr || findItem(filter) != nullptr)
+  if (filter == nullptr || findItem(filter) != nullptr)
     return;
   TreeItem* parentItem = findItem(filter->parent());
-  if(parentItem == nullptr)
+  if (parentItem == nullptr)
     return;
   insertItem(parentItem, k_FilterKind, filter);
   connectCoreObject(filter);
-  if(VXCoreObject* parentObject = parentItem->coreObject())
+  if (VXCoreObject* parentObject = parentItem->coreObject())
     connect(parentObject, &VXCoreObject::pathChanged, filter, &VXCoreObject::updatePath);
   Q_EMIT applyDefaultPresetRequest(helperIndex(filter));
 }
 
 void VXPipelineModel::representationAdded(VXRepresentation* representation)
 {
-  if(representation == nullptr || findItem(representation) != nullptr)
+  if (representation == nullptr || findItem(representation) != nullptr)
     return;
   TreeItem* parentItem = findItem(representation->parent());
-  if(parentItem == nullptr)
+  if (parentItem == nullptr)
     return;
-  if(representation->getNameSuffixCounter() < 1 && representation->baseName() == representation->defaultName())
+  if (representation->getNameSuffixCounter() < 1 &&
+      representation->baseName() == representation->defaultName())
   {
     const QList<VXRepresentation*> representations = getAllRepresentations();
     const QList<VXCoreObject*> held(representations.cbegin(), representations.cend());
@@ -468,14 +525,15 @@ void VXPipelineModel::representationAdded(VXRepresentation* representation)
   }
   insertItem(parentItem, k_RepresentationKind, representation);
   connectCoreObject(representation);
-  // Image slice data views link their slices through this model; they join once that view type exists.
+  // Image slice data views link their slices through this model; they join once that view type
+  // exists.
 }
 
 QModelIndex VXPipelineModel::addBridgeObject(VXBridgeObject* bridge)
 {
-  if(bridge == nullptr)
+  if (bridge == nullptr)
     return {};
-  if(m_Pipeline == nullptr || !m_Pipeline->addVXBridgeObject(bridge))
+  if (m_Pipeline == nullptr || !m_Pipeline->addVXBridgeObject(bridge))
     return {};
   return helperIndex(bridge);
 }
@@ -483,45 +541,47 @@ QModelIndex VXPipelineModel::addBridgeObject(VXBridgeObject* bridge)
 QModelIndex VXPipelineModel::addFilter(const QModelIndex& parent, VXFilter* filter)
 {
   VXCoreObject* parentObject = getCoreObject(parent);
-  if(parentObject == nullptr || filter == nullptr || m_Pipeline == nullptr)
+  if (parentObject == nullptr || filter == nullptr || m_Pipeline == nullptr)
     return {};
-  if(!m_Pipeline->addFilter(parentObject, filter))
+  if (!m_Pipeline->addFilter(parentObject, filter))
     return {};
   return helperIndex(filter);
 }
 
 QModelIndex VXPipelineModel::addGlobalSource(VXGlobalSource* source)
 {
-  if(source == nullptr || m_Pipeline == nullptr || findItem(source) != nullptr)
+  if (source == nullptr || m_Pipeline == nullptr || findItem(source) != nullptr)
     return {};
-  if(!m_Pipeline->addGlobalSource(source))
+  if (!m_Pipeline->addGlobalSource(source))
     return {};
   insertItem(nullptr, k_GlobalSourceKind, source);
   connectCoreObject(source);
   return helperIndex(source);
 }
 
-QModelIndex VXPipelineModel::addRepresentation(const QModelIndex& parent, VXRepresentation::Type type)
+QModelIndex VXPipelineModel::addRepresentation(const QModelIndex& parent,
+                                               VXRepresentation::Type type)
 {
   TreeItem* parentItem = itemFromIndex(parent);
   VXCoreObject* parentObject = getCoreObject(parent);
-  if(parentItem == nullptr || parentObject == nullptr || m_Pipeline == nullptr)
+  if (parentItem == nullptr || parentObject == nullptr || m_Pipeline == nullptr)
     return {};
   const qsizetype before = parentItem->children.size();
-  if(!m_Pipeline->addRepresentation(parentObject, type))
+  if (!m_Pipeline->addRepresentation(parentObject, type))
     return {};
   // the pipeline announced the new data view, which took the last row
-  if(parentItem->children.size() <= before)
+  if (parentItem->children.size() <= before)
     return {};
   return indexOfItem(parentItem->children.last(), 0);
 }
 
-QModelIndex VXPipelineModel::loadRepresentation(const QModelIndex& parent, VXRepresentation* representation)
+QModelIndex VXPipelineModel::loadRepresentation(const QModelIndex& parent,
+                                                VXRepresentation* representation)
 {
   VXCoreObject* parentObject = getCoreObject(parent);
-  if(parentObject == nullptr || representation == nullptr || m_Pipeline == nullptr)
+  if (parentObject == nullptr || representation == nullptr || m_Pipeline == nullptr)
     return {};
-  if(!m_Pipeline->addLoadedRepresentation(parentObject, representation))
+  if (!m_Pipeline->addLoadedRepresentation(parentObject, representation))
     return {};
   return helperIndex(representation);
 }
@@ -538,14 +598,14 @@ void VXPipelineModel::linkLoadedRepresentations()
 void VXPipelineModel::removeItemRows(TreeItem* item)
 {
   const QList<TreeItem*> children = item->children;
-  for(TreeItem* child : children)
+  for (TreeItem* child : children)
   {
     removeItemRows(child);
     delete child;
   }
   QList<TreeItem*>& rows = item->parent != nullptr ? item->parent->children : m_Items;
   const int row = static_cast<int>(rows.indexOf(item));
-  if(row < 0)
+  if (row < 0)
     return;
   beginRemoveRows(indexOfItem(item->parent, 0), row, row);
   rows.removeAt(row);
@@ -556,56 +616,57 @@ void VXPipelineModel::removeTreeItem(TreeItem* item)
 {
   // what the subtree holds, outermost last, read before the rows go
   QList<TreeItem*> subtree;
-  std::function<void(TreeItem*)> gather = [&subtree, &gather](TreeItem* node) {
-    for(TreeItem* child : node->children)
+  std::function<void(TreeItem*)> gather = [&subtree, &gather](TreeItem* node)
+  {
+    for (TreeItem* child : node->children)
       gather(child);
     subtree.append(node);
   };
   gather(item);
   QList<std::pair<std::int32_t, QPointer<QObject>>> removed;
-  for(const TreeItem* node : subtree)
-    removed.append({node->kind, node->object()});
+  for (const TreeItem* node : subtree)
+    removed.append({ node->kind, node->object() });
   const std::int32_t kind = item->kind;
   QObject* object = item->object();
 
   removeItemRows(item);
   delete item;
 
-  for(const auto& [nodeKind, nodeObject] : removed)
+  for (const auto& [nodeKind, nodeObject] : removed)
   {
-    if(nodeObject.isNull())
+    if (nodeObject.isNull())
       continue;
     // data views take their actors out of the views now, not when the deferred delete comes
-    if(auto* coreObject = qobject_cast<VXCoreObject*>(nodeObject.data()))
+    if (auto* coreObject = qobject_cast<VXCoreObject*>(nodeObject.data()))
       coreObject->finalize();
-    if(m_Pipeline == nullptr)
+    if (m_Pipeline == nullptr)
       continue;
-    if(nodeKind == k_DataSourceKind)
+    if (nodeKind == k_DataSourceKind)
       m_Pipeline->onDataSourceRemoved(qobject_cast<VXDataSource*>(nodeObject.data()));
   }
-  if(m_Pipeline != nullptr)
+  if (m_Pipeline != nullptr)
   {
-    if(kind == k_BridgeKind)
+    if (kind == k_BridgeKind)
       m_Pipeline->pipelineBridgeRemoved(qobject_cast<VXBridgeObject*>(object));
-    else if(kind == k_GlobalSourceKind)
+    else if (kind == k_GlobalSourceKind)
       m_Pipeline->globalSourceRemoved(qobject_cast<VXGlobalSource*>(object));
   }
   const bool hostBridge = qobject_cast<KXToVXBridge*>(object) != nullptr;
-  if(object != nullptr)
+  if (object != nullptr)
   {
     disconnect(object, nullptr, this, nullptr);
     // the item may have asked for its removal from one of its own slots
     object->deleteLater();
   }
-  if(hostBridge)
+  if (hostBridge)
     Q_EMIT kxToVXBridgeObjectRemoved();
-  if(m_Pipeline != nullptr)
+  if (m_Pipeline != nullptr)
     Q_EMIT m_Pipeline->requestRenderAll();
 }
 
 void VXPipelineModel::removeItem(const QModelIndex& index)
 {
-  if(TreeItem* item = itemFromIndex(index))
+  if (TreeItem* item = itemFromIndex(index))
     removeTreeItem(item);
 }
 
@@ -613,61 +674,62 @@ void VXPipelineModel::removeItems(const QModelIndexList& indices)
 {
   // earlier removals shift and invalidate plain indices; persistent ones follow
   QList<QPersistentModelIndex> persistent;
-  for(const QModelIndex& index : indices)
+  for (const QModelIndex& index : indices)
     persistent.append(QPersistentModelIndex(index));
-  for(const QPersistentModelIndex& index : persistent)
+  for (const QPersistentModelIndex& index : persistent)
   {
-    if(index.isValid())
+    if (index.isValid())
       removeItem(index);
   }
 }
 
 void VXPipelineModel::removePipeline(VXBridgeObject* bridge)
 {
-  if(TreeItem* item = findItem(bridge))
+  if (TreeItem* item = findItem(bridge))
     removeTreeItem(item);
 }
 
 void VXPipelineModel::removeGlobalSource(VXGlobalSource* source)
 {
-  if(TreeItem* item = findItem(source))
+  if (TreeItem* item = findItem(source))
     removeTreeItem(item);
 }
 
 void VXPipelineModel::removeLeafItem(VXCoreObject* coreObject)
 {
-  if(TreeItem* item = findItem(coreObject))
+  if (TreeItem* item = findItem(coreObject))
     removeTreeItem(item);
 }
 
 void VXPipelineModel::removeDataSource(VXDataSource* source)
 {
-  if(TreeItem* item = findItem(source))
+  if (TreeItem* item = findItem(source))
     removeTreeItem(item);
 }
 
 void VXPipelineModel::onObjectDestroyed(QObject* object)
 {
   TreeItem* item = findItem(object);
-  if(item == nullptr)
+  if (item == nullptr)
     return;
   const std::int32_t kind = item->kind;
   QObject* parentObject = object->parent();
-  // views may still ask the row for its data while it goes: it answers nothing, the object is half gone
+  // views may still ask the row for its data while it goes: it answers nothing, the object is half
+  // gone
   item->clearValue();
   removeItemRows(item);
   delete item;
   // Only lists forget the address here: the object's own members are gone already.
-  if(kind == k_DataSourceKind)
+  if (kind == k_DataSourceKind)
   {
-    if(auto* bridge = qobject_cast<VXBridgeObject*>(parentObject))
+    if (auto* bridge = qobject_cast<VXBridgeObject*>(parentObject))
       bridge->onDataSourceRemoved(static_cast<VXDataSource*>(object));
   }
-  else if(kind == k_BridgeKind && m_Pipeline != nullptr)
+  else if (kind == k_BridgeKind && m_Pipeline != nullptr)
   {
     m_Pipeline->pipelineBridgeRemoved(static_cast<VXBridgeObject*>(object));
   }
-  else if(kind == k_GlobalSourceKind && m_Pipeline != nullptr)
+  else if (kind == k_GlobalSourceKind && m_Pipeline != nullptr)
   {
     m_Pipeline->globalSourceRemoved(static_cast<VXGlobalSource*>(object));
   }
@@ -679,19 +741,19 @@ void VXPipelineModel::onObjectDestroyed(QObject* object)
 void VXPipelineModel::onFileObjectFlagged(FileToVXBridge* bridge, bool flagged)
 {
   TreeItem* item = findItem(bridge);
-  if(item == nullptr)
+  if (item == nullptr)
     return;
-  emitRowChanged(item, {Qt::ForegroundRole});
+  emitRowChanged(item, { Qt::ForegroundRole });
   flagChildren(item, flagged);
 }
 
 void VXPipelineModel::flagChildren(TreeItem* item, bool flagged)
 {
-  for(TreeItem* child : item->children)
+  for (TreeItem* child : item->children)
   {
-    if(VXCoreObject* coreObject = child->coreObject())
+    if (VXCoreObject* coreObject = child->coreObject())
       coreObject->setFlagAutoReload(flagged);
-    emitRowChanged(child, {Qt::ForegroundRole});
+    emitRowChanged(child, { Qt::ForegroundRole });
     flagChildren(child, flagged);
   }
 }
@@ -699,7 +761,7 @@ void VXPipelineModel::flagChildren(TreeItem* item, bool flagged)
 void VXPipelineModel::coreObjectViewStateChanged(VXCoreObject* coreObject, bool isEnabled)
 {
   const QModelIndex index = helperIndex(coreObject);
-  if(!index.isValid())
+  if (!index.isValid())
     return;
   Q_EMIT itemVisibilityChanged(index, isEnabled);
 }
@@ -751,7 +813,8 @@ bool VXPipelineModel::canAddRepresentation(const QModelIndex& index) const
 bool VXPipelineModel::canReload(const QModelIndex& index) const
 {
   const TreeItem* item = itemFromIndex(index);
-  return item != nullptr && item->parent == nullptr && qobject_cast<FileToVXBridge*>(item->bridge()) != nullptr;
+  return item != nullptr && item->parent == nullptr &&
+         qobject_cast<FileToVXBridge*>(item->bridge()) != nullptr;
 }
 
 bool VXPipelineModel::canSave(const QModelIndex& index) const
@@ -793,25 +856,25 @@ VXGlobalSource* VXPipelineModel::getGlobalSource(const QModelIndex& index) const
   return item != nullptr ? item->globalSource() : nullptr;
 }
 
-template <typename Object, std::int32_t Kind>
+template<typename Object, std::int32_t Kind>
 void VXPipelineModel::collect(const QList<TreeItem*>& items, QList<Object*>& result) const
 {
-  for(const TreeItem* item : items)
+  for (const TreeItem* item : items)
   {
-    if(Kind < 0 || item->kind == Kind)
+    if (Kind < 0 || item->kind == Kind)
     {
       Object* object = nullptr;
-      if constexpr(std::is_same_v<Object, VXCoreObject>)
+      if constexpr (std::is_same_v<Object, VXCoreObject>)
         object = item->coreObject();
-      else if constexpr(std::is_same_v<Object, VXBridgeObject>)
+      else if constexpr (std::is_same_v<Object, VXBridgeObject>)
         object = item->bridge();
-      else if constexpr(std::is_same_v<Object, VXDataSource>)
+      else if constexpr (std::is_same_v<Object, VXDataSource>)
         object = item->dataSource();
-      else if constexpr(std::is_same_v<Object, VXFilter>)
+      else if constexpr (std::is_same_v<Object, VXFilter>)
         object = item->filter();
-      else if constexpr(std::is_same_v<Object, VXRepresentation>)
+      else if constexpr (std::is_same_v<Object, VXRepresentation>)
         object = item->representation();
-      if(object != nullptr)
+      if (object != nullptr)
         result.append(object);
     }
     collect<Object, Kind>(item->children, result);
@@ -820,9 +883,9 @@ void VXPipelineModel::collect(const QList<TreeItem*>& items, QList<Object*>& res
 
 VXDataSource* VXPipelineModel::getDataSource(const QString& pathName) const
 {
-  for(VXDataSource* source : getAllDataSources())
+  for (VXDataSource* source : getAllDataSources())
   {
-    if(source->pathName() == pathName)
+    if (source->pathName() == pathName)
       return source;
   }
   return nullptr;
@@ -832,20 +895,21 @@ QList<VXDataSource*> VXPipelineModel::getChildDataSources(const QModelIndex& ind
 {
   QList<VXDataSource*> sources;
   const TreeItem* item = itemFromIndex(index);
-  if(item == nullptr)
+  if (item == nullptr)
     return sources;
-  for(const TreeItem* child : item->children)
+  for (const TreeItem* child : item->children)
   {
-    if(VXDataSource* source = child->dataSource())
+    if (VXDataSource* source = child->dataSource())
       sources.append(source);
   }
   return sources;
 }
 
-QList<VXDataSource*> VXPipelineModel::getChildDataSources(const QList<VXBridgeObject*>& bridges) const
+QList<VXDataSource*> VXPipelineModel::getChildDataSources(
+  const QList<VXBridgeObject*>& bridges) const
 {
   QList<VXDataSource*> sources;
-  for(VXBridgeObject* bridge : bridges)
+  for (VXBridgeObject* bridge : bridges)
     sources.append(getChildDataSources(helperIndex(bridge)));
   return sources;
 }
@@ -853,9 +917,9 @@ QList<VXDataSource*> VXPipelineModel::getChildDataSources(const QList<VXBridgeOb
 QList<VXBridgeObject*> VXPipelineModel::getAllBridgeObjects() const
 {
   QList<VXBridgeObject*> bridges;
-  for(const TreeItem* item : m_Items)
+  for (const TreeItem* item : m_Items)
   {
-    if(VXBridgeObject* bridge = item->bridge())
+    if (VXBridgeObject* bridge = item->bridge())
       bridges.append(bridge);
   }
   return bridges;
@@ -878,7 +942,7 @@ QList<VXDataSource*> VXPipelineModel::getAllDataSources() const
 QStringList VXPipelineModel::getAllDataSourceNames() const
 {
   QStringList names;
-  for(const VXDataSource* source : getAllDataSources())
+  for (const VXDataSource* source : getAllDataSources())
     names.append(source->pathName());
   return names;
 }
@@ -899,14 +963,16 @@ QList<VXRepresentation*> VXPipelineModel::getAllRepresentations() const
 
 VXPipelineModel::TreeItem* VXPipelineModel::findItem(const QObject* object) const
 {
-  if(object == nullptr)
+  if (object == nullptr)
     return nullptr;
-  std::function<TreeItem*(const QList<TreeItem*>&)> search = [&search, object](const QList<TreeItem*>& items) -> TreeItem* {
-    for(TreeItem* item : items)
+  std::function<TreeItem*(const QList<TreeItem*>&)> search =
+    [&search, object](const QList<TreeItem*>& items) -> TreeItem*
+  {
+    for (TreeItem* item : items)
     {
-      if(item->object() == object)
+      if (item->object() == object)
         return item;
-      if(TreeItem* found = search(item->children))
+      if (TreeItem* found = search(item->children))
         return found;
     }
     return nullptr;
@@ -921,14 +987,18 @@ QModelIndex VXPipelineModel::helperIndex(QObject* object) const
 
 QModelIndex VXPipelineModel::pathIndex(const QString& path) const
 {
-  std::function<const TreeItem*(const QList<TreeItem*>&)> search = [&search, &path](const QList<TreeItem*>& items) -> const TreeItem* {
-    for(const TreeItem* item : items)
+  std::function<const TreeItem*(const QList<TreeItem*>&)> search =
+    [&search, &path](const QList<TreeItem*>& items) -> const TreeItem*
+  {
+    for (const TreeItem* item : items)
     {
-      if(const VXBridgeObject* bridge = item->bridge(); bridge != nullptr && bridge->name() == path)
+      if (const VXBridgeObject* bridge = item->bridge();
+          bridge != nullptr && bridge->name() == path)
         return item;
-      if(const VXCoreObject* coreObject = item->coreObject(); coreObject != nullptr && coreObject->pathName() == path)
+      if (const VXCoreObject* coreObject = item->coreObject();
+          coreObject != nullptr && coreObject->pathName() == path)
         return item;
-      if(const TreeItem* found = search(item->children))
+      if (const TreeItem* found = search(item->children))
         return found;
     }
     return nullptr;
@@ -939,9 +1009,9 @@ QModelIndex VXPipelineModel::pathIndex(const QString& path) const
 QWidget* VXPipelineModel::itemWidget(const QModelIndex& index)
 {
   const TreeItem* item = itemFromIndex(index);
-  if(item == nullptr)
+  if (item == nullptr)
     return nullptr;
-  if(VXGlobalSource* source = item->globalSource())
+  if (VXGlobalSource* source = item->globalSource())
   {
     source->releaseSettingsWidget();
     source->initializeSettingsWidget();
@@ -953,20 +1023,22 @@ QWidget* VXPipelineModel::itemWidget(const QModelIndex& index)
 void VXPipelineModel::showInfoWidget(const QModelIndex& index)
 {
   const TreeItem* item = itemFromIndex(index);
-  if(item == nullptr)
+  if (item == nullptr)
     return;
-  if(VXRepresentation* representation = item->representation())
+  if (VXRepresentation* representation = item->representation())
     representation->showDataSetInfoWidget();
-  else if(VXDataSource* source = item->dataSource())
+  else if (VXDataSource* source = item->dataSource())
     source->showDataSetInfoWidget();
 }
 
-int VXPipelineModel::GetNameSuffixCounter(const QList<VXBridgeObject*>& items, const QString& baseName)
+int VXPipelineModel::GetNameSuffixCounter(const QList<VXBridgeObject*>& items,
+                                          const QString& baseName)
 {
   return smallestFreeSuffix(items, baseName);
 }
 
-int VXPipelineModel::GetNameSuffixCounter(const QList<VXCoreObject*>& items, const QString& baseName)
+int VXPipelineModel::GetNameSuffixCounter(const QList<VXCoreObject*>& items,
+                                          const QString& baseName)
 {
   return smallestFreeSuffix(items, baseName);
 }

@@ -58,19 +58,23 @@ public:
   QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
   bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
   Qt::ItemFlags flags(const QModelIndex& index) const override;
-  QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+  QVariant headerData(int section, Qt::Orientation orientation,
+                      int role = Qt::DisplayRole) const override;
 
   VXPipeline* pipeline() const { return m_Pipeline; }
 
-  /** Adds a bridge made elsewhere (the state loader) through the pipeline; its row's index, or invalid. */
+  /** Adds a bridge made elsewhere (the state loader) through the pipeline; its row's index, or
+   * invalid. */
   QModelIndex addBridgeObject(VXBridgeObject* bridge);
-  /** Adds a filter under the item at @p parent through the pipeline; the new row's index, or invalid. */
+  /** Adds a filter under the item at @p parent through the pipeline; the new row's index, or
+   * invalid. */
   QModelIndex addFilter(const QModelIndex& parent, VXFilter* filter);
   /** Adds a global source through the pipeline as a top-level row; its index, or invalid. */
   QModelIndex addGlobalSource(VXGlobalSource* source);
   /** Makes a data view of the type under the item at @p parent; the new row's index, or invalid. */
   QModelIndex addRepresentation(const QModelIndex& parent, VXRepresentation::Type type);
-  /** Adds a data view read from a state file under the item at @p parent; the new row's index, or invalid. */
+  /** Adds a data view read from a state file under the item at @p parent; the new row's index, or
+   * invalid. */
   QModelIndex loadRepresentation(const QModelIndex& parent, VXRepresentation* representation);
 
   bool isPipeline(const QModelIndex& index) const;
@@ -116,7 +120,8 @@ public:
   QList<VXRepresentation*> getAllRepresentations() const;
   /** The index (column 0) of the row that holds @p object; invalid if none does. */
   QModelIndex helperIndex(QObject* object) const;
-  /** The index (column 0) of the bridge named @p path or the core object whose path name is @p path. */
+  /** The index (column 0) of the bridge named @p path or the core object whose path name is @p
+   * path. */
   QModelIndex pathIndex(const QString& path) const;
   /** The settings page of the row's core object; a global source makes a new one on each ask. */
   QWidget* itemWidget(const QModelIndex& index);
@@ -129,7 +134,8 @@ public:
    */
   void linkLoadedRepresentations();
 
-  /** The smallest free suffix for the base name among the bridges: 0 if unused, else the first gap from 1. */
+  /** The smallest free suffix for the base name among the bridges: 0 if unused, else the first gap
+   * from 1. */
   static int GetNameSuffixCounter(const QList<VXBridgeObject*>& items, const QString& baseName);
   static int GetNameSuffixCounter(const QList<VXCoreObject*>& items, const QString& baseName);
 
@@ -166,7 +172,8 @@ private:
   TreeItem* findItem(const QObject* object) const;
   /** Appends a row for the object under @p parentItem (null: top level). */
   TreeItem* insertItem(TreeItem* parentItem, std::int32_t kind, QObject* object);
-  /** Takes the rows of the item's subtree out, children first, deleting all but the item; objects are left alone. */
+  /** Takes the rows of the item's subtree out, children first, deleting all but the item; objects
+   * are left alone. */
   void removeItemRows(TreeItem* item);
   /** Removes the rows of @p item, tells the pipeline, and deletes the object later. */
   void removeTreeItem(TreeItem* item);
@@ -175,7 +182,7 @@ private:
   void flagChildren(TreeItem* item, bool flagged);
   void emitRowChanged(const TreeItem* item, const QList<int>& roles);
   void connectCoreObject(VXCoreObject* coreObject);
-  template <typename Object, std::int32_t Kind>
+  template<typename Object, std::int32_t Kind>
   void collect(const QList<TreeItem*>& items, QList<Object*>& result) const;
 
   QList<TreeItem*> m_Items;

@@ -5,12 +5,12 @@
 #include <KXComponents/KXStyle.hpp>
 
 VXPointsRep::VXPointsRep(VXPipeline* pipeline, QObject* parent)
-: VXPointsRep(pipeline, "Points View", parent)
+  : VXPointsRep(pipeline, "Points View", parent)
 {
 }
 
 VXPointsRep::VXPointsRep(VXPipeline* pipeline, const QString& defaultName, QObject* parent)
-: VXOutlineRep(pipeline, defaultName, parent)
+  : VXOutlineRep(pipeline, defaultName, parent)
 {
 }
 

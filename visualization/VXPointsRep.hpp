@@ -3,7 +3,8 @@
 #include "visualization/VXOutlineRep.hpp"
 
 /**
- * The points data view: the parent's geometry drawn as points, coloured by an array or a solid colour, with legend, categorical colours and presets.
+ * The points data view: the parent's geometry drawn as points, coloured by an array or a solid
+ * colour, with legend, categorical colours and presets.
  */
 class KXVTKLIB_EXPORT VXPointsRep : public VXOutlineRep
 {

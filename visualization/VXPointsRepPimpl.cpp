@@ -53,9 +53,12 @@ using KXVtkModule::utils::HtmlToolTip;
 namespace
 {
 const QString k_MapScalarsToolTip =
-  "Controls how data values are mapped to colors.\n\nAlways: Always map scalar values through the color lookup table, "
-  "even for color arrays (RGB/RGBA).\n\nNon-Colors: Map scalars through the color lookup table only when the data is "
-  "not already a color array. Color arrays (RGB/RGBA) are rendered directly.\n\nNever: Never map scalars through the "
+  "Controls how data values are mapped to colors.\n\nAlways: Always map scalar values through the "
+  "color lookup table, "
+  "even for color arrays (RGB/RGBA).\n\nNon-Colors: Map scalars through the color lookup table "
+  "only when the data is "
+  "not already a color array. Color arrays (RGB/RGBA) are rendered directly.\n\nNever: Never map "
+  "scalars through the "
   "color lookup table. Always interpret scalar values as direct colors.";
 
 QColor nanColorFromPreferences()
@@ -65,14 +68,16 @@ QColor nanColorFromPreferences()
 } // namespace
 
 VXPointsRepPimpl::VXPointsRepPimpl(VXAbstractViewWidget* view, VXRepresentation* owner)
-: VXOutlineRepPimpl(view, owner)
+  : VXOutlineRepPimpl(view, owner)
 {
   m_HelpAnchor = "#points-representation";
   m_LookupTable = QSharedPointer<VXLookupTable>(new VXLookupTable());
-  m_ColorPresetsDialog = QSharedPointer<ColorPresetsDialog>(new ColorPresetsDialog(), &QObject::deleteLater);
+  m_ColorPresetsDialog =
+    QSharedPointer<ColorPresetsDialog>(new ColorPresetsDialog(), &QObject::deleteLater);
   connect(m_ColorPresetsDialog.data(), &ColorPresetsDialog::presetSelected, this,
-          [this](const ColorPreset& preset) {
-            if(m_ValuesAsCategories)
+          [this](const ColorPreset& preset)
+          {
+            if (m_ValuesAsCategories)
               loadIndexedPresetColors(preset);
             else
               loadRGBPresetColors(preset);
@@ -82,7 +87,7 @@ VXPointsRepPimpl::VXPointsRepPimpl(VXAbstractViewWidget* view, VXRepresentation*
   m_ColorPreset = KXPreferences::getDefaultColorPreset();
   m_IndexedColorPreset = KXPreferences::getDefaultIndexedColorPreset();
   m_LookupTable->setNANColor(nanColorFromPreferences());
-  if(owner != nullptr)
+  if (owner != nullptr)
   {
     QtKXSettings settings;
     BeginSettingsGroup(settings, owner->typeName());
@@ -92,7 +97,7 @@ VXPointsRepPimpl::VXPointsRepPimpl(VXAbstractViewWidget* view, VXRepresentation*
 
 VXPointsRepPimpl::~VXPointsRepPimpl()
 {
-  if(m_ScalarBarWidget != nullptr)
+  if (m_ScalarBarWidget != nullptr)
   {
     m_ScalarBarWidget->SetEnabled(0);
     m_ScalarBarWidget->SetInteractor(nullptr);
@@ -101,7 +106,7 @@ VXPointsRepPimpl::~VXPointsRepPimpl()
 
 vtkDataSet* VXPointsRepPimpl::inputDataSet() const
 {
-  if(m_GeometryFilter == nullptr || m_GeometryFilter->GetNumberOfInputConnections(0) == 0)
+  if (m_GeometryFilter == nullptr || m_GeometryFilter->GetNumberOfInputConnections(0) == 0)
     return nullptr;
   return vtkDataSet::SafeDownCast(m_GeometryFilter->GetInputDataObject(0, 0));
 }
@@ -118,26 +123,26 @@ vtkAlgorithmOutput* VXPointsRepPimpl::outputPort()
 
 vtkAlgorithmOutput* VXPointsRepPimpl::inputPort()
 {
-  if(m_GeometryFilter == nullptr || m_GeometryFilter->GetNumberOfInputConnections(0) == 0)
+  if (m_GeometryFilter == nullptr || m_GeometryFilter->GetNumberOfInputConnections(0) == 0)
     return nullptr;
   return m_GeometryFilter->GetInputConnection(0, 0);
 }
 
 bool VXPointsRepPimpl::initialize(vtkAlgorithmOutput* port)
 {
-  if(m_View == nullptr || port == nullptr || port->GetProducer() == nullptr)
+  if (m_View == nullptr || port == nullptr || port->GetProducer() == nullptr)
     return false;
   port->GetProducer()->Update(port->GetIndex());
   auto* data = vtkDataSet::SafeDownCast(port->GetProducer()->GetOutputDataObject(port->GetIndex()));
-  if(data == nullptr)
+  if (data == nullptr)
     return false;
   vtkRenderer* ren = renderer();
-  if(ren != nullptr && ren->HasViewProp(m_Actor))
+  if (ren != nullptr && ren->HasViewProp(m_Actor))
     return false;
 
   m_GeometryFilter = vtkSmartPointer<vtkGeometryFilter>::New();
   m_GeometryFilter->SetInputConnection(port);
-  if(VXDataSource* source = parentDataSource())
+  if (VXDataSource* source = parentDataSource())
     m_GeometryFilter->GetOutput()->SetObjectName(source->name().toStdString());
   m_GeometryFilter->Update();
 
@@ -164,39 +169,39 @@ bool VXPointsRepPimpl::initialize(vtkAlgorithmOutput* port)
   m_HighlightActor->GetProperty()->SetLineWidth(3.0f);
   applyTransform();
 
-  if(m_LookupTable == nullptr)
+  if (m_LookupTable == nullptr)
     m_LookupTable = QSharedPointer<VXLookupTable>(new VXLookupTable());
 
   vtkDataArray* array = nullptr;
-  if(!m_UseSolidColor)
+  if (!m_UseSolidColor)
   {
-    if(!m_ActiveArray.isEmpty())
+    if (!m_ActiveArray.isEmpty())
       array = KXVtkModule::utils::GetActiveDataArray(data, m_ActiveArray);
     else
     {
       array = KXVtkModule::utils::GetActiveCellArray(data);
-      if(array == nullptr)
+      if (array == nullptr)
         array = KXVtkModule::utils::GetActivePointArray(data);
-      if(array != nullptr && array->GetName() != nullptr)
+      if (array != nullptr && array->GetName() != nullptr)
         m_ActiveArray = QString::fromUtf8(array->GetName());
     }
   }
-  double dataRange[2] = {0.0, 1.0};
-  if(array != nullptr)
+  double dataRange[2] = { 0.0, 1.0 };
+  if (array != nullptr)
     array->GetFiniteRange(dataRange, m_ActiveComponent);
   else
     data->GetScalarRange(dataRange);
-  if(!m_UsingCustomRange)
+  if (!m_UsingCustomRange)
     m_LookupTable->setRange(dataRange[0], dataRange[1]);
   else
     m_LookupTable->setRange(m_CustomRange[0], m_CustomRange[1]);
 
-  if(!m_ValuesAsCategories && !m_UsingDefaultPreset)
+  if (!m_ValuesAsCategories && !m_UsingDefaultPreset)
     m_LookupTable->parseRgbJson(m_ColorPreset);
-  if(m_ColorMapInverted)
+  if (m_ColorMapInverted)
     m_LookupTable->invert();
   m_Mapper->SetLookupTable(m_LookupTable->getColorTransferFunction());
-  if(m_ValuesAsCategories)
+  if (m_ValuesAsCategories)
     setInterpretValuesAsCategories(true);
 
   {
@@ -208,11 +213,11 @@ bool VXPointsRepPimpl::initialize(vtkAlgorithmOutput* port)
   m_Actor->GetProperty()->SetPointSize(static_cast<float>(m_PointSize));
   m_Actor->GetProperty()->SetRenderPointsAsSpheres(m_RenderPointsAsSpheres);
 
-  if(VXVisualizationWidget* widget = visualizationWidget(); widget != nullptr && m_Visible)
+  if (VXVisualizationWidget* widget = visualizationWidget(); widget != nullptr && m_Visible)
     widget->addActor(m_Actor);
   requestRender();
 
-  if(auto* pointsRep = qobject_cast<VXPointsRep*>(m_Owner))
+  if (auto* pointsRep = qobject_cast<VXPointsRep*>(m_Owner))
   {
     vtkNew<VXDataSetInfoWidgetUpdateCallback<VXPointsRep>> infoCallback;
     infoCallback->setRepresentation(pointsRep);
@@ -226,19 +231,19 @@ bool VXPointsRepPimpl::initialize(vtkAlgorithmOutput* port)
   m_GeometryFilter->AddObserver(vtkCommand::EndEvent, histogramCallback);
 
   setupScalarBar();
-  if(VXDataSource* source = parentDataSource())
-    connect(source, &VXDataSource::syncChildColorMaps, this, &VXPointsRepPimpl::onSyncColorMapToParentGeometry,
-            Qt::UniqueConnection);
-  if(!m_DetachColorSettings)
+  if (VXDataSource* source = parentDataSource())
+    connect(source, &VXDataSource::syncChildColorMaps, this,
+            &VXPointsRepPimpl::onSyncColorMapToParentGeometry, Qt::UniqueConnection);
+  if (!m_DetachColorSettings)
     connectParentColorSignals(true);
-  if(m_UseDecimationOnInteraction)
+  if (m_UseDecimationOnInteraction)
     decimateGeometry();
   return true;
 }
 
 bool VXPointsRepPimpl::finalize()
 {
-  if(m_ScalarBarWidget != nullptr)
+  if (m_ScalarBarWidget != nullptr)
     m_ScalarBarWidget->SetEnabled(0);
   return VXOutlineRepPimpl::finalize();
 }
@@ -249,24 +254,25 @@ bool VXPointsRepPimpl::finalize()
 void VXPointsRepPimpl::setActiveArray(const QString& arrayName)
 {
   // before the first frame the mapper's input is still empty: bring it up to date
-  if(m_Mapper != nullptr && m_Mapper->GetInputAlgorithm() != nullptr)
+  if (m_Mapper != nullptr && m_Mapper->GetInputAlgorithm() != nullptr)
     m_Mapper->GetInputAlgorithm()->Update();
   vtkDataSet* input = m_Mapper != nullptr ? m_Mapper->GetInput() : nullptr;
-  if(input == nullptr)
+  if (input == nullptr)
     return;
   const bool colouring = !m_UseSolidColor;
   m_ActiveArray = colouring ? arrayName : QString("");
-  for(QWidget* control : {static_cast<QWidget*>(m_ComponentCombo.data()), static_cast<QWidget*>(m_EditColorMapButton.data())})
+  for (QWidget* control : { static_cast<QWidget*>(m_ComponentCombo.data()),
+                            static_cast<QWidget*>(m_EditColorMapButton.data()) })
   {
-    if(control != nullptr)
+    if (control != nullptr)
       control->setEnabled(colouring);
   }
-  if(!m_ActiveArray.isEmpty() && colouring)
+  if (!m_ActiveArray.isEmpty() && colouring)
   {
     const std::string name = m_ActiveArray.toStdString();
-    if(input->GetPointData()->GetArray(name.c_str()) != nullptr)
+    if (input->GetPointData()->GetArray(name.c_str()) != nullptr)
       input->GetPointData()->SetActiveScalars(name.c_str());
-    else if(input->GetCellData()->GetArray(name.c_str()) != nullptr)
+    else if (input->GetCellData()->GetArray(name.c_str()) != nullptr)
       input->GetCellData()->SetActiveScalars(name.c_str());
     else
       return;
@@ -276,9 +282,10 @@ void VXPointsRepPimpl::setActiveArray(const QString& arrayName)
   {
     m_Mapper->SelectColorArray(-1);
     m_Mapper->ScalarVisibilityOff();
-    m_Actor->GetProperty()->SetColor(m_SolidColor.redF(), m_SolidColor.greenF(), m_SolidColor.blueF());
+    m_Actor->GetProperty()->SetColor(m_SolidColor.redF(), m_SolidColor.greenF(),
+                                     m_SolidColor.blueF());
   }
-  if(m_DetachColorSettings && m_SolidColorButton != nullptr)
+  if (m_DetachColorSettings && m_SolidColorButton != nullptr)
     m_SolidColorButton->setEnabled(m_UseSolidColor || arrayName.isEmpty());
   refillComponentCombo();
   setActiveComponent(m_ActiveComponent);
@@ -289,34 +296,34 @@ void VXPointsRepPimpl::setActiveComponent(int component)
 {
   vtkDataSet* data = inputDataSet();
   vtkDataArray* array = KXVtkModule::utils::GetActiveDataArray(data, m_ActiveArray);
-  if(data == nullptr || array == nullptr)
+  if (data == nullptr || array == nullptr)
     return;
   const int c = component < -1 ? -1 : component;
   const std::string name = m_ActiveArray.toStdString();
-  if(data->GetPointData()->GetArray(name.c_str()) != nullptr)
+  if (data->GetPointData()->GetArray(name.c_str()) != nullptr)
     m_Mapper->SetScalarModeToUsePointFieldData();
   else
     m_Mapper->SetScalarModeToUseCellFieldData();
   m_Mapper->ColorByArrayComponent(name.c_str(), c);
-  KXVtkModule::utils::UpdateColorMode(m_ScalarMapping, m_Owner, m_Actor, m_Mapper, m_ActiveArray, &m_ScalarMapping,
-                                      false);
+  KXVtkModule::utils::UpdateColorMode(m_ScalarMapping, m_Owner, m_Actor, m_Mapper, m_ActiveArray,
+                                      &m_ScalarMapping, false);
   const int n = array->GetNumberOfComponents();
   vtkScalarsToColors* table = m_Mapper->GetLookupTable();
-  if(n == 1)
+  if (n == 1)
   {
-    if(table != nullptr)
+    if (table != nullptr)
       table->SetVectorModeToComponent();
     m_LegendTitle = m_ActiveArray;
   }
-  else if(c == -1)
+  else if (c == -1)
   {
-    if(table != nullptr)
+    if (table != nullptr)
       table->SetVectorModeToMagnitude();
     m_LegendTitle = m_ActiveArray + "\nMagnitude";
   }
-  else if(c < n)
+  else if (c < n)
   {
-    if(table != nullptr)
+    if (table != nullptr)
     {
       table->SetVectorModeToComponent();
       table->SetVectorComponent(c);
@@ -325,16 +332,16 @@ void VXPointsRepPimpl::setActiveComponent(int component)
   }
   m_ActiveComponent = c;
   setScalarBarTitleText(m_LegendTitle);
-  if(!m_ActiveArray.isEmpty() && !m_UseSolidColor)
+  if (!m_ActiveArray.isEmpty() && !m_UseSolidColor)
   {
     m_BlockHistogram = true;
-    if(m_UsingCustomRange)
+    if (m_UsingCustomRange)
       m_LookupTable->setRange(m_CustomRange[0], m_CustomRange[1]);
     else
       rescaleToDataRange();
     m_BlockHistogram = false;
   }
-  if(m_ValuesAsCategories)
+  if (m_ValuesAsCategories)
     setInterpretValuesAsCategories(true);
   updateHistogram();
 }
@@ -342,10 +349,10 @@ void VXPointsRepPimpl::setActiveComponent(int component)
 void VXPointsRepPimpl::rescaleToDataRange()
 {
   vtkDataSet* data = inputDataSet();
-  if(data == nullptr)
+  if (data == nullptr)
     return;
-  double range[2] = {0.0, 1.0};
-  if(vtkDataArray* array = KXVtkModule::utils::GetActiveDataArray(data, m_ActiveArray))
+  double range[2] = { 0.0, 1.0 };
+  if (vtkDataArray* array = KXVtkModule::utils::GetActiveDataArray(data, m_ActiveArray))
     array->GetFiniteRange(range, m_ActiveComponent);
   else
     data->GetScalarRange(range);
@@ -357,7 +364,7 @@ void VXPointsRepPimpl::rescaleToDataRange()
 
 void VXPointsRepPimpl::rescaleToCustomRange(double min, double max)
 {
-  m_CustomRange = {min, max};
+  m_CustomRange = { min, max };
   m_LookupTable->setRange(min, max);
   m_UsingCustomRange = true;
   updateHistogram();
@@ -369,20 +376,20 @@ void VXPointsRepPimpl::setUseSolidColor(bool checked)
   m_UseSolidColor = checked;
   const int component = m_ActiveComponent;
   m_BlockHistogram = true;
-  if(checked)
+  if (checked)
     setActiveArray(QString(""));
   else
     setActiveArray(m_ArrayCombo != nullptr ? m_ArrayCombo->currentText() : m_ActiveArray);
   m_ActiveComponent = component;
   m_BlockHistogram = false;
-  if(m_HistogramCheckBox != nullptr)
+  if (m_HistogramCheckBox != nullptr)
     m_HistogramCheckBox->setEnabled(!m_UseSolidColor);
-  if(!m_UseSolidColor)
+  if (!m_UseSolidColor)
   {
     refillComponentCombo();
     setActiveComponent(m_ActiveComponent);
   }
-  if(m_SolidColorCheckBox != nullptr)
+  if (m_SolidColorCheckBox != nullptr)
   {
     const QSignalBlocker blocker(m_SolidColorCheckBox);
     m_SolidColorCheckBox->setChecked(checked);
@@ -394,8 +401,8 @@ void VXPointsRepPimpl::updateColorMode(int index)
 {
   // the stored-mode target is the active component and the texture follows m_ScalarMapping:
   // this crossing is what existing state files and hosts expect
-  KXVtkModule::utils::UpdateColorMode(index, m_Owner, m_Actor, m_Mapper, m_ActiveArray, &m_ActiveComponent,
-                                      m_ScalarMapping != 0);
+  KXVtkModule::utils::UpdateColorMode(index, m_Owner, m_Actor, m_Mapper, m_ActiveArray,
+                                      &m_ActiveComponent, m_ScalarMapping != 0);
   requestRender();
 }
 
@@ -406,31 +413,31 @@ std::set<double> VXPointsRepPimpl::computeUniqueValues(const QString& arrayName,
 {
   auto& perArray = m_UniqueValues[arrayName];
   auto found = perArray.find(component);
-  if(found != perArray.end())
+  if (found != perArray.end())
     return found->second;
   std::set<double> values;
   vtkDataArray* array = KXVtkModule::utils::GetActiveDataArray(inputDataSet(), arrayName);
-  if(array != nullptr)
+  if (array != nullptr)
   {
     const int n = array->GetNumberOfComponents();
     const vtkIdType tuples = array->GetNumberOfTuples();
-    for(vtkIdType t = 0; t < tuples; t++)
+    for (vtkIdType t = 0; t < tuples; t++)
     {
       double value = 0.0;
-      if(component >= 0 && component < n)
+      if (component >= 0 && component < n)
         value = array->GetComponent(t, component);
-      else if(n == 1)
+      else if (n == 1)
         value = array->GetComponent(t, 0);
       else
       {
         double sum = 0.0;
-        for(int k = 0; k < n; k++)
+        for (int k = 0; k < n; k++)
           sum += array->GetComponent(t, k) * array->GetComponent(t, k);
         value = std::sqrt(sum);
       }
       values.insert(value);
       // past the categorical limit the set is useless: give up and remember that
-      if(values.size() > static_cast<std::size_t>(VXLookupTable::k_MaxNumberIndexedColors))
+      if (values.size() > static_cast<std::size_t>(VXLookupTable::k_MaxNumberIndexedColors))
       {
         values.clear();
         break;
@@ -443,37 +450,39 @@ std::set<double> VXPointsRepPimpl::computeUniqueValues(const QString& arrayName,
 
 void VXPointsRepPimpl::applyIndexedPreset()
 {
-  const ColorPreset preset =
-    m_UsingDefaultIndexedPreset ? KXPreferences::getDefaultIndexedColorPreset() : m_IndexedColorPreset;
+  const ColorPreset preset = m_UsingDefaultIndexedPreset
+                               ? KXPreferences::getDefaultIndexedColorPreset()
+                               : m_IndexedColorPreset;
   const std::set<double> values = computeUniqueValues(m_ActiveArray, m_ActiveComponent);
   const int presetColors = static_cast<int>(preset.indexedColors.size() / 3);
-  VXLookupTable::checkIndexedValueCount(static_cast<int>(values.size()), presetColors, m_ActiveArray);
+  VXLookupTable::checkIndexedValueCount(static_cast<int>(values.size()), presetColors,
+                                        m_ActiveArray);
   m_LookupTable->parseIndexedJson(preset, values);
 }
 
 void VXPointsRepPimpl::setInterpretValuesAsCategories(bool categories)
 {
   m_ValuesAsCategories = categories;
-  if(categories)
+  if (categories)
   {
     applyIndexedPreset();
   }
   else
   {
-    if(m_UsingDefaultPreset)
+    if (m_UsingDefaultPreset)
       m_LookupTable->createDefaultRgbColorTransferFunction();
     else
       m_LookupTable->parseRgbJson(m_ColorPreset);
-    if(m_UsingCustomRange)
+    if (m_UsingCustomRange)
       m_LookupTable->setRange(m_CustomRange[0], m_CustomRange[1]);
     else
       rescaleToDataRange();
-    if(m_ColorMapInverted != m_LookupTable->isInverted())
+    if (m_ColorMapInverted != m_LookupTable->isInverted())
       m_LookupTable->invert();
   }
-  if(m_Mapper != nullptr)
+  if (m_Mapper != nullptr)
     m_Mapper->SetLookupTable(m_LookupTable->getColorTransferFunction());
-  if(m_CategoriesCheckBox != nullptr)
+  if (m_CategoriesCheckBox != nullptr)
   {
     const QSignalBlocker blocker(m_CategoriesCheckBox);
     m_CategoriesCheckBox->setChecked(categories);
@@ -486,7 +495,7 @@ void VXPointsRepPimpl::loadRGBPresetColors(kx::core::ColorTableUtilities::ColorP
   m_LookupTable->parseRgbJson(preset);
   m_ColorPreset = preset;
   m_UsingDefaultPreset = false;
-  if(m_ColorMapInverted)
+  if (m_ColorMapInverted)
     m_LookupTable->invert();
   requestRender();
 }
@@ -496,7 +505,7 @@ void VXPointsRepPimpl::restoreDefaultRgbPresetColors()
   m_LookupTable->createDefaultRgbColorTransferFunction();
   m_UsingDefaultPreset = true;
   m_ColorPreset = KXPreferences::getDefaultColorPreset();
-  if(m_ColorMapInverted)
+  if (m_ColorMapInverted)
     m_LookupTable->invert();
   requestRender();
 }
@@ -506,7 +515,7 @@ void VXPointsRepPimpl::loadIndexedPresetColors(kx::core::ColorTableUtilities::Co
   m_IndexedColorPreset = preset;
   m_UsingDefaultIndexedPreset = false;
   applyIndexedPreset();
-  if(m_ColorMapInverted)
+  if (m_ColorMapInverted)
     m_LookupTable->invert();
   requestRender();
 }
@@ -516,14 +525,14 @@ void VXPointsRepPimpl::restoreDefaultIndexedPresetColors()
   m_UsingDefaultIndexedPreset = true;
   m_IndexedColorPreset = KXPreferences::getDefaultIndexedColorPreset();
   applyIndexedPreset();
-  if(m_ColorMapInverted)
+  if (m_ColorMapInverted)
     m_LookupTable->invert();
   requestRender();
 }
 
 void VXPointsRepPimpl::setColorMapInverted(bool inverted)
 {
-  if(inverted == m_ColorMapInverted)
+  if (inverted == m_ColorMapInverted)
     return;
   m_ColorMapInverted = inverted;
   m_LookupTable->invert();
@@ -547,27 +556,32 @@ void VXPointsRepPimpl::editColorsButtonClicked()
 void VXPointsRepPimpl::connectParentColorSignals(bool trigger)
 {
   VXDataSource* source = parentDataSource();
-  if(source == nullptr)
+  if (source == nullptr)
     return;
   disconnectParentColorSignals();
   m_ParentColorConnections.append(
     connect(source, &VXDataSource::solidColorChanged, this, &VXOutlineRepPimpl::setSolidColor));
-  m_ParentColorConnections.append(connect(source, &VXDataSource::nanColorChanged, this, &VXPointsRepPimpl::setNanColor));
-  m_ParentColorConnections.append(connect(source, &VXDataSource::loadPresetColors, this, [this](const ColorPreset& preset) {
-    if(m_ValuesAsCategories)
-      loadIndexedPresetColors(preset);
-    else
-      loadRGBPresetColors(preset);
-  }));
-  m_ParentColorConnections.append(connect(source, &VXDataSource::restoreDefaultPresetColors, this, [this]() {
-    if(m_ValuesAsCategories)
-      restoreDefaultIndexedPresetColors();
-    else
-      restoreDefaultRgbPresetColors();
-  }));
+  m_ParentColorConnections.append(
+    connect(source, &VXDataSource::nanColorChanged, this, &VXPointsRepPimpl::setNanColor));
+  m_ParentColorConnections.append(connect(source, &VXDataSource::loadPresetColors, this,
+                                          [this](const ColorPreset& preset)
+                                          {
+                                            if (m_ValuesAsCategories)
+                                              loadIndexedPresetColors(preset);
+                                            else
+                                              loadRGBPresetColors(preset);
+                                          }));
+  m_ParentColorConnections.append(connect(source, &VXDataSource::restoreDefaultPresetColors, this,
+                                          [this]()
+                                          {
+                                            if (m_ValuesAsCategories)
+                                              restoreDefaultIndexedPresetColors();
+                                            else
+                                              restoreDefaultRgbPresetColors();
+                                          }));
   m_ParentColorConnections.append(
     connect(source, &VXDataSource::invertColorMap, this, &VXPointsRepPimpl::setColorMapInverted));
-  if(trigger)
+  if (trigger)
     source->triggerColorSettingsChange();
 }
 
@@ -579,16 +593,17 @@ void VXPointsRepPimpl::disconnectParentColorSignals()
 void VXPointsRepPimpl::onDetachColorSettings(bool checked)
 {
   VXOutlineRepPimpl::onDetachColorSettings(checked);
-  for(QWidget* control : {static_cast<QWidget*>(m_ColorPresetButton.data()), static_cast<QWidget*>(m_InvertColorBtn.data())})
+  for (QWidget* control : { static_cast<QWidget*>(m_ColorPresetButton.data()),
+                            static_cast<QWidget*>(m_InvertColorBtn.data()) })
   {
-    if(control != nullptr)
+    if (control != nullptr)
       control->setEnabled(checked);
   }
 }
 
 void VXPointsRepPimpl::onSyncColorMapToParentGeometry()
 {
-  if(!m_DetachColorSettings)
+  if (!m_DetachColorSettings)
     return;
   onDetachColorSettings(false);
 }
@@ -598,7 +613,7 @@ void VXPointsRepPimpl::onSyncColorMapToParentGeometry()
 
 void VXPointsRepPimpl::setupScalarBar()
 {
-  if(m_ScalarBarRepresentation == nullptr)
+  if (m_ScalarBarRepresentation == nullptr)
   {
     m_ScalarBarRepresentation = vtkSmartPointer<vtkScalarBarRepresentation>::New();
     m_ScalarBarRepresentation->SetPosition(m_LegendPositions[0], m_LegendPositions[1]);
@@ -616,26 +631,27 @@ void VXPointsRepPimpl::setupScalarBar()
   }
   vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
   bar->SetTitle(m_LegendTitle.toStdString().c_str());
-  if(m_Mapper != nullptr)
+  if (m_Mapper != nullptr)
     bar->SetLookupTable(m_Mapper->GetLookupTable());
-  if(VXVisualizationWidget* widget = visualizationWidget())
+  if (VXVisualizationWidget* widget = visualizationWidget())
   {
-    if(m_ScalarBarWidget->GetInteractor() == nullptr && widget->getRenderWindowInteractor() != nullptr)
+    if (m_ScalarBarWidget->GetInteractor() == nullptr &&
+        widget->getRenderWindowInteractor() != nullptr)
     {
       m_ScalarBarWidget->SetInteractor(widget->getRenderWindowInteractor());
       m_ScalarBarWidget->SetCurrentRenderer(widget->getRenderer());
     }
   }
-  if(m_ScalarBarWidget->GetInteractor() != nullptr)
+  if (m_ScalarBarWidget->GetInteractor() != nullptr)
     m_ScalarBarWidget->SetEnabled(m_ShowLegend && m_Visible && !m_UseSolidColor ? 1 : 0);
 }
 
 void VXPointsRepPimpl::setScalarBarVisibility(bool visible)
 {
   m_ShowLegend = visible;
-  if(m_Initialized)
+  if (m_Initialized)
     setupScalarBar();
-  if(m_LegendCheckBox != nullptr)
+  if (m_LegendCheckBox != nullptr)
   {
     const QSignalBlocker blocker(m_LegendCheckBox);
     m_LegendCheckBox->setChecked(visible);
@@ -646,7 +662,7 @@ void VXPointsRepPimpl::setScalarBarVisibility(bool visible)
 void VXPointsRepPimpl::setScalarBarTitleText(QString arrayName)
 {
   m_LegendTitle = arrayName;
-  if(m_ScalarBarRepresentation != nullptr)
+  if (m_ScalarBarRepresentation != nullptr)
     m_ScalarBarWidget->GetScalarBarActor()->SetTitle(arrayName.toStdString().c_str());
 }
 
@@ -655,10 +671,10 @@ void VXPointsRepPimpl::setVisibility(bool visible)
   const bool legend = m_ShowLegend;
   VXOutlineRepPimpl::setVisibility(visible);
   m_ShowLegend = legend;
-  if(m_ScalarBarWidget != nullptr && m_ScalarBarWidget->GetInteractor() != nullptr)
+  if (m_ScalarBarWidget != nullptr && m_ScalarBarWidget->GetInteractor() != nullptr)
     m_ScalarBarWidget->SetEnabled(m_ShowLegend && visible && !m_UseSolidColor ? 1 : 0);
   requestRender();
-  if(visible && m_Owner != nullptr && outputPort() != nullptr)
+  if (visible && m_Owner != nullptr && outputPort() != nullptr)
   {
     auto* poly = vtkPolyData::SafeDownCast(m_GeometryFilter->GetOutputDataObject(0));
     Q_EMIT m_Owner->requestPolyDataUpdate(m_Owner->pathName(), poly);
@@ -667,13 +683,13 @@ void VXPointsRepPimpl::setVisibility(bool visible)
 
 void VXPointsRepPimpl::pointSizeChanged()
 {
-  if(m_PointSizeEdit != nullptr)
+  if (m_PointSizeEdit != nullptr)
     pointSizeEdited(m_PointSizeEdit->text());
 }
 
 void VXPointsRepPimpl::pointSizeEdited(QString text)
 {
-  if(text.isEmpty())
+  if (text.isEmpty())
     return;
   m_PointSize = text.toInt();
   m_Actor->GetProperty()->SetPointSize(static_cast<float>(m_PointSize));
@@ -698,10 +714,10 @@ void VXPointsRepPimpl::setGenerateHistogram(bool generate)
 
 void VXPointsRepPimpl::updateHistogram()
 {
-  if(m_BlockHistogram || !m_GenerateHistogram)
+  if (m_BlockHistogram || !m_GenerateHistogram)
     return;
   vtkDataArray* array = activeDataArray();
-  if(array == nullptr)
+  if (array == nullptr)
     return;
   const std::array<double, 2> range = m_LookupTable->getRange();
   Q_EMIT histogramDataChanged(array, m_ActiveComponent, m_UsingCustomRange,
@@ -711,7 +727,7 @@ void VXPointsRepPimpl::updateHistogram()
 
 void VXPointsRepPimpl::decimateGeometry()
 {
-  if(m_GeometryFilter == nullptr || !m_UseDecimationOnInteraction)
+  if (m_GeometryFilter == nullptr || !m_UseDecimationOnInteraction)
     return;
   m_QuadricClustering->SetInputConnection(m_GeometryFilter->GetOutputPort());
   m_QuadricClustering->SetNumberOfDivisions(m_DecimationDivisions[0], m_DecimationDivisions[1],
@@ -726,11 +742,11 @@ void VXPointsRepPimpl::decimateGeometry()
 
 void VXPointsRepPimpl::useDecimatedGeometry()
 {
-  if(m_GeometryFilter == nullptr || m_UsingDecimatedGeometry)
+  if (m_GeometryFilter == nullptr || m_UsingDecimatedGeometry)
     return;
-  if(m_DecimationOutOfDate || m_QuadricClustering->GetNumberOfInputConnections(0) == 0)
+  if (m_DecimationOutOfDate || m_QuadricClustering->GetNumberOfInputConnections(0) == 0)
     decimateGeometry();
-  if(m_QuadricClustering->GetNumberOfInputConnections(0) == 0)
+  if (m_QuadricClustering->GetNumberOfInputConnections(0) == 0)
     return;
   m_Mapper->SetInputConnection(m_QuadricClustering->GetOutputPort());
   m_UsingDecimatedGeometry = true;
@@ -738,7 +754,7 @@ void VXPointsRepPimpl::useDecimatedGeometry()
 
 void VXPointsRepPimpl::useFullGeometry()
 {
-  if(m_GeometryFilter == nullptr || !m_UsingDecimatedGeometry)
+  if (m_GeometryFilter == nullptr || !m_UsingDecimatedGeometry)
     return;
   m_Mapper->SetInputConnection(m_GeometryFilter->GetOutputPort());
   m_UsingDecimatedGeometry = false;
@@ -752,29 +768,31 @@ void VXPointsRepPimpl::receivePipelineOutputReloaded()
 {
   m_UniqueValues.clear();
   VXDataSource* source = parentDataSource();
-  const QStringList names = source != nullptr ? source->getImportedArrayNames().keys() : QStringList();
-  if(m_ArrayCombo == nullptr)
+  const QStringList names =
+    source != nullptr ? source->getImportedArrayNames().keys() : QStringList();
+  if (m_ArrayCombo == nullptr)
   {
-    if(!names.contains(m_ActiveArray) && !names.isEmpty())
+    if (!names.contains(m_ActiveArray) && !names.isEmpty())
       setActiveArray(names.first());
-    else if(m_Initialized)
+    else if (m_Initialized)
       setActiveArray(m_UseSolidColor ? QString() : m_ActiveArray);
     setScalarBarVisibility(m_ShowLegend);
     return;
   }
-  const QString componentText = m_ComponentCombo != nullptr ? m_ComponentCombo->currentText() : QString();
+  const QString componentText =
+    m_ComponentCombo != nullptr ? m_ComponentCombo->currentText() : QString();
   updateArrayColoringChoices();
-  if(names.contains(m_ActiveArray))
+  if (names.contains(m_ActiveArray))
   {
-    if(m_ComponentCombo != nullptr)
+    if (m_ComponentCombo != nullptr)
     {
       const int index = m_ComponentCombo->findText(componentText);
-      if(index >= 0)
+      if (index >= 0)
         m_ComponentCombo->setCurrentIndex(index);
     }
     setActiveComponent(m_ActiveComponent);
   }
-  else if(!names.isEmpty())
+  else if (!names.isEmpty())
   {
     setActiveArray(names.first());
   }
@@ -783,14 +801,14 @@ void VXPointsRepPimpl::receivePipelineOutputReloaded()
 
 void VXPointsRepPimpl::updateArrayColoringChoices()
 {
-  if(m_ArrayCombo == nullptr)
+  if (m_ArrayCombo == nullptr)
     return;
   const QSignalBlocker blocker(m_ArrayCombo);
   m_ArrayCombo->clear();
-  if(VXDataSource* source = parentDataSource())
+  if (VXDataSource* source = parentDataSource())
   {
     const QMap<QString, QIcon> names = source->getImportedArrayNames();
-    for(auto iter = names.constBegin(); iter != names.constEnd(); ++iter)
+    for (auto iter = names.constBegin(); iter != names.constEnd(); ++iter)
       m_ArrayCombo->addItem(iter.value(), iter.key());
   }
   m_ArrayCombo->setCurrentIndex(m_ArrayCombo->findText(m_ActiveArray));
@@ -798,14 +816,15 @@ void VXPointsRepPimpl::updateArrayColoringChoices()
 
 void VXPointsRepPimpl::refillComponentCombo()
 {
-  if(m_ComponentCombo == nullptr)
+  if (m_ComponentCombo == nullptr)
     return;
   const QSignalBlocker blocker(m_ComponentCombo);
   m_ComponentCombo->clear();
-  if(VXDataSource* source = parentDataSource())
+  if (VXDataSource* source = parentDataSource())
     m_ComponentCombo->addItems(source->getComponentNames(m_ActiveArray));
   const int magnitude = m_ComponentCombo->findText("Magnitude");
-  m_ComponentCombo->setCurrentIndex(m_ActiveComponent < 0 ? (magnitude >= 0 ? magnitude : 0) : m_ActiveComponent);
+  m_ComponentCombo->setCurrentIndex(m_ActiveComponent < 0 ? (magnitude >= 0 ? magnitude : 0)
+                                                          : m_ActiveComponent);
 }
 
 void VXPointsRepPimpl::arrayNameComboTextChanged(QString text)
@@ -815,13 +834,13 @@ void VXPointsRepPimpl::arrayNameComboTextChanged(QString text)
 
 void VXPointsRepPimpl::arrayNameComboIndexChanged(int index)
 {
-  if(m_ArrayCombo != nullptr && index >= 0)
+  if (m_ArrayCombo != nullptr && index >= 0)
     setActiveArray(m_ArrayCombo->itemText(index));
 }
 
 void VXPointsRepPimpl::arrayComponentComboChanged(int index)
 {
-  if(m_ComponentCombo == nullptr || index < 0)
+  if (m_ComponentCombo == nullptr || index < 0)
     return;
   setActiveComponent(m_ComponentCombo->itemText(index) == "Magnitude" ? -1 : index);
   requestRender();
@@ -854,7 +873,7 @@ void VXPointsRepPimpl::write(nlohmann::json& output) const
   output["nan_color_r"] = nan.redF();
   output["nan_color_g"] = nan.greenF();
   output["nan_color_b"] = nan.blueF();
-  if(m_ScalarBarRepresentation != nullptr)
+  if (m_ScalarBarRepresentation != nullptr)
   {
     const double* position = m_ScalarBarRepresentation->GetPosition();
     const double* position2 = m_ScalarBarRepresentation->GetPosition2();
@@ -868,66 +887,69 @@ void VXPointsRepPimpl::write(nlohmann::json& output) const
 void VXPointsRepPimpl::read(const nlohmann::json& input)
 {
   VXOutlineRepPimpl::read(input);
-  if(input.contains("scalar_bar_visible"))
+  if (input.contains("scalar_bar_visible"))
     m_ShowLegend = input.at("scalar_bar_visible").get<bool>();
-  if(input.contains("active_array"))
+  if (input.contains("active_array"))
     m_ActiveArray = QString::fromStdString(input.at("active_array").get<std::string>());
-  if(input.contains("active_component"))
+  if (input.contains("active_component"))
     m_ActiveComponent = input.at("active_component").get<int>();
-  if(input.contains("scalar_mapping"))
+  if (input.contains("scalar_mapping"))
     m_ScalarMapping = input.at("scalar_mapping").get<int>();
-  if(input.contains("color_map_inverted"))
+  if (input.contains("color_map_inverted"))
     m_ColorMapInverted = input.at("color_map_inverted").get<bool>();
-  if(input.contains("color_preset"))
+  if (input.contains("color_preset"))
     m_ColorPreset = ColorPreset(input.at("color_preset"));
-  if(input.contains("indexed_color_preset"))
+  if (input.contains("indexed_color_preset"))
     m_IndexedColorPreset = ColorPreset(input.at("indexed_color_preset"));
-  if(input.contains("using_default_preset"))
+  if (input.contains("using_default_preset"))
     m_UsingDefaultPreset = input.at("using_default_preset").get<bool>();
-  if(input.contains("using_default_indexed_preset"))
+  if (input.contains("using_default_indexed_preset"))
     m_UsingDefaultIndexedPreset = input.at("using_default_indexed_preset").get<bool>();
-  if(input.contains("point_size"))
+  if (input.contains("point_size"))
     m_PointSize = input.at("point_size").get<int>();
-  if(input.contains("render_points_as_spheres"))
+  if (input.contains("render_points_as_spheres"))
     m_RenderPointsAsSpheres = input.at("render_points_as_spheres").get<bool>();
-  if(input.contains("using_custom_range"))
+  if (input.contains("using_custom_range"))
     m_UsingCustomRange = input.at("using_custom_range").get<bool>();
-  if(input.contains("custom_range_min") && input.contains("custom_range_max"))
-    m_CustomRange = {input.at("custom_range_min").get<double>(), input.at("custom_range_max").get<double>()};
-  if(input.contains("using_solid_color"))
+  if (input.contains("custom_range_min") && input.contains("custom_range_max"))
+    m_CustomRange = { input.at("custom_range_min").get<double>(),
+                      input.at("custom_range_max").get<double>() };
+  if (input.contains("using_solid_color"))
     m_UseSolidColor = input.at("using_solid_color").get<bool>();
-  if(input.contains("values_as_categories"))
+  if (input.contains("values_as_categories"))
     m_ValuesAsCategories = input.at("values_as_categories").get<bool>();
-  if(input.contains("generate_histogram_data"))
+  if (input.contains("generate_histogram_data"))
     m_GenerateHistogram = input.at("generate_histogram_data").get<bool>();
-  if(input.contains("nan_color_r") && input.contains("nan_color_g") && input.contains("nan_color_b"))
-    m_LookupTable->setNANColor(QColor::fromRgbF(static_cast<float>(input.at("nan_color_r").get<double>()),
-                                                static_cast<float>(input.at("nan_color_g").get<double>()),
-                                                static_cast<float>(input.at("nan_color_b").get<double>())));
-  if(input.contains("source_position_x") && input.contains("source_position_y"))
+  if (input.contains("nan_color_r") && input.contains("nan_color_g") &&
+      input.contains("nan_color_b"))
+    m_LookupTable->setNANColor(
+      QColor::fromRgbF(static_cast<float>(input.at("nan_color_r").get<double>()),
+                       static_cast<float>(input.at("nan_color_g").get<double>()),
+                       static_cast<float>(input.at("nan_color_b").get<double>())));
+  if (input.contains("source_position_x") && input.contains("source_position_y"))
   {
     m_LegendPositions[0] = input.at("source_position_x").get<double>();
     m_LegendPositions[1] = input.at("source_position_y").get<double>();
-    if(m_ScalarBarRepresentation != nullptr)
+    if (m_ScalarBarRepresentation != nullptr)
       m_ScalarBarRepresentation->SetPosition(m_LegendPositions[0], m_LegendPositions[1]);
   }
-  if(input.contains("source_position2_x") && input.contains("source_position2_y"))
+  if (input.contains("source_position2_x") && input.contains("source_position2_y"))
   {
     m_LegendPositions[2] = input.at("source_position2_x").get<double>();
     m_LegendPositions[3] = input.at("source_position2_y").get<double>();
-    if(m_ScalarBarRepresentation != nullptr)
+    if (m_ScalarBarRepresentation != nullptr)
       m_ScalarBarRepresentation->SetPosition2(m_LegendPositions[2], m_LegendPositions[3]);
   }
-  if(m_Initialized)
+  if (m_Initialized)
   {
     m_Actor->GetProperty()->SetPointSize(static_cast<float>(m_PointSize));
     m_Actor->GetProperty()->SetRenderPointsAsSpheres(m_RenderPointsAsSpheres);
-    if(m_ColorMapInverted != m_LookupTable->isInverted())
+    if (m_ColorMapInverted != m_LookupTable->isInverted())
       m_LookupTable->invert();
     const int component = m_ActiveComponent;
     setActiveArray(m_UseSolidColor ? QString() : m_ActiveArray);
     setActiveComponent(component);
-    if(m_ValuesAsCategories)
+    if (m_ValuesAsCategories)
       setInterpretValuesAsCategories(true);
     setupScalarBar();
   }
@@ -937,7 +959,7 @@ void VXPointsRepPimpl::copyFrom(VXRepresentationPimpl* other)
 {
   VXOutlineRepPimpl::copyFrom(other);
   auto* source = dynamic_cast<VXPointsRepPimpl*>(other);
-  if(source == nullptr)
+  if (source == nullptr)
     return;
   m_ShowLegend = source->m_ShowLegend;
   m_ActiveArray = source->m_ActiveArray;
@@ -962,12 +984,12 @@ void VXPointsRepPimpl::copyFrom(VXRepresentationPimpl* other)
 void VXPointsRepPimpl::pasteSettingsFromClipboard()
 {
   VXOutlineRepPimpl::pasteSettingsFromClipboard();
-  if(!m_DetachColorSettings)
+  if (!m_DetachColorSettings)
   {
-    if(VXDataSource* source = parentDataSource())
+    if (VXDataSource* source = parentDataSource())
     {
       setNanColor(source->getNanColor());
-      if(source->isUsingDefaultPreset())
+      if (source->isUsingDefaultPreset())
         restoreDefaultRgbPresetColors();
       else
         loadRGBPresetColors(source->getCurrentPreset());
@@ -981,31 +1003,33 @@ void VXPointsRepPimpl::pasteSettingsFromClipboard()
 
 void VXPointsRepPimpl::loadPointsDefaults(QtKXSettings& settings)
 {
-  if(settings.contains("scalar_bar_visible"))
+  if (settings.contains("scalar_bar_visible"))
     m_ShowLegend = settings.value("scalar_bar_visible", true).toBool();
-  if(settings.contains("scalar_mapping"))
+  if (settings.contains("scalar_mapping"))
     m_ScalarMapping = settings.value("scalar_mapping", 1).toInt();
-  if(settings.contains("color_map_inverted"))
+  if (settings.contains("color_map_inverted"))
     m_ColorMapInverted = settings.value("color_map_inverted", false).toBool();
-  if(settings.contains("using_default_preset"))
+  if (settings.contains("using_default_preset"))
     m_UsingDefaultPreset = settings.value("using_default_preset", true).toBool();
-  if(settings.contains("using_default_indexed_preset"))
+  if (settings.contains("using_default_indexed_preset"))
     m_UsingDefaultIndexedPreset = settings.value("using_default_indexed_preset", true).toBool();
-  if(settings.contains("point_size"))
+  if (settings.contains("point_size"))
     m_PointSize = settings.value("point_size", 1).toInt();
-  if(settings.contains("render_points_as_spheres"))
+  if (settings.contains("render_points_as_spheres"))
     m_RenderPointsAsSpheres = settings.value("render_points_as_spheres", false).toBool();
-  if(settings.contains("using_custom_range"))
+  if (settings.contains("using_custom_range"))
     m_UsingCustomRange = settings.value("using_custom_range", false).toBool();
-  if(settings.contains("custom_range_min") && settings.contains("custom_range_max"))
-    m_CustomRange = {settings.value("custom_range_min", 0.0).toDouble(), settings.value("custom_range_max", 1.0).toDouble()};
-  if(settings.contains("using_solid_color"))
+  if (settings.contains("custom_range_min") && settings.contains("custom_range_max"))
+    m_CustomRange = { settings.value("custom_range_min", 0.0).toDouble(),
+                      settings.value("custom_range_max", 1.0).toDouble() };
+  if (settings.contains("using_solid_color"))
     m_UseSolidColor = settings.value("using_solid_color", false).toBool();
-  if(settings.contains("values_as_categories"))
+  if (settings.contains("values_as_categories"))
     m_ValuesAsCategories = settings.value("values_as_categories", false).toBool();
-  if(settings.contains("generate_histogram_data"))
+  if (settings.contains("generate_histogram_data"))
     m_GenerateHistogram = settings.value("generate_histogram_data", false).toBool();
-  if(settings.contains("nan_color_r") && settings.contains("nan_color_g") && settings.contains("nan_color_b"))
+  if (settings.contains("nan_color_r") && settings.contains("nan_color_g") &&
+      settings.contains("nan_color_b"))
     m_LookupTable->setNANColor(QColor::fromRgbF(settings.value("nan_color_r", 0.5).toFloat(),
                                                 settings.value("nan_color_g", 0.75).toFloat(),
                                                 settings.value("nan_color_b", 1.0).toFloat()));
@@ -1032,7 +1056,7 @@ void VXPointsRepPimpl::savePointsDefaults(QtKXSettings& settings) const
 void VXPointsRepPimpl::loadDefaultSettings()
 {
   VXOutlineRepPimpl::loadDefaultSettings();
-  if(m_Owner == nullptr)
+  if (m_Owner == nullptr)
     return;
   QtKXSettings settings;
   BeginSettingsGroup(settings, m_Owner->typeName());
@@ -1041,7 +1065,7 @@ void VXPointsRepPimpl::loadDefaultSettings()
 
 void VXPointsRepPimpl::saveDefaultSettings()
 {
-  if(m_Owner == nullptr || !askSaveDefaults())
+  if (m_Owner == nullptr || !askSaveDefaults())
     return;
   QtKXSettings settings;
   BeginSettingsGroup(settings, m_Owner->typeName());
@@ -1070,8 +1094,10 @@ void VXPointsRepPimpl::buildSettingsPage()
   coloring->addRow(m_ArrayCombo, m_ComponentCombo);
   updateArrayColoringChoices();
   refillComponentCombo();
-  connect(m_ArrayCombo, &QComboBox::currentIndexChanged, this, &VXPointsRepPimpl::arrayNameComboIndexChanged);
-  connect(m_ComponentCombo, &QComboBox::currentIndexChanged, this, &VXPointsRepPimpl::arrayComponentComboChanged);
+  connect(m_ArrayCombo, &QComboBox::currentIndexChanged, this,
+          &VXPointsRepPimpl::arrayNameComboIndexChanged);
+  connect(m_ComponentCombo, &QComboBox::currentIndexChanged, this,
+          &VXPointsRepPimpl::arrayComponentComboChanged);
 
   m_SolidColorCheckBox = new QCheckBox("Use Solid Color", m_PageContent);
   m_SolidColorCheckBox->setObjectName("m_SolidColorCheckBox");
@@ -1080,30 +1106,39 @@ void VXPointsRepPimpl::buildSettingsPage()
   m_CategoriesCheckBox = new QCheckBox("Interpret Values As Categories", m_PageContent);
   m_CategoriesCheckBox->setObjectName("m_CategoriesCheckBox");
   m_CategoriesCheckBox->setChecked(m_ValuesAsCategories);
-  connect(m_CategoriesCheckBox, &QCheckBox::toggled, this, &VXPointsRepPimpl::setInterpretValuesAsCategories);
+  connect(m_CategoriesCheckBox, &QCheckBox::toggled, this,
+          &VXPointsRepPimpl::setInterpretValuesAsCategories);
   coloring->addRow(m_SolidColorCheckBox, m_CategoriesCheckBox);
 
   auto* buttons = new QWidget(m_PageContent);
   auto* buttonLayout = new QHBoxLayout(buttons);
   buttonLayout->setContentsMargins(0, 0, 0, 0);
-  m_ColorPresetButton = new QPushButton(KXStyle::generateThemeIconFromName("preset"), "Edit", buttons);
+  m_ColorPresetButton =
+    new QPushButton(KXStyle::generateThemeIconFromName("preset"), "Edit", buttons);
   m_ColorPresetButton->setObjectName("m_ColorPresetButton");
-  connect(m_ColorPresetButton, &QPushButton::clicked, this, [this]() { m_ColorPresetsDialog->show(); });
-  m_InvertColorBtn = new QPushButton(KXStyle::generateThemeIconFromName("invert"), QString(), buttons);
+  connect(m_ColorPresetButton, &QPushButton::clicked, this,
+          [this]() { m_ColorPresetsDialog->show(); });
+  m_InvertColorBtn =
+    new QPushButton(KXStyle::generateThemeIconFromName("invert"), QString(), buttons);
   m_InvertColorBtn->setObjectName("m_InvertColorBtn");
-  connect(m_InvertColorBtn, &QPushButton::clicked, this, [this]() { setColorMapInverted(!m_ColorMapInverted); });
+  connect(m_InvertColorBtn, &QPushButton::clicked, this,
+          [this]() { setColorMapInverted(!m_ColorMapInverted); });
   m_EditColorMapButton = new QPushButton("Edit Color Map", buttons);
   m_EditColorMapButton->setObjectName("m_EditColorMapButton");
-  connect(m_EditColorMapButton, &QPushButton::clicked, this, &VXPointsRepPimpl::editColorsButtonClicked);
-  m_ScaleToDataButton = new QPushButton(KXStyle::generateThemeIconFromName("ScaleToData"), "Scale to Data", buttons);
+  connect(m_EditColorMapButton, &QPushButton::clicked, this,
+          &VXPointsRepPimpl::editColorsButtonClicked);
+  m_ScaleToDataButton =
+    new QPushButton(KXStyle::generateThemeIconFromName("ScaleToData"), "Scale to Data", buttons);
   m_ScaleToDataButton->setObjectName("scaleToDataBtn");
   connect(m_ScaleToDataButton, &QPushButton::clicked, this, &VXPointsRepPimpl::rescaleToDataRange);
-  m_CustomRangeButton = new QPushButton(KXStyle::generateThemeIconFromName("CustomRange"), "Custom Range", buttons);
+  m_CustomRangeButton =
+    new QPushButton(KXStyle::generateThemeIconFromName("CustomRange"), "Custom Range", buttons);
   m_CustomRangeButton->setObjectName("customRangeBtn");
   connect(m_CustomRangeButton, &QPushButton::clicked, this,
           [this]() { rescaleToCustomRange(m_CustomRange[0], m_CustomRange[1]); });
-  for(QPushButton* button : {m_ColorPresetButton.data(), m_InvertColorBtn.data(), m_EditColorMapButton.data(),
-                             m_ScaleToDataButton.data(), m_CustomRangeButton.data()})
+  for (QPushButton* button :
+       { m_ColorPresetButton.data(), m_InvertColorBtn.data(), m_EditColorMapButton.data(),
+         m_ScaleToDataButton.data(), m_CustomRangeButton.data() })
     buttonLayout->addWidget(button);
   coloring->addRow(buttons);
   m_ColorPresetButton->setEnabled(m_DetachColorSettings);
@@ -1113,9 +1148,10 @@ void VXPointsRepPimpl::buildSettingsPage()
 
   m_ScalarMappingCombo = new QComboBox(m_PageContent);
   m_ScalarMappingCombo->setObjectName("m_ScalarMappingCombo");
-  m_ScalarMappingCombo->addItems({"Always ", "Non-Colors", "Never"});
+  m_ScalarMappingCombo->addItems({ "Always ", "Non-Colors", "Never" });
   m_ScalarMappingCombo->setCurrentIndex(m_ScalarMapping);
-  connect(m_ScalarMappingCombo, &QComboBox::currentIndexChanged, this, &VXPointsRepPimpl::updateColorMode);
+  connect(m_ScalarMappingCombo, &QComboBox::currentIndexChanged, this,
+          &VXPointsRepPimpl::updateColorMode);
   coloring->addRow("Map Scalars :", m_ScalarMappingCombo);
 
   QFormLayout* styling = sectionForm("Styling");
@@ -1128,7 +1164,8 @@ void VXPointsRepPimpl::buildSettingsPage()
   m_SpheresCheckBox = new QCheckBox("Render Points As Spheres", m_PageContent);
   m_SpheresCheckBox->setObjectName("m_SpheresCheckBox");
   m_SpheresCheckBox->setChecked(m_RenderPointsAsSpheres);
-  connect(m_SpheresCheckBox, &QCheckBox::toggled, this, &VXPointsRepPimpl::setRenderPointsAsSpheres);
+  connect(m_SpheresCheckBox, &QCheckBox::toggled, this,
+          &VXPointsRepPimpl::setRenderPointsAsSpheres);
   styling->addRow(m_SpheresCheckBox);
 
   QFormLayout* annotations = sectionForm("Annotations");
@@ -1146,7 +1183,7 @@ void VXPointsRepPimpl::buildSettingsPage()
   connect(m_HistogramCheckBox, &QCheckBox::toggled, this, &VXPointsRepPimpl::setGenerateHistogram);
   histogram->addRow(m_HistogramCheckBox);
   // the histogram section goes last, after the stretch the outline level added
-  if(QWidget* box = histogram->parentWidget())
+  if (QWidget* box = histogram->parentWidget())
   {
     m_PageLayout->removeWidget(box);
     m_PageLayout->insertWidget(m_PageLayout->count() - 1, box);
@@ -1156,8 +1193,9 @@ void VXPointsRepPimpl::buildSettingsPage()
 void VXPointsRepPimpl::syncControls()
 {
   VXOutlineRepPimpl::syncControls();
-  auto setChecked = [](QCheckBox* box, bool value) {
-    if(box == nullptr)
+  auto setChecked = [](QCheckBox* box, bool value)
+  {
+    if (box == nullptr)
       return;
     const QSignalBlocker blocker(box);
     box->setChecked(value);
@@ -1167,40 +1205,42 @@ void VXPointsRepPimpl::syncControls()
   setChecked(m_SpheresCheckBox, m_RenderPointsAsSpheres);
   setChecked(m_LegendCheckBox, m_ShowLegend);
   setChecked(m_HistogramCheckBox, m_GenerateHistogram);
-  if(m_PointSizeEdit != nullptr)
+  if (m_PointSizeEdit != nullptr)
     m_PointSizeEdit->setText(QString::number(m_PointSize));
-  if(m_ScalarMappingCombo != nullptr)
+  if (m_ScalarMappingCombo != nullptr)
   {
     const QSignalBlocker blocker(m_ScalarMappingCombo);
     m_ScalarMappingCombo->setCurrentIndex(m_ScalarMapping);
   }
   updateArrayColoringChoices();
   refillComponentCombo();
-  if(m_ComponentCombo != nullptr)
+  if (m_ComponentCombo != nullptr)
     m_ComponentCombo->setEnabled(!m_UseSolidColor);
-  if(m_EditColorMapButton != nullptr)
+  if (m_EditColorMapButton != nullptr)
     m_EditColorMapButton->setEnabled(!m_UseSolidColor);
 }
 
 void VXPointsRepPimpl::updateToolTips()
 {
   VXOutlineRepPimpl::updateToolTips();
-  auto tip = [](QWidget* widget, const QString& text) {
-    if(widget != nullptr)
+  auto tip = [](QWidget* widget, const QString& text)
+  {
+    if (widget != nullptr)
       widget->setToolTip(HtmlToolTip(text));
   };
   tip(m_ArrayCombo, "Select which data array to use to generate colors");
   tip(m_ComponentCombo, "Select which component to use to generate colors");
   tip(m_SolidColorCheckBox, "Set the active array to solid color");
-  tip(m_CategoriesCheckBox, "When checked, switches the color map to indexed lookup mode (categorical colors)");
+  tip(m_CategoriesCheckBox,
+      "When checked, switches the color map to indexed lookup mode (categorical colors)");
   tip(m_ColorPresetButton, "Edit Color Map");
   tip(m_InvertColorBtn, "Invert the color map");
   tip(m_CustomRangeButton, "Rescale the color map to a custom range");
   tip(m_ScaleToDataButton, "Rescale the color map to the data's range");
   tip(m_ScalarMappingCombo, k_MapScalarsToolTip);
   tip(m_LegendCheckBox, "When checked, show the color legend");
-  tip(m_HistogramCheckBox,
-      "Toggle the generation of the active array histogram on/off. WARNING: This may slow down rendering!");
+  tip(m_HistogramCheckBox, "Toggle the generation of the active array histogram on/off. WARNING: "
+                           "This may slow down rendering!");
   tip(m_PointSizeEdit, "Use this to adjust the size of displayed points for the current geometry");
   tip(m_SpheresCheckBox, "When checked, render the points as spheres");
 }

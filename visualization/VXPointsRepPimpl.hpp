@@ -103,7 +103,8 @@ public Q_SLOTS:
   void arrayNameComboTextChanged(QString text);
   void arrayNameComboIndexChanged(int index);
   void arrayComponentComboChanged(int index);
-  /** The scalar mapping combo: the chosen mode lands in the active component field, as the host expects. */
+  /** The scalar mapping combo: the chosen mode lands in the active component field, as the host
+   * expects. */
   void updateColorMode(int index);
   void updateArrayColoringChoices();
   void loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset);
@@ -131,7 +132,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
   /** The data of the histogram changed: the array, its component and the range in use. */
-  void histogramDataChanged(vtkDataArray* array, int component, bool usingCustomRange, double rangeMin, double rangeMax);
+  void histogramDataChanged(vtkDataArray* array, int component, bool usingCustomRange,
+                            double rangeMin, double rangeMax);
   /** The colour editor was asked for; hosts with a colour map editor open it. */
   void editColorMapRequested(VXLookupTable* table);
 
@@ -166,14 +168,14 @@ protected:
   int m_PointSize = 1;
   bool m_RenderPointsAsSpheres = false;
   bool m_UsingCustomRange = false;
-  std::array<double, 2> m_CustomRange = {0.0, 1.0};
+  std::array<double, 2> m_CustomRange = { 0.0, 1.0 };
   bool m_UseSolidColor = false;
   bool m_ValuesAsCategories = false;
   bool m_GenerateHistogram = false;
   QString m_LegendTitle;
   bool m_UsingDecimatedGeometry = false;
   bool m_HasLegendPositions = false;
-  std::array<double, 4> m_LegendPositions = {0.9, 0.175, 0.1, 0.5};
+  std::array<double, 4> m_LegendPositions = { 0.9, 0.175, 0.1, 0.5 };
 
   QPointer<QComboBox> m_ArrayCombo;
   QPointer<QComboBox> m_ComponentCombo;

@@ -19,12 +19,16 @@ std::map<VXRepresentation::Type, VXRepresentation::Factory>& registry()
 } // namespace
 
 const QMap<QString, VXRepresentation::Type> VXRepresentation::k_RepresentationStringToType = {
-  {"None", None},       {"Outline", Outline}, {"Points", Points}, {"Wireframe", Wireframe},
-  {"Surface", Surface}, {"Volume", Volume},   {"Glyph", Glyph},   {"2D Image/Slice", ImageSlice}};
+  { "None", None },           { "Outline", Outline },          { "Points", Points },
+  { "Wireframe", Wireframe }, { "Surface", Surface },          { "Volume", Volume },
+  { "Glyph", Glyph },         { "2D Image/Slice", ImageSlice }
+};
 
 const QMap<VXRepresentation::Type, QString> VXRepresentation::k_RepresentationTypeToString = {
-  {None, "None"},       {Outline, "Outline"}, {Points, "Points"}, {Wireframe, "Wireframe"},
-  {Surface, "Surface"}, {Volume, "Volume"},   {Glyph, "Glyph"},   {ImageSlice, "2D Image/Slice"}};
+  { None, "None" },           { Outline, "Outline" },          { Points, "Points" },
+  { Wireframe, "Wireframe" }, { Surface, "Surface" },          { Volume, "Volume" },
+  { Glyph, "Glyph" },         { ImageSlice, "2D Image/Slice" }
+};
 
 void VXRepresentation::RegisterType(Type type, Factory factory)
 {
@@ -42,9 +46,10 @@ bool VXRepresentation::IsRegistered(Type type)
   return registry().count(type) > 0;
 }
 
-VXRepresentation::VXRepresentation(VXPipeline* pipeline, const QString& defaultName, QObject* parent)
-: VXCoreObject(parent)
-, m_DefaultName(defaultName)
+VXRepresentation::VXRepresentation(VXPipeline* pipeline, const QString& defaultName,
+                                   QObject* parent)
+  : VXCoreObject(parent)
+  , m_DefaultName(defaultName)
 {
   m_BaseName = defaultName;
   m_Pipeline = pipeline;
@@ -61,9 +66,9 @@ void VXRepresentation::setParentSource(VXCoreObject* parent)
   m_ParentSource = parent;
   setParent(parent);
   // the page titles show the path, which has just changed
-  for(const auto& implementation : std::as_const(m_ViewImplementations))
+  for (const auto& implementation : std::as_const(m_ViewImplementations))
   {
-    if(implementation != nullptr)
+    if (implementation != nullptr)
       implementation->updateToolTips();
   }
   updatePath();
@@ -72,9 +77,9 @@ void VXRepresentation::setParentSource(VXCoreObject* parent)
 VXDataSource* VXRepresentation::parentDataSource() const
 {
   QObject* item = parent();
-  while(item != nullptr)
+  while (item != nullptr)
   {
-    if(auto* source = qobject_cast<VXDataSource*>(item))
+    if (auto* source = qobject_cast<VXDataSource*>(item))
       return source;
     item = item->parent();
   }
@@ -84,7 +89,7 @@ VXDataSource* VXRepresentation::parentDataSource() const
 std::vector<VXRepresentationPimpl*> VXRepresentation::getDataViewSplits() const
 {
   std::vector<VXRepresentationPimpl*> splits;
-  for(const auto& implementation : m_ViewImplementations)
+  for (const auto& implementation : m_ViewImplementations)
     splits.push_back(implementation.get());
   return splits;
 }
@@ -97,37 +102,38 @@ VXRepresentationPimpl* VXRepresentation::implementation(VXAbstractViewWidget* vi
 
 VXRepresentationPimpl* VXRepresentation::activeImplementation() const
 {
-  if(m_Pipeline == nullptr)
+  if (m_Pipeline == nullptr)
     return nullptr;
   return implementation(m_Pipeline->activeViewWidget());
 }
 
 void VXRepresentation::connectViewSignals(VXAbstractViewWidget* view)
 {
-  if(view == nullptr)
+  if (view == nullptr)
     return;
-  connect(view, &VXAbstractViewWidget::viewWidgetCreated, this, &VXRepresentation::addViewWidgetCopy,
-          Qt::UniqueConnection);
-  if(!m_ViewWidgets.contains(view))
+  connect(view, &VXAbstractViewWidget::viewWidgetCreated, this,
+          &VXRepresentation::addViewWidgetCopy, Qt::UniqueConnection);
+  if (!m_ViewWidgets.contains(view))
     m_ViewWidgets.insert(view, true);
 }
 
 void VXRepresentation::initializeViewWidgetSplits(vtkAlgorithmOutput* port, bool visible)
 {
   const auto views = m_ViewWidgets.keys();
-  for(VXAbstractViewWidget* view : views)
+  for (VXAbstractViewWidget* view : views)
     addViewInstance(nullptr, view, port, visible);
 }
 
-void VXRepresentation::addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget, VXAbstractViewWidget* splitViewWidget)
+void VXRepresentation::addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
+                                         VXAbstractViewWidget* splitViewWidget)
 {
   const bool created = implementation(splitViewWidget) == nullptr;
-  if(!addViewInstance(sourceViewWidget, splitViewWidget, nullptr, false) || !created)
+  if (!addViewInstance(sourceViewWidget, splitViewWidget, nullptr, false) || !created)
     return;
   // made hidden; the visibility then follows the copied settings
   VXRepresentationPimpl* source = implementation(sourceViewWidget);
   VXRepresentationPimpl* copy = implementation(splitViewWidget);
-  if(source != nullptr && copy != nullptr)
+  if (source != nullptr && copy != nullptr)
   {
     copy->setVisibility(source->isVisible());
     m_ViewWidgets[splitViewWidget] = source->isVisible();
@@ -137,35 +143,35 @@ void VXRepresentation::addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
 void VXRepresentation::removeModuleInstance(VXAbstractViewWidget* view)
 {
   auto iter = m_ViewImplementations.find(view);
-  if(iter == m_ViewImplementations.end())
+  if (iter == m_ViewImplementations.end())
     return;
   std::shared_ptr<VXRepresentationPimpl> implementation = iter.value();
   m_ViewImplementations.erase(iter);
   m_ViewWidgets.remove(view);
-  if(implementation != nullptr)
+  if (implementation != nullptr)
     implementation->finalize();
 }
 
 void VXRepresentation::removeModule()
 {
-  if(m_Pipeline != nullptr)
+  if (m_Pipeline != nullptr)
     Q_EMIT m_Pipeline->removeModule(this);
 }
 
 void VXRepresentation::renderAll()
 {
-  for(const auto& implementation : std::as_const(m_ViewImplementations))
+  for (const auto& implementation : std::as_const(m_ViewImplementations))
   {
-    if(implementation != nullptr && implementation->visualizationWidget() != nullptr)
+    if (implementation != nullptr && implementation->visualizationWidget() != nullptr)
       implementation->visualizationWidget()->render();
   }
 }
 
 void VXRepresentation::updateGridAxesBounds()
 {
-  for(const auto& implementation : std::as_const(m_ViewImplementations))
+  for (const auto& implementation : std::as_const(m_ViewImplementations))
   {
-    if(implementation != nullptr)
+    if (implementation != nullptr)
       implementation->updateGridAxesBounds();
   }
 }
@@ -173,9 +179,9 @@ void VXRepresentation::updateGridAxesBounds()
 bool VXRepresentation::finalize()
 {
   bool result = VXCoreObject::finalize();
-  for(const auto& implementation : std::as_const(m_ViewImplementations))
+  for (const auto& implementation : std::as_const(m_ViewImplementations))
   {
-    if(implementation == nullptr || !implementation->finalize())
+    if (implementation == nullptr || !implementation->finalize())
       result = false;
   }
   return result;
@@ -190,7 +196,7 @@ QWidget* VXRepresentation::settingsWidget()
 
 void VXRepresentation::initializeSettingsWidget()
 {
-  if(VXRepresentationPimpl* active = activeImplementation())
+  if (VXRepresentationPimpl* active = activeImplementation())
     m_SettingsWidget = active->settingsWidget();
 }
 
@@ -202,16 +208,16 @@ bool VXRepresentation::isVisible() const
 
 void VXRepresentation::setVisibility(bool visible)
 {
-  if(m_Pipeline == nullptr || m_Pipeline->activeViewWidget() == nullptr)
+  if (m_Pipeline == nullptr || m_Pipeline->activeViewWidget() == nullptr)
     return;
   VXAbstractViewWidget* view = m_Pipeline->activeViewWidget();
-  if(VXRepresentationPimpl* active = implementation(view))
+  if (VXRepresentationPimpl* active = implementation(view))
   {
     active->setVisibility(visible);
     m_ViewWidgets[view] = visible;
     return;
   }
-  if(addViewInstance(nullptr, view, nullptr, visible))
+  if (addViewInstance(nullptr, view, nullptr, visible))
   {
     m_ViewWidgets[view] = visible;
     Q_EMIT m_Pipeline->representationViewInstanceAdded();
@@ -220,13 +226,13 @@ void VXRepresentation::setVisibility(bool visible)
 
 void VXRepresentation::copyActiveSettings() const
 {
-  if(VXRepresentationPimpl* active = activeImplementation())
+  if (VXRepresentationPimpl* active = activeImplementation())
     active->copySettingsToClipboard();
 }
 
 void VXRepresentation::pasteToActiveSettings()
 {
-  if(VXRepresentationPimpl* active = activeImplementation())
+  if (VXRepresentationPimpl* active = activeImplementation())
     active->pasteSettingsFromClipboard();
 }
 
@@ -237,17 +243,18 @@ void VXRepresentation::updatePath()
 
 void VXRepresentation::receivePipelineOutputReloaded()
 {
-  for(const auto& implementation : std::as_const(m_ViewImplementations))
+  for (const auto& implementation : std::as_const(m_ViewImplementations))
   {
-    if(implementation != nullptr)
+    if (implementation != nullptr)
       implementation->receivePipelineOutputReloaded();
   }
   updateDataSetInfo();
 }
 
-void VXRepresentation::activeViewChanged(VXAbstractViewWidget* previousActiveView, VXAbstractViewWidget* currentActiveView)
+void VXRepresentation::activeViewChanged(VXAbstractViewWidget* previousActiveView,
+                                         VXAbstractViewWidget* currentActiveView)
 {
-  if(previousActiveView == currentActiveView)
+  if (previousActiveView == currentActiveView)
     return;
   Q_EMIT enabledDisabledStateChanged(this, implementation(currentActiveView) != nullptr);
 }
@@ -255,9 +262,9 @@ void VXRepresentation::activeViewChanged(VXAbstractViewWidget* previousActiveVie
 void VXRepresentation::highlightInRenderWindows(bool highlighted)
 {
   m_Highlighted = highlighted;
-  for(const auto& implementation : std::as_const(m_ViewImplementations))
+  for (const auto& implementation : std::as_const(m_ViewImplementations))
   {
-    if(implementation != nullptr)
+    if (implementation != nullptr)
       implementation->setHighlighted(highlighted);
   }
 }
@@ -270,9 +277,10 @@ QSharedPointer<VXDatasetInfoWidget> VXRepresentation::getDataSetInfoWidget()
 
 void VXRepresentation::initializeDataSetInfoWidget()
 {
-  if(m_DataSetInfoWidget == nullptr)
+  if (m_DataSetInfoWidget == nullptr)
   {
-    m_DataSetInfoWidget = QSharedPointer<VXDatasetInfoWidget>(new VXDatasetInfoWidget(), &QObject::deleteLater);
+    m_DataSetInfoWidget =
+      QSharedPointer<VXDatasetInfoWidget>(new VXDatasetInfoWidget(), &QObject::deleteLater);
     updateDataSetInfo();
   }
 }
@@ -283,14 +291,16 @@ void VXRepresentation::showDataSetInfoWidget()
   m_DataSetInfoWidget->show();
 }
 
-void VXRepresentation::write(nlohmann::json& output, const QMap<VXAbstractViewWidget*, int>& viewIndices) const
+void VXRepresentation::write(nlohmann::json& output,
+                             const QMap<VXAbstractViewWidget*, int>& viewIndices) const
 {
   output["core_object_name"] = m_BaseName.toStdString();
   output["core_object_name_suffix"] = m_NameSuffixCounter;
   nlohmann::json implementations = nlohmann::json::array();
-  for(auto iter = m_ViewImplementations.constBegin(); iter != m_ViewImplementations.constEnd(); ++iter)
+  for (auto iter = m_ViewImplementations.constBegin(); iter != m_ViewImplementations.constEnd();
+       ++iter)
   {
-    if(!viewIndices.contains(iter.key()) || iter.value() == nullptr)
+    if (!viewIndices.contains(iter.key()) || iter.value() == nullptr)
       continue;
     nlohmann::json entry;
     iter.value()->write(entry);
@@ -300,26 +310,27 @@ void VXRepresentation::write(nlohmann::json& output, const QMap<VXAbstractViewWi
   output["rep_view_implementations"] = implementations;
 }
 
-void VXRepresentation::read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views)
+void VXRepresentation::read(const nlohmann::json& input,
+                            const QMap<int, VXAbstractViewWidget*>& views)
 {
-  if(!input.is_object())
+  if (!input.is_object())
     return;
-  if(input.contains("core_object_name"))
+  if (input.contains("core_object_name"))
     setBaseName(QString::fromStdString(input.at("core_object_name").get<std::string>()));
-  if(input.contains("core_object_name_suffix"))
+  if (input.contains("core_object_name_suffix"))
     setNameSuffixCounter(input.at("core_object_name_suffix").get<int>());
-  if(!input.contains("rep_view_implementations"))
+  if (!input.contains("rep_view_implementations"))
     return;
-  for(const auto& entry : input.at("rep_view_implementations"))
+  for (const auto& entry : input.at("rep_view_implementations"))
   {
-    if(!entry.contains("render_window_index"))
+    if (!entry.contains("render_window_index"))
       continue;
     VXAbstractViewWidget* view = views.value(entry.at("render_window_index").get<int>(), nullptr);
-    if(view == nullptr)
+    if (view == nullptr)
       continue;
-    if(implementation(view) == nullptr)
+    if (implementation(view) == nullptr)
       addViewInstance(nullptr, view, nullptr, false);
-    if(VXRepresentationPimpl* target = implementation(view))
+    if (VXRepresentationPimpl* target = implementation(view))
     {
       target->read(entry);
       m_ViewWidgets[view] = target->isVisible();

@@ -49,18 +49,22 @@ public:
   /** A new data view of the type, or null when no class is registered for it. */
   static VXRepresentation* Create(Type type, VXPipeline* pipeline);
   static bool IsRegistered(Type type);
-  /** Registers the outline, points, wireframe and surface data views (done once when the library loads). */
+  /** Registers the outline, points, wireframe and surface data views (done once when the library
+   * loads). */
   static void RegisterBuiltInRepresentations();
 
   /** Implementations by view, in address order of the views. */
   using ImplementationMap = QMap<VXAbstractViewWidget*, std::shared_ptr<VXRepresentationPimpl>>;
 
-  explicit VXRepresentation(VXPipeline* pipeline, const QString& defaultName, QObject* parent = nullptr);
+  explicit VXRepresentation(VXPipeline* pipeline, const QString& defaultName,
+                            QObject* parent = nullptr);
   ~VXRepresentation() override;
 
   /** Writes the name, its suffix and one object per implementation (with its view index). */
-  void write(nlohmann::json& output, const QMap<VXAbstractViewWidget*, int>& viewIndices) const override;
-  /** Reads the name and the implementations of the views that exist; creates missing ones hidden. */
+  void write(nlohmann::json& output,
+             const QMap<VXAbstractViewWidget*, int>& viewIndices) const override;
+  /** Reads the name and the implementations of the views that exist; creates missing ones hidden.
+   */
   void read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views) override;
   /** Finalizes every implementation; true only if all of them succeed. */
   bool finalize() override;
@@ -76,8 +80,10 @@ public:
   void updatePath() override;
   void receivePipelineOutputReloaded() override;
   /** A split view gets a hidden copy of the source view's implementation. */
-  void addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget, VXAbstractViewWidget* splitViewWidget) override;
-  void activeViewChanged(VXAbstractViewWidget* previousActiveView, VXAbstractViewWidget* currentActiveView) override;
+  void addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
+                         VXAbstractViewWidget* splitViewWidget) override;
+  void activeViewChanged(VXAbstractViewWidget* previousActiveView,
+                         VXAbstractViewWidget* currentActiveView) override;
 
   virtual Type type() const = 0;
   /** Creates the per-view implementations for the views this item knows, over the port. */
@@ -87,8 +93,8 @@ public:
    * copies that view's settings. A port is only taken for the first instance.
    * False when none was added.
    */
-  virtual bool addViewInstance(VXAbstractViewWidget* sourceView, VXAbstractViewWidget* view, vtkAlgorithmOutput* inputPort,
-                               bool visible) = 0;
+  virtual bool addViewInstance(VXAbstractViewWidget* sourceView, VXAbstractViewWidget* view,
+                               vtkAlgorithmOutput* inputPort, bool visible) = 0;
   virtual void showDataSetInfoWidget();
   /** Hands the first implementation's data to the dataset info widget. */
   virtual void updateDataSetInfo() = 0;

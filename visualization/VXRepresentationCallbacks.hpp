@@ -9,7 +9,7 @@
  * event of the filter that produces what the view shows, it asks the data view
  * of class T to refresh its info widget each time that filter runs.
  */
-template <typename T>
+template<typename T>
 class VXDataSetInfoWidgetUpdateCallback : public vtkCallbackCommand
 {
 public:
@@ -17,7 +17,7 @@ public:
   void setRepresentation(T* representation) { m_Representation = representation; }
   void Execute(vtkObject*, unsigned long, void*) override
   {
-    if(m_Representation != nullptr)
+    if (m_Representation != nullptr)
       m_Representation->updateDataSetInfo();
   }
 
@@ -26,7 +26,7 @@ private:
 };
 
 /** Calls a member of a data view implementation when a VTK event fires (decimation, histogram). */
-template <typename T>
+template<typename T>
 class VXMemberCallback : public vtkCallbackCommand
 {
 public:
@@ -38,7 +38,7 @@ public:
   }
   void Execute(vtkObject*, unsigned long, void*) override
   {
-    if(m_Target != nullptr && m_Member != nullptr)
+    if (m_Target != nullptr && m_Member != nullptr)
       (m_Target->*m_Member)();
   }
 

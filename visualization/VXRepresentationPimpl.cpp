@@ -41,15 +41,17 @@ double clamp01(double value)
 }
 
 // grid colour and opacity go to lines and texts alike; hidden labels become transparent text
-void applyGridAppearance(vtkGridAxesActor3D* actor, const QColor& color, double opacity, bool labels)
+void applyGridAppearance(vtkGridAxesActor3D* actor, const QColor& color, double opacity,
+                         bool labels)
 {
   actor->GetProperty()->SetColor(color.redF(), color.greenF(), color.blueF());
   actor->GetProperty()->SetOpacity(opacity);
-  for(int axis = 0; axis < 3; axis++)
+  for (int axis = 0; axis < 3; axis++)
   {
-    for(vtkTextProperty* text : {actor->GetLabelTextProperty(axis), actor->GetTitleTextProperty(axis)})
+    for (vtkTextProperty* text :
+         { actor->GetLabelTextProperty(axis), actor->GetTitleTextProperty(axis) })
     {
-      if(text == nullptr)
+      if (text == nullptr)
         continue;
       text->SetColor(color.redF(), color.greenF(), color.blueF());
       text->SetOpacity(labels ? opacity : 0.0);
@@ -60,15 +62,16 @@ void applyGridAppearance(vtkGridAxesActor3D* actor, const QColor& color, double 
 } // namespace
 
 VXRepresentationPimpl::VXRepresentationPimpl(VXAbstractViewWidget* view, VXRepresentation* owner)
-: QObject(nullptr)
-, m_View(view)
-, m_Owner(owner)
+  : QObject(nullptr)
+  , m_View(view)
+  , m_Owner(owner)
 {
   m_SettingsScrollArea = new QScrollArea();
   m_SettingsScrollArea->setWidgetResizable(true);
   m_SettingsTitleFrame = new QFrame();
-  m_HelpUrl = QCoreApplication::applicationDirPath() + "/Help" + "/html/Visualization/ApplyingRepresentations.html";
-  if(view != nullptr)
+  m_HelpUrl = QCoreApplication::applicationDirPath() + "/Help" +
+              "/html/Visualization/ApplyingRepresentations.html";
+  if (view != nullptr)
     m_SplitId = view->getSplitId();
 
   m_PressCallback = vtkSmartPointer<vtkCallbackCommand>::New();
@@ -77,16 +80,18 @@ VXRepresentationPimpl::VXRepresentationPimpl(VXAbstractViewWidget* view, VXRepre
   m_EndInteractionCallback = vtkSmartPointer<vtkCallbackCommand>::New();
   m_EndInteractionCallback->SetClientData(this);
   m_EndInteractionCallback->SetCallback(&VXRepresentationPimpl::OnInteractionEvent);
-  if(VXVisualizationWidget* widget = visualizationWidget())
+  if (VXVisualizationWidget* widget = visualizationWidget())
   {
     m_Interactor = widget->getRenderWindowInteractor();
-    if(m_Interactor != nullptr)
+    if (m_Interactor != nullptr)
     {
       // passive: heard even while a widget of the view holds the interactor's focus
       m_PressCallback->PassiveObserverOn();
       m_EndInteractionCallback->PassiveObserverOn();
-      m_PressObserverTag = m_Interactor->AddObserver(vtkCommand::LeftButtonPressEvent, m_PressCallback);
-      m_EndInteractionObserverTag = m_Interactor->AddObserver(vtkCommand::EndInteractionEvent, m_EndInteractionCallback);
+      m_PressObserverTag =
+        m_Interactor->AddObserver(vtkCommand::LeftButtonPressEvent, m_PressCallback);
+      m_EndInteractionObserverTag =
+        m_Interactor->AddObserver(vtkCommand::EndInteractionEvent, m_EndInteractionCallback);
     }
   }
   VXRepresentationPimpl::loadDefaultSettings();
@@ -94,7 +99,7 @@ VXRepresentationPimpl::VXRepresentationPimpl(VXAbstractViewWidget* view, VXRepre
 
 VXRepresentationPimpl::~VXRepresentationPimpl()
 {
-  if(m_SettingsWidget != nullptr)
+  if (m_SettingsWidget != nullptr)
   {
     m_SettingsWidget->hide();
     m_SettingsWidget->deleteLater();
@@ -102,30 +107,32 @@ VXRepresentationPimpl::~VXRepresentationPimpl()
   else
   {
     // without a page the two parts are not parented yet
-    if(m_SettingsScrollArea != nullptr)
+    if (m_SettingsScrollArea != nullptr)
       m_SettingsScrollArea->deleteLater();
-    if(m_SettingsTitleFrame != nullptr)
+    if (m_SettingsTitleFrame != nullptr)
       m_SettingsTitleFrame->deleteLater();
   }
-  if(m_Interactor != nullptr)
+  if (m_Interactor != nullptr)
   {
     m_Interactor->RemoveObserver(m_PressObserverTag);
     m_Interactor->RemoveObserver(m_EndInteractionObserverTag);
   }
 }
 
-void VXRepresentationPimpl::OnInteractionEvent(vtkObject* caller, unsigned long eventId, void* clientData, void*)
+void VXRepresentationPimpl::OnInteractionEvent(vtkObject* caller, unsigned long eventId,
+                                               void* clientData, void*)
 {
   auto* self = static_cast<VXRepresentationPimpl*>(clientData);
-  if(eventId == vtkCommand::LeftButtonPressEvent)
+  if (eventId == vtkCommand::LeftButtonPressEvent)
   {
     auto* interactor = vtkRenderWindowInteractor::SafeDownCast(caller);
-    const bool hasRenderer = interactor != nullptr && interactor->GetRenderWindow() != nullptr &&
-                             interactor->GetRenderWindow()->GetRenderers()->GetFirstRenderer() != nullptr;
-    if(hasRenderer && self->m_UseDecimationOnInteraction && !KXPreferences::getDisableDecimation())
+    const bool hasRenderer =
+      interactor != nullptr && interactor->GetRenderWindow() != nullptr &&
+      interactor->GetRenderWindow()->GetRenderers()->GetFirstRenderer() != nullptr;
+    if (hasRenderer && self->m_UseDecimationOnInteraction && !KXPreferences::getDisableDecimation())
       self->useDecimatedGeometry();
   }
-  else if(eventId == vtkCommand::EndInteractionEvent)
+  else if (eventId == vtkCommand::EndInteractionEvent)
   {
     self->useFullGeometry();
   }
@@ -144,7 +151,7 @@ vtkRenderer* VXRepresentationPimpl::renderer() const
 
 void VXRepresentationPimpl::requestRender()
 {
-  if(VXVisualizationWidget* widget = visualizationWidget())
+  if (VXVisualizationWidget* widget = visualizationWidget())
     widget->render();
 }
 
@@ -181,7 +188,8 @@ void VXRepresentationPimpl::write(nlohmann::json& output) const
   output["global_grid_axes_spacingy"] = m_GridSpacing[1];
   output["global_grid_axes_spacingz"] = m_GridSpacing[2];
   output["global_grid_axes_show_grid_lines"] = m_GridLines;
-  output["global_grid_axes_color"] = {m_GridColor.redF(), m_GridColor.greenF(), m_GridColor.blueF()};
+  output["global_grid_axes_color"] = { m_GridColor.redF(), m_GridColor.greenF(),
+                                       m_GridColor.blueF() };
   output["global_grid_axes_opacity"] = gridOpacity();
   output["global_grid_axes_show_labels"] = m_GridLabels;
   output["global_grid_axes_title_x"] = m_GridTitles[0].toStdString();
@@ -193,8 +201,8 @@ void VXRepresentationPimpl::write(nlohmann::json& output) const
   output["link_physical_units"] = m_LinkPhysicalUnits;
   output["use_decimation_during_interactions"] = m_UseDecimationOnInteraction;
   output["show_box_tool"] = m_ShowBoxTool;
-  const char* axes[3] = {"x", "y", "z"};
-  for(int i = 0; i < 3; i++)
+  const char* axes[3] = { "x", "y", "z" };
+  for (int i = 0; i < 3; i++)
   {
     output[std::string("transform_box_translate_") + axes[i]] = m_Translation[i];
     output[std::string("transform_box_rotate_") + axes[i]] = m_Rotation[i];
@@ -204,13 +212,14 @@ void VXRepresentationPimpl::write(nlohmann::json& output) const
 
 namespace
 {
-bool readTriple(const nlohmann::json& input, const std::string& prefix, std::array<double, 3>& target)
+bool readTriple(const nlohmann::json& input, const std::string& prefix,
+                std::array<double, 3>& target)
 {
-  const std::string keys[3] = {prefix + "x", prefix + "y", prefix + "z"};
-  if(!input.contains(keys[0]) || !input.contains(keys[1]) || !input.contains(keys[2]))
+  const std::string keys[3] = { prefix + "x", prefix + "y", prefix + "z" };
+  if (!input.contains(keys[0]) || !input.contains(keys[1]) || !input.contains(keys[2]))
     return false;
   std::array<double, 3> values;
-  for(int i = 0; i < 3; i++)
+  for (int i = 0; i < 3; i++)
     values[i] = input.at(keys[i]).get<double>();
   target = values;
   return true;
@@ -219,46 +228,47 @@ bool readTriple(const nlohmann::json& input, const std::string& prefix, std::arr
 
 void VXRepresentationPimpl::read(const nlohmann::json& input)
 {
-  if(input.contains("detach_color_settings"))
+  if (input.contains("detach_color_settings"))
     m_DetachColorSettings = input.at("detach_color_settings").get<bool>();
-  if(input.contains("data_grid_visible"))
+  if (input.contains("data_grid_visible"))
     m_DataGridVisible = input.at("data_grid_visible").get<bool>();
   readTriple(input, "global_grid_axes_spacing", m_GridSpacing);
-  if(input.contains("global_grid_axes_show_grid_lines"))
+  if (input.contains("global_grid_axes_show_grid_lines"))
     m_GridLines = input.at("global_grid_axes_show_grid_lines").get<bool>();
-  if(input.contains("global_grid_axes_color") && input.at("global_grid_axes_color").is_array() &&
-     input.at("global_grid_axes_color").size() == 3)
+  if (input.contains("global_grid_axes_color") && input.at("global_grid_axes_color").is_array() &&
+      input.at("global_grid_axes_color").size() == 3)
   {
     const auto& rgb = input.at("global_grid_axes_color");
     m_GridColor = QColor::fromRgbF(static_cast<float>(clamp01(rgb[0].get<double>())),
                                    static_cast<float>(clamp01(rgb[1].get<double>())),
                                    static_cast<float>(clamp01(rgb[2].get<double>())), 1.0f);
   }
-  if(input.contains("global_grid_axes_opacity"))
+  if (input.contains("global_grid_axes_opacity"))
     m_GridOpacity = clamp01(input.at("global_grid_axes_opacity").get<double>());
-  if(input.contains("global_grid_axes_show_labels"))
+  if (input.contains("global_grid_axes_show_labels"))
     m_GridLabels = input.at("global_grid_axes_show_labels").get<bool>();
-  const char* titleKeys[3] = {"global_grid_axes_title_x", "global_grid_axes_title_y", "global_grid_axes_title_z"};
-  for(int i = 0; i < 3; i++)
+  const char* titleKeys[3] = { "global_grid_axes_title_x", "global_grid_axes_title_y",
+                               "global_grid_axes_title_z" };
+  for (int i = 0; i < 3; i++)
   {
-    if(input.contains(titleKeys[i]))
+    if (input.contains(titleKeys[i]))
       m_GridTitles[i] = QString::fromStdString(input.at(titleKeys[i]).get<std::string>());
   }
   // there is no grid options dialog open in this module, so the fields go straight to the actor
-  if(m_GridAxes != nullptr)
+  if (m_GridAxes != nullptr)
     setCustomGridAxesOptions();
 
-  if(input.contains("rep_split_id"))
+  if (input.contains("rep_split_id"))
     m_SplitId = input.at("rep_split_id").get<int>();
-  if(input.contains("rep_linked"))
+  if (input.contains("rep_linked"))
     m_Linked = input.at("rep_linked").get<bool>();
-  if(input.contains("representation_visible"))
+  if (input.contains("representation_visible"))
     setVisibility(input.at("representation_visible").get<bool>());
-  if(input.contains("link_physical_units"))
+  if (input.contains("link_physical_units"))
     m_LinkPhysicalUnits = input.at("link_physical_units").get<bool>();
-  if(input.contains("use_decimation_during_interactions"))
+  if (input.contains("use_decimation_during_interactions"))
     m_UseDecimationOnInteraction = input.at("use_decimation_during_interactions").get<bool>();
-  if(input.contains("show_box_tool"))
+  if (input.contains("show_box_tool"))
     m_ShowBoxTool = input.at("show_box_tool").get<bool>();
   readTriple(input, "transform_box_translate_", m_Translation);
   readTriple(input, "transform_box_rotate_", m_Rotation);
@@ -267,7 +277,7 @@ void VXRepresentationPimpl::read(const nlohmann::json& input)
 
 void VXRepresentationPimpl::copyFrom(VXRepresentationPimpl* other)
 {
-  if(other == nullptr || other == this)
+  if (other == nullptr || other == this)
     return;
   m_DetachColorSettings = other->m_DetachColorSettings;
   m_DataGridVisible = other->m_DataGridVisible;
@@ -297,7 +307,7 @@ void VXRepresentationPimpl::copyFrom(VXRepresentationPimpl* other)
 
 void VXRepresentationPimpl::loadDefaultSettings()
 {
-  if(m_Owner == nullptr)
+  if (m_Owner == nullptr)
     return;
   QtKXSettings settings;
   BeginSettingsGroup(settings, m_Owner->typeName());
@@ -306,50 +316,56 @@ void VXRepresentationPimpl::loadDefaultSettings()
 
 void VXRepresentationPimpl::loadBaseDefaults(QtKXSettings& settings)
 {
-  if(settings.contains("detach_color_settings"))
+  if (settings.contains("detach_color_settings"))
     m_DetachColorSettings = settings.value("detach_color_settings", false).toBool();
-  if(settings.contains("data_grid_visible"))
+  if (settings.contains("data_grid_visible"))
     m_DataGridVisible = settings.value("data_grid_visible", false).toBool();
-  if(settings.contains("global_grid_axes_spacingx") && settings.contains("global_grid_axes_spacingy") &&
-     settings.contains("global_grid_axes_spacingz"))
+  if (settings.contains("global_grid_axes_spacingx") &&
+      settings.contains("global_grid_axes_spacingy") &&
+      settings.contains("global_grid_axes_spacingz"))
   {
-    m_GridSpacing = {settings.value("global_grid_axes_spacingx", 0.0).toDouble(),
-                     settings.value("global_grid_axes_spacingy", 0.0).toDouble(),
-                     settings.value("global_grid_axes_spacingz", 0.0).toDouble()};
+    m_GridSpacing = { settings.value("global_grid_axes_spacingx", 0.0).toDouble(),
+                      settings.value("global_grid_axes_spacingy", 0.0).toDouble(),
+                      settings.value("global_grid_axes_spacingz", 0.0).toDouble() };
   }
-  if(settings.contains("global_grid_axes_show_grid_lines"))
+  if (settings.contains("global_grid_axes_show_grid_lines"))
     m_GridLines = settings.value("global_grid_axes_show_grid_lines", false).toBool();
-  if(settings.contains("global_grid_axes_color"))
+  if (settings.contains("global_grid_axes_color"))
   {
     const QColor color(settings.value("global_grid_axes_color").toString());
-    if(color.isValid())
+    if (color.isValid())
       m_GridColor = color;
   }
-  if(settings.contains("global_grid_axes_opacity"))
+  if (settings.contains("global_grid_axes_opacity"))
     m_GridOpacity = clamp01(settings.value("global_grid_axes_opacity", 0.0).toDouble());
-  if(settings.contains("global_grid_axes_show_labels"))
+  if (settings.contains("global_grid_axes_show_labels"))
     m_GridLabels = settings.value("global_grid_axes_show_labels", true).toBool();
-  const char* titleKeys[3] = {"global_grid_axes_title_x", "global_grid_axes_title_y", "global_grid_axes_title_z"};
-  for(int i = 0; i < 3; i++)
+  const char* titleKeys[3] = { "global_grid_axes_title_x", "global_grid_axes_title_y",
+                               "global_grid_axes_title_z" };
+  for (int i = 0; i < 3; i++)
   {
-    if(settings.contains(titleKeys[i]))
+    if (settings.contains(titleKeys[i]))
       m_GridTitles[i] = settings.value(titleKeys[i], QString()).toString();
   }
-  if(settings.contains("link_physical_units"))
+  if (settings.contains("link_physical_units"))
     m_LinkPhysicalUnits = settings.value("link_physical_units", false).toBool();
-  if(settings.contains("use_decimation_during_interactions"))
-    m_UseDecimationOnInteraction = settings.value("use_decimation_during_interactions", false).toBool();
-  if(settings.contains("show_box_tool"))
+  if (settings.contains("use_decimation_during_interactions"))
+    m_UseDecimationOnInteraction =
+      settings.value("use_decimation_during_interactions", false).toBool();
+  if (settings.contains("show_box_tool"))
     m_ShowBoxTool = settings.value("show_box_tool", true).toBool();
-  const char* axes[3] = {"x", "y", "z"};
-  const std::pair<QString, std::array<double, 3>*> triples[3] = {{"transform_box_translate_", &m_Translation},
-                                                                 {"transform_box_rotate_", &m_Rotation},
-                                                                 {"transform_box_scale_", &m_Scale}};
-  for(const auto& [prefix, target] : triples)
+  const char* axes[3] = { "x", "y", "z" };
+  const std::pair<QString, std::array<double, 3>*> triples[3] = {
+    { "transform_box_translate_", &m_Translation },
+    { "transform_box_rotate_", &m_Rotation },
+    { "transform_box_scale_", &m_Scale }
+  };
+  for (const auto& [prefix, target] : triples)
   {
-    if(settings.contains(prefix + axes[0]) && settings.contains(prefix + axes[1]) && settings.contains(prefix + axes[2]))
+    if (settings.contains(prefix + axes[0]) && settings.contains(prefix + axes[1]) &&
+        settings.contains(prefix + axes[2]))
     {
-      for(int i = 0; i < 3; i++)
+      for (int i = 0; i < 3; i++)
         (*target)[i] = settings.value(prefix + axes[i]).toDouble();
     }
   }
@@ -372,8 +388,8 @@ void VXRepresentationPimpl::saveBaseDefaults(QtKXSettings& settings) const
   settings.setValue("link_physical_units", m_LinkPhysicalUnits);
   settings.setValue("use_decimation_during_interactions", m_UseDecimationOnInteraction);
   settings.setValue("show_box_tool", m_ShowBoxTool);
-  const char* axes[3] = {"x", "y", "z"};
-  for(int i = 0; i < 3; i++)
+  const char* axes[3] = { "x", "y", "z" };
+  for (int i = 0; i < 3; i++)
   {
     settings.setValue(QString("transform_box_translate_") + axes[i], m_Translation[i]);
     settings.setValue(QString("transform_box_rotate_") + axes[i], m_Rotation[i]);
@@ -386,9 +402,11 @@ bool VXRepresentationPimpl::askSaveDefaults() const
   VXUserPrompt::Question question;
   question.icon = QMessageBox::Question;
   question.title = QString("Save Default %1 Settings").arg(displayName());
-  question.text = QString("Do you want to save the current setting values as the default values for all %1 types? "
-                          "(Data specific settings will not be saved)")
-                    .arg(displayName());
+  question.text =
+    QString(
+      "Do you want to save the current setting values as the default values for all %1 types? "
+      "(Data specific settings will not be saved)")
+      .arg(displayName());
   question.buttons = QMessageBox::Yes | QMessageBox::No;
   question.defaultButton = QMessageBox::Yes;
   return VXUserPrompt::ask(m_SettingsWidget, question) == QMessageBox::Yes;
@@ -396,7 +414,7 @@ bool VXRepresentationPimpl::askSaveDefaults() const
 
 void VXRepresentationPimpl::saveDefaultSettings()
 {
-  if(m_Owner == nullptr || !askSaveDefaults())
+  if (m_Owner == nullptr || !askSaveDefaults())
     return;
   QtKXSettings settings;
   BeginSettingsGroup(settings, m_Owner->typeName());
@@ -409,9 +427,10 @@ void VXRepresentationPimpl::saveDefaultSettings()
 
 QWidget* VXRepresentationPimpl::settingsWidget()
 {
-  if(m_SettingsWidget == nullptr)
+  if (m_SettingsWidget == nullptr)
   {
-    m_SettingsWidget = KXVtkModule::utils::CreateSettingsWidget(m_SettingsTitleFrame, m_SettingsScrollArea);
+    m_SettingsWidget =
+      KXVtkModule::utils::CreateSettingsWidget(m_SettingsTitleFrame, m_SettingsScrollArea);
     initializeSettingsTitle();
     buildSettingsPage();
     updateToolTips();
@@ -429,21 +448,24 @@ void VXRepresentationPimpl::initializeSettingsTitle()
   m_TitleLabel->setObjectName("visSettingsTitleNameLabel");
   const QString path = m_Owner != nullptr ? m_Owner->pathName() : QString();
   m_TitleLabel->setText(path + " : Render View Settings");
-  if(m_Owner != nullptr)
+  if (m_Owner != nullptr)
   {
     connect(m_Owner, &VXCoreObject::pathChanged, m_TitleLabel.data(),
-            [label = m_TitleLabel](const QString& pathName) {
-              if(label != nullptr)
+            [label = m_TitleLabel](const QString& pathName)
+            {
+              if (label != nullptr)
                 label->setText(pathName + " : Render View Settings");
             });
   }
   m_GridAxesButton = new KXIconPushButton("GridAxes", true, m_SettingsTitleFrame);
   m_GridAxesButton->setObjectName("m_GridAxesButton");
   m_GridAxesButton->setChecked(m_DataGridVisible);
-  connect(m_GridAxesButton, &QPushButton::toggled, this, &VXRepresentationPimpl::setDataGridVisibility);
+  connect(m_GridAxesButton, &QPushButton::toggled, this,
+          &VXRepresentationPimpl::setDataGridVisibility);
   m_GridAxesEditButton = new KXIconPushButton("Edit", false, m_SettingsTitleFrame);
   m_GridAxesEditButton->setObjectName("m_GridAxesEditButton");
-  connect(m_GridAxesEditButton, &QPushButton::clicked, this, &VXRepresentationPimpl::showEditGridAxesDialog);
+  connect(m_GridAxesEditButton, &QPushButton::clicked, this,
+          &VXRepresentationPimpl::showEditGridAxesDialog);
   m_SaveDefaultsButton = new KXIconPushButton("Save", false, m_SettingsTitleFrame);
   m_SaveDefaultsButton->setObjectName("m_SaveDefaultsButton");
   m_SaveDefaultsButton->setToolTip(
@@ -451,12 +473,14 @@ void VXRepresentationPimpl::initializeSettingsTitle()
   connect(m_SaveDefaultsButton, &QPushButton::clicked, this, [this]() { saveDefaultSettings(); });
   m_HelpButton = new KXIconPushButton("Help", false, m_SettingsTitleFrame);
   m_HelpButton->setObjectName("m_HelpButton");
-  m_HelpButton->setToolTip(QString("Open the user manual help documentation for %1 types").arg(displayName()));
+  m_HelpButton->setToolTip(
+    QString("Open the user manual help documentation for %1 types").arg(displayName()));
   connect(m_HelpButton, &QPushButton::clicked, this, [this]() { openHelp(); });
   m_VisibilityButton = new KXIconPushButton("Eye", true, m_SettingsTitleFrame);
   m_VisibilityButton->setObjectName("m_VisibilityButton");
   m_VisibilityButton->setChecked(isVisible());
-  connect(m_VisibilityButton, &QPushButton::toggled, this, [this](bool checked) { setVisibility(checked); });
+  connect(m_VisibilityButton, &QPushButton::toggled, this,
+          [this](bool checked) { setVisibility(checked); });
   layout->addWidget(m_TitleLabel, 1);
   layout->addWidget(m_GridAxesButton);
   layout->addWidget(m_GridAxesEditButton);
@@ -481,17 +505,17 @@ void VXRepresentationPimpl::writeToClipboard() const
 {
   nlohmann::json output;
   write(output);
-  if(QClipboard* clipboard = QGuiApplication::clipboard())
+  if (QClipboard* clipboard = QGuiApplication::clipboard())
     clipboard->setText(QString::fromStdString(output.dump()));
 }
 
 nlohmann::json VXRepresentationPimpl::readClipboard()
 {
   QClipboard* clipboard = QGuiApplication::clipboard();
-  if(clipboard == nullptr)
+  if (clipboard == nullptr)
     return nullptr;
   nlohmann::json parsed = nlohmann::json::parse(clipboard->text().toStdString(), nullptr, false);
-  if(parsed.is_discarded() || !parsed.is_object())
+  if (parsed.is_discarded() || !parsed.is_object())
     return nullptr;
   return parsed;
 }
@@ -502,7 +526,7 @@ nlohmann::json VXRepresentationPimpl::readClipboard()
 void VXRepresentationPimpl::setupGridAxes()
 {
   vtkRenderer* ren = renderer();
-  if(m_GridAxes == nullptr)
+  if (m_GridAxes == nullptr)
   {
     m_GridAxes = vtkSmartPointer<vtkGridAxesActor3D>::New();
     m_GridAxes->SetGenerateEdges(true);
@@ -513,12 +537,12 @@ void VXRepresentationPimpl::setupGridAxes()
   bounds(b);
   m_GridAxes->SetGridBounds(b);
   setCustomGridAxesOptions();
-  if(ren == nullptr)
+  if (ren == nullptr)
     return;
-  if(m_DataGridVisible && isVisible())
+  if (m_DataGridVisible && isVisible())
   {
     m_GridAxes->SetVisibility(true);
-    if(!ren->HasViewProp(m_GridAxes))
+    if (!ren->HasViewProp(m_GridAxes))
       ren->AddViewProp(m_GridAxes);
   }
   else
@@ -538,21 +562,22 @@ void VXRepresentationPimpl::setDataGridVisibility(bool visible)
 
 void VXRepresentationPimpl::updateGridAxesBounds()
 {
-  if(m_GridAxes == nullptr)
+  if (m_GridAxes == nullptr)
     return;
   vtkRenderer* ren = renderer();
-  if(ren != nullptr)
+  if (ren != nullptr)
     ren->RemoveViewProp(m_GridAxes);
   double b[6];
   bounds(b);
   m_GridAxes->SetGridBounds(b);
   setCustomGridAxesOptions();
-  if(ren != nullptr && m_DataGridVisible && isVisible())
+  if (ren != nullptr && m_DataGridVisible && isVisible())
     ren->AddViewProp(m_GridAxes);
 }
 
-void VXRepresentationPimpl::setGridAxesOptions(const std::array<double, 3>& spacing, bool gridLines, const QColor& color,
-                                               double opacity, bool labels, const std::array<QString, 3>& titles)
+void VXRepresentationPimpl::setGridAxesOptions(const std::array<double, 3>& spacing, bool gridLines,
+                                               const QColor& color, double opacity, bool labels,
+                                               const std::array<QString, 3>& titles)
 {
   m_GridSpacing = spacing;
   m_GridLines = gridLines;
@@ -565,15 +590,15 @@ void VXRepresentationPimpl::setGridAxesOptions(const std::array<double, 3>& spac
 
 void VXRepresentationPimpl::setCustomGridAxesOptions()
 {
-  if(m_GridAxes == nullptr)
+  if (m_GridAxes == nullptr)
     return;
   const double* b = m_GridAxes->GetGridBounds();
-  for(int axis = 0; axis < 3; axis++)
+  for (int axis = 0; axis < 3; axis++)
   {
     const double spacing = m_GridSpacing[axis];
     m_GridCustomLabels[axis].clear();
     m_GridAxes->SetUseCustomLabels(axis, spacing != 0.0);
-    if(spacing == 0.0)
+    if (spacing == 0.0)
       continue;
     const double minimum = b[2 * axis];
     const double maximum = b[2 * axis + 1];
@@ -582,7 +607,7 @@ void VXRepresentationPimpl::setCustomGridAxesOptions()
     m_GridAxes->SetNumberOfLabels(axis, count);
     // the labels accumulate the spacing step by step, as a user counting along the axis would
     double value = minimum;
-    for(vtkIdType i = 0; i < count; i++)
+    for (vtkIdType i = 0; i < count; i++)
     {
       m_GridAxes->SetLabel(axis, i, value);
       m_GridCustomLabels[axis].push_back(value);
@@ -591,14 +616,12 @@ void VXRepresentationPimpl::setCustomGridAxesOptions()
   }
   m_GridAxes->SetGenerateGrid(m_GridLines);
   applyGridAppearance(m_GridAxes, m_GridColor, gridOpacity(), m_GridLabels);
-  for(int axis = 0; axis < 3; axis++)
+  for (int axis = 0; axis < 3; axis++)
     m_GridAxes->SetTitle(axis, m_GridTitles[axis].toStdString());
   requestRender();
 }
 
-void VXRepresentationPimpl::showEditGridAxesDialog()
-{
-}
+void VXRepresentationPimpl::showEditGridAxesDialog() {}
 
 void VXRepresentationPimpl::show()
 {
@@ -613,7 +636,8 @@ void VXRepresentationPimpl::hide()
 // ---------------------------------------------------------------------------
 // Transform and decimation values
 
-void VXRepresentationPimpl::setTransform(const std::array<double, 3>& translation, const std::array<double, 3>& rotation,
+void VXRepresentationPimpl::setTransform(const std::array<double, 3>& translation,
+                                         const std::array<double, 3>& rotation,
                                          const std::array<double, 3>& scale)
 {
   m_Translation = translation;
@@ -670,6 +694,6 @@ void VXRepresentationPimpl::setUseInternalTriangles(bool use)
 void VXRepresentationPimpl::setUseDecimationOnInteraction(bool use)
 {
   m_UseDecimationOnInteraction = use;
-  if(use)
+  if (use)
     decimateGeometry();
 }

@@ -109,10 +109,11 @@ public:
   double gridOpacity() const;
   bool gridLabelsVisible() const { return m_GridLabels; }
   std::array<QString, 3> gridTitles() const { return m_GridTitles; }
-  /** The custom label values last given to the grid for an axis; empty where VTK labels the axis. */
+  /** The custom label values last given to the grid for an axis; empty where VTK labels the axis.
+   */
   std::vector<double> gridCustomLabels(int axis) const;
-  void setGridAxesOptions(const std::array<double, 3>& spacing, bool gridLines, const QColor& color, double opacity,
-                          bool labels, const std::array<QString, 3>& titles);
+  void setGridAxesOptions(const std::array<double, 3>& spacing, bool gridLines, const QColor& color,
+                          double opacity, bool labels, const std::array<QString, 3>& titles);
   int splitId() const { return m_SplitId; }
   bool isLinked() const { return m_Linked; }
   void setLinked(bool linked) { m_Linked = linked; }
@@ -125,7 +126,8 @@ public:
   std::array<int, 3> numberOfDimensions() const { return m_DecimationDivisions; }
   QString helpUrl() const { return m_HelpUrl; }
 
-  /** The settings group of a data view class: VisualizationSettings/RepresentationSettings/<typeName>. */
+  /** The settings group of a data view class:
+   * VisualizationSettings/RepresentationSettings/<typeName>. */
   static void BeginSettingsGroup(QtKXSettings& settings, const QString& typeName);
 
 public Q_SLOTS:
@@ -137,7 +139,8 @@ public Q_SLOTS:
   void hide();
   virtual void onSyncColorMapToParentGeometry() = 0;
   virtual void applyTransform() = 0;
-  virtual void setTransform(const std::array<double, 3>& translation, const std::array<double, 3>& rotation,
+  virtual void setTransform(const std::array<double, 3>& translation,
+                            const std::array<double, 3>& rotation,
                             const std::array<double, 3>& scale);
   void setTranslation(const std::array<double, 3>& translation);
   void setRotation(const std::array<double, 3>& rotation);
@@ -177,7 +180,8 @@ protected:
   /** The clipboard's JSON object, or null when the text is no JSON object. */
   static nlohmann::json readClipboard();
 
-  static void OnInteractionEvent(vtkObject* caller, unsigned long eventId, void* clientData, void* callData);
+  static void OnInteractionEvent(vtkObject* caller, unsigned long eventId, void* clientData,
+                                 void* callData);
 
   bool m_DetachColorSettings = true;
   bool m_DataGridVisible = false;
@@ -194,13 +198,13 @@ protected:
   QPointer<KXIconPushButton> m_GridAxesButton;
   QPointer<KXIconPushButton> m_GridAxesEditButton;
   bool m_ShowBoxTool = false;
-  std::array<double, 3> m_Translation = {0.0, 0.0, 0.0};
-  std::array<double, 3> m_Rotation = {0.0, 0.0, 0.0};
-  std::array<double, 3> m_Scale = {1.0, 1.0, 1.0};
+  std::array<double, 3> m_Translation = { 0.0, 0.0, 0.0 };
+  std::array<double, 3> m_Rotation = { 0.0, 0.0, 0.0 };
+  std::array<double, 3> m_Scale = { 1.0, 1.0, 1.0 };
   QString m_HelpUrl;
   int m_SplitId = 1;
   bool m_Linked = false;
-  std::array<double, 3> m_GridSpacing = {0.0, 0.0, 0.0};
+  std::array<double, 3> m_GridSpacing = { 0.0, 0.0, 0.0 };
   bool m_GridLines = false;
   QColor m_GridColor = Qt::white;
   double m_GridOpacity = 1.0;
@@ -208,7 +212,7 @@ protected:
   std::array<QString, 3> m_GridTitles;
   std::array<std::vector<double>, 3> m_GridCustomLabels;
   bool m_LinkPhysicalUnits = false;
-  std::array<int, 3> m_DecimationDivisions = {50, 50, 50};
+  std::array<int, 3> m_DecimationDivisions = { 50, 50, 50 };
   bool m_UseInputPoints = true;
   bool m_UseFeatureEdges = false;
   bool m_UseFeaturePoints = false;

@@ -13,9 +13,10 @@ void VXRepresentation::RegisterBuiltInRepresentations()
 
 namespace
 {
-// runs when the library is loaded, so every process that can make a pipeline has the built-in data views;
-// hosts and tests may register their own classes over them afterwards
-[[maybe_unused]] const bool s_BuiltInRepresentationsRegistered = []() {
+// runs when the library is loaded, so every process that can make a pipeline has the built-in data
+// views; hosts and tests may register their own classes over them afterwards
+[[maybe_unused]] const bool s_BuiltInRepresentationsRegistered = []()
+{
   VXRepresentation::RegisterBuiltInRepresentations();
   return true;
 }();

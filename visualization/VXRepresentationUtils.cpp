@@ -19,10 +19,10 @@ namespace KXVtkModule::utils
 {
 vtkDataArray* GetActiveDataArray(vtkDataSet* dataSet, const QString& arrayName)
 {
-  if(dataSet == nullptr || arrayName.isEmpty())
+  if (dataSet == nullptr || arrayName.isEmpty())
     return nullptr;
   const std::string name = arrayName.toStdString();
-  if(vtkDataArray* array = dataSet->GetPointData()->GetArray(name.c_str()))
+  if (vtkDataArray* array = dataSet->GetPointData()->GetArray(name.c_str()))
     return array;
   return dataSet->GetCellData()->GetArray(name.c_str());
 }
@@ -47,44 +47,45 @@ bool IsColorArray(vtkDataArray* array)
 void UpdateColorMode(int mode, VXRepresentation* representation, vtkActor* actor, vtkMapper* mapper,
                      const QString& arrayName, int* storedMode, bool updateTexture)
 {
-  if(mapper == nullptr)
+  if (mapper == nullptr)
     return;
   vtkDataArray* array = GetActiveDataArray(mapper->GetInput(), arrayName);
-  if(array == nullptr)
+  if (array == nullptr)
     return;
-  if(mode == 0 || (mode == 1 && !IsColorArray(array)))
+  if (mode == 0 || (mode == 1 && !IsColorArray(array)))
     mapper->SetColorModeToMapScalars();
   else
     mapper->SetColorModeToDirectScalars();
-  if(storedMode != nullptr)
+  if (storedMode != nullptr)
     *storedMode = mode;
   mapper->Update();
-  if(updateTexture)
+  if (updateTexture)
     UpdateTexture(representation, actor, mapper, arrayName);
 }
 
 void UpdateColorMode(int mode, VXRepresentation*, vtkImageSlice*, const QString&, int* storedMode)
 {
-  if(storedMode != nullptr)
+  if (storedMode != nullptr)
     *storedMode = mode;
 }
 
-void UpdateTexture(VXRepresentation* representation, vtkActor* actor, vtkMapper* mapper, const QString& arrayName)
+void UpdateTexture(VXRepresentation* representation, vtkActor* actor, vtkMapper* mapper,
+                   const QString& arrayName)
 {
-  if(actor == nullptr || mapper == nullptr)
+  if (actor == nullptr || mapper == nullptr)
     return;
   auto* image = vtkImageData::SafeDownCast(mapper->GetInput());
-  if(image == nullptr || image->GetPointData() == nullptr || image->GetCellData() == nullptr)
+  if (image == nullptr || image->GetPointData() == nullptr || image->GetCellData() == nullptr)
     return;
-  if(image->GetPointData()->GetNumberOfArrays() + image->GetCellData()->GetNumberOfArrays() == 0)
+  if (image->GetPointData()->GetNumberOfArrays() + image->GetCellData()->GetNumberOfArrays() == 0)
     return;
-  if(arrayName.isEmpty())
+  if (arrayName.isEmpty())
   {
     actor->SetTexture(nullptr);
     return;
   }
   VXLookupTable* table = representation != nullptr ? representation->lookupTable() : nullptr;
-  if(table == nullptr)
+  if (table == nullptr)
     return;
   vtkNew<vtkImageData> copy;
   copy->ShallowCopy(image);

@@ -30,15 +30,17 @@ KXVTKLIB_EXPORT bool IsColorArray(vtkDataArray* array);
  * for the named array of its input, stores the mode through @p storedMode and
  * updates the mapper. Nothing happens when the array is not in the input.
  */
-KXVTKLIB_EXPORT void UpdateColorMode(int mode, VXRepresentation* representation, vtkActor* actor, vtkMapper* mapper,
-                                     const QString& arrayName, int* storedMode, bool updateTexture);
+KXVTKLIB_EXPORT void UpdateColorMode(int mode, VXRepresentation* representation, vtkActor* actor,
+                                     vtkMapper* mapper, const QString& arrayName, int* storedMode,
+                                     bool updateTexture);
 /** The same for an image slice, whose mapper has no colour mode: only the mode is stored. */
-KXVTKLIB_EXPORT void UpdateColorMode(int mode, VXRepresentation* representation, vtkImageSlice* slice,
-                                     const QString& arrayName, int* storedMode);
+KXVTKLIB_EXPORT void UpdateColorMode(int mode, VXRepresentation* representation,
+                                     vtkImageSlice* slice, const QString& arrayName,
+                                     int* storedMode);
 /**
  * Maps an image input through the representation's colour map and sets the
  * result as the actor's texture; clears it for an empty array name.
  */
-KXVTKLIB_EXPORT void UpdateTexture(VXRepresentation* representation, vtkActor* actor, vtkMapper* mapper,
-                                   const QString& arrayName);
+KXVTKLIB_EXPORT void UpdateTexture(VXRepresentation* representation, vtkActor* actor,
+                                   vtkMapper* mapper, const QString& arrayName);
 } // namespace KXVtkModule::utils

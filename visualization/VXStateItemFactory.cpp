@@ -14,36 +14,47 @@ VXStateItemFactory::Maker representationMaker(VXRepresentation::Type type)
 {
   // Data views come from the data view registry, so a type registered there
   // later (volume, image slice, glyph) loads without a change here.
-  return [type](VXPipeline* pipeline) -> QObject* { return VXRepresentation::Create(type, pipeline); };
+  return
+    [type](VXPipeline* pipeline) -> QObject* { return VXRepresentation::Create(type, pipeline); };
 }
 
 std::vector<VXStateItemFactory::Entry>& table()
 {
-  static std::vector<VXStateItemFactory::Entry> entries = [] {
+  static std::vector<VXStateItemFactory::Entry> entries = []
+  {
     std::vector<VXStateItemFactory::Entry> list = {
-      {"FileToVXBridge", Kind::Bridge, [](VXPipeline*) -> QObject* { return new FileToVXBridge(); }},
-      {"KXToVXBridge", Kind::Bridge, [](VXPipeline*) -> QObject* { return new KXToVXBridge(); }},
-      {"VXCornerAnnotationSource", Kind::GlobalSource, {}},
-      {"VXImageAnnotationSource", Kind::GlobalSource, {}},
-      {"VXBuildPlateAnnotationSource", Kind::GlobalSource, {}},
-      {"VXCaptionAnnotationSource", Kind::GlobalSource, {}},
-      {"VXTextAnnotationSource", Kind::GlobalSource, {}},
-      {"VXArrowAnnotationSource", Kind::GlobalSource, {}},
-      {"VXEllipseAnnotationSource", Kind::GlobalSource, {}},
-      {"VXDataSource", Kind::DataSource, {}},
-      {"VXFClip", Kind::Filter, {}},
-      {"VXFSlice", Kind::Filter, {}},
-      {"VXFThreshold", Kind::Filter, {}},
-      {"VXOutlineRep", Kind::Representation, representationMaker(VXRepresentation::Outline), VXRepresentation::Outline},
-      {"VXPointsRep", Kind::Representation, representationMaker(VXRepresentation::Points), VXRepresentation::Points},
-      {"VXWireframeRep", Kind::Representation, representationMaker(VXRepresentation::Wireframe), VXRepresentation::Wireframe},
-      {"VXSurfaceRep", Kind::Representation, representationMaker(VXRepresentation::Surface), VXRepresentation::Surface},
-      {"VXVolumeRep", Kind::Representation, representationMaker(VXRepresentation::Volume), VXRepresentation::Volume},
+      { "FileToVXBridge", Kind::Bridge,
+        [](VXPipeline*) -> QObject* { return new FileToVXBridge(); } },
+      { "KXToVXBridge", Kind::Bridge, [](VXPipeline*) -> QObject* { return new KXToVXBridge(); } },
+      { "VXCornerAnnotationSource", Kind::GlobalSource, {} },
+      { "VXImageAnnotationSource", Kind::GlobalSource, {} },
+      { "VXBuildPlateAnnotationSource", Kind::GlobalSource, {} },
+      { "VXCaptionAnnotationSource", Kind::GlobalSource, {} },
+      { "VXTextAnnotationSource", Kind::GlobalSource, {} },
+      { "VXArrowAnnotationSource", Kind::GlobalSource, {} },
+      { "VXEllipseAnnotationSource", Kind::GlobalSource, {} },
+      { "VXDataSource", Kind::DataSource, {} },
+      { "VXFClip", Kind::Filter, {} },
+      { "VXFSlice", Kind::Filter, {} },
+      { "VXFThreshold", Kind::Filter, {} },
+      { "VXOutlineRep", Kind::Representation, representationMaker(VXRepresentation::Outline),
+        VXRepresentation::Outline },
+      { "VXPointsRep", Kind::Representation, representationMaker(VXRepresentation::Points),
+        VXRepresentation::Points },
+      { "VXWireframeRep", Kind::Representation, representationMaker(VXRepresentation::Wireframe),
+        VXRepresentation::Wireframe },
+      { "VXSurfaceRep", Kind::Representation, representationMaker(VXRepresentation::Surface),
+        VXRepresentation::Surface },
+      { "VXVolumeRep", Kind::Representation, representationMaker(VXRepresentation::Volume),
+        VXRepresentation::Volume },
       // The image slice's type name ends in a blank; files carry it that way.
-      {"VXImageSliceRep ", Kind::Representation, representationMaker(VXRepresentation::ImageSlice), VXRepresentation::ImageSlice},
+      { "VXImageSliceRep ", Kind::Representation, representationMaker(VXRepresentation::ImageSlice),
+        VXRepresentation::ImageSlice },
       // The older name of the same data view.
-      {"VXSliceRep", Kind::Representation, representationMaker(VXRepresentation::ImageSlice), VXRepresentation::ImageSlice},
-      {"VXGlyphRep", Kind::Representation, representationMaker(VXRepresentation::Glyph), VXRepresentation::Glyph},
+      { "VXSliceRep", Kind::Representation, representationMaker(VXRepresentation::ImageSlice),
+        VXRepresentation::ImageSlice },
+      { "VXGlyphRep", Kind::Representation, representationMaker(VXRepresentation::Glyph),
+        VXRepresentation::Glyph },
     };
     return list;
   }();
@@ -52,12 +63,13 @@ std::vector<VXStateItemFactory::Entry>& table()
 
 bool isAvailable(const VXStateItemFactory::Entry& entry)
 {
-  if(entry.kind == Kind::DataSource)
+  if (entry.kind == Kind::DataSource)
     return true;
-  if(!entry.make)
+  if (!entry.make)
     return false;
-  if(entry.kind == Kind::Representation)
-    return VXRepresentation::IsRegistered(static_cast<VXRepresentation::Type>(entry.representationType));
+  if (entry.kind == Kind::Representation)
+    return VXRepresentation::IsRegistered(
+      static_cast<VXRepresentation::Type>(entry.representationType));
   return true;
 }
 } // namespace
@@ -65,16 +77,16 @@ bool isAvailable(const VXStateItemFactory::Entry& entry)
 QStringList VXStateItemFactory::KnownItemTypes()
 {
   QStringList names;
-  for(const Entry& entry : table())
+  for (const Entry& entry : table())
     names.push_back(entry.itemType);
   return names;
 }
 
 const VXStateItemFactory::Entry* VXStateItemFactory::Find(const QString& itemType)
 {
-  for(const Entry& entry : table())
+  for (const Entry& entry : table())
   {
-    if(entry.itemType == itemType)
+    if (entry.itemType == itemType)
       return isAvailable(entry) ? &entry : nullptr;
   }
   return nullptr;
@@ -82,9 +94,9 @@ const VXStateItemFactory::Entry* VXStateItemFactory::Find(const QString& itemTyp
 
 bool VXStateItemFactory::Register(const QString& itemType, Maker maker)
 {
-  for(Entry& entry : table())
+  for (Entry& entry : table())
   {
-    if(entry.itemType == itemType && entry.kind != Kind::DataSource)
+    if (entry.itemType == itemType && entry.kind != Kind::DataSource)
     {
       entry.make = std::move(maker);
       return true;

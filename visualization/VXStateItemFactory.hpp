@@ -50,5 +50,8 @@ public:
   /** Gives a known name its maker; false for a name outside the table. */
   static bool Register(const QString& itemType, Maker maker);
   /** True for the names that stand at the top of the tree (bridges and global sources). */
-  static bool IsTopLevelKind(Kind kind) { return kind == Kind::Bridge || kind == Kind::GlobalSource; }
+  static bool IsTopLevelKind(Kind kind)
+  {
+    return kind == Kind::Bridge || kind == Kind::GlobalSource;
+  }
 };

@@ -5,12 +5,12 @@
 #include <KXComponents/KXStyle.hpp>
 
 VXSurfaceRep::VXSurfaceRep(VXPipeline* pipeline, QObject* parent)
-: VXSurfaceRep(pipeline, "Surface View", parent)
+  : VXSurfaceRep(pipeline, "Surface View", parent)
 {
 }
 
 VXSurfaceRep::VXSurfaceRep(VXPipeline* pipeline, const QString& defaultName, QObject* parent)
-: VXWireframeRep(pipeline, defaultName, parent)
+  : VXWireframeRep(pipeline, defaultName, parent)
 {
 }
 
@@ -21,7 +21,8 @@ QIcon VXSurfaceRep::getIcon()
   return KXStyle::generateThemeIconFromName("TriangleGeometry");
 }
 
-std::shared_ptr<VXRepresentationPimpl> VXSurfaceRep::createImplementation(VXAbstractViewWidget* view)
+std::shared_ptr<VXRepresentationPimpl> VXSurfaceRep::createImplementation(
+  VXAbstractViewWidget* view)
 {
   return std::make_shared<VXSurfaceRepPimpl>(view, this);
 }

@@ -3,7 +3,8 @@
 #include "visualization/VXWireframeRep.hpp"
 
 /**
- * The surface data view: the points data view's geometry drawn as filled faces, with optional back-face culling.
+ * The surface data view: the points data view's geometry drawn as filled faces, with optional
+ * back-face culling.
  */
 class KXVTKLIB_EXPORT VXSurfaceRep : public VXWireframeRep
 {

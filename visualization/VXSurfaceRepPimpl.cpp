@@ -17,14 +17,14 @@
 #include <vtkProperty.h>
 
 VXSurfaceRepPimpl::VXSurfaceRepPimpl(VXAbstractViewWidget* view, VXRepresentation* owner)
-: VXWireframeRepPimpl(view, owner)
+  : VXWireframeRepPimpl(view, owner)
 {
   m_HelpAnchor = "#surface-representation";
-  if(owner != nullptr)
+  if (owner != nullptr)
   {
     QtKXSettings settings;
     BeginSettingsGroup(settings, owner->typeName());
-    if(settings.contains("back_face_culling"))
+    if (settings.contains("back_face_culling"))
       m_BackFaceCulling = settings.value("back_face_culling", false).toBool();
   }
 }
@@ -38,9 +38,9 @@ bool VXSurfaceRepPimpl::initialize(vtkAlgorithmOutput* port)
   blockSignals(blocked);
   m_Actor->GetProperty()->SetRepresentationToSurface();
   m_Actor->GetProperty()->SetBackfaceCulling(m_BackFaceCulling);
-  if(result && m_GeometryFilter != nullptr)
+  if (result && m_GeometryFilter != nullptr)
   {
-    if(auto* surfaceRep = qobject_cast<VXSurfaceRep*>(m_Owner))
+    if (auto* surfaceRep = qobject_cast<VXSurfaceRep*>(m_Owner))
     {
       vtkNew<VXDataSetInfoWidgetUpdateCallback<VXSurfaceRep>> callback;
       callback->setRepresentation(surfaceRep);
@@ -54,7 +54,7 @@ bool VXSurfaceRepPimpl::initialize(vtkAlgorithmOutput* port)
 void VXSurfaceRepPimpl::bounds(double bounds[6])
 {
   const double* b = m_Actor->GetBounds();
-  for(int i = 0; i < 6; i++)
+  for (int i = 0; i < 6; i++)
     bounds[i] = b[i];
 }
 
@@ -62,7 +62,7 @@ void VXSurfaceRepPimpl::setBackFaceCulling(bool culling)
 {
   m_BackFaceCulling = culling;
   m_Actor->GetProperty()->SetBackfaceCulling(culling);
-  if(m_CullingCheckBox != nullptr)
+  if (m_CullingCheckBox != nullptr)
   {
     const QSignalBlocker blocker(m_CullingCheckBox);
     m_CullingCheckBox->setChecked(culling);
@@ -79,14 +79,14 @@ void VXSurfaceRepPimpl::write(nlohmann::json& output) const
 void VXSurfaceRepPimpl::read(const nlohmann::json& input)
 {
   VXWireframeRepPimpl::read(input);
-  if(input.contains("back_face_culling"))
+  if (input.contains("back_face_culling"))
     setBackFaceCulling(input.at("back_face_culling").get<bool>());
 }
 
 void VXSurfaceRepPimpl::copyFrom(VXRepresentationPimpl* other)
 {
   VXWireframeRepPimpl::copyFrom(other);
-  if(auto* source = dynamic_cast<VXSurfaceRepPimpl*>(other))
+  if (auto* source = dynamic_cast<VXSurfaceRepPimpl*>(other))
     m_BackFaceCulling = source->m_BackFaceCulling;
 }
 
@@ -98,17 +98,17 @@ void VXSurfaceRepPimpl::pasteSettingsFromClipboard()
 void VXSurfaceRepPimpl::loadDefaultSettings()
 {
   VXWireframeRepPimpl::loadDefaultSettings();
-  if(m_Owner == nullptr)
+  if (m_Owner == nullptr)
     return;
   QtKXSettings settings;
   BeginSettingsGroup(settings, m_Owner->typeName());
-  if(settings.contains("back_face_culling"))
+  if (settings.contains("back_face_culling"))
     m_BackFaceCulling = settings.value("back_face_culling", false).toBool();
 }
 
 void VXSurfaceRepPimpl::saveDefaultSettings()
 {
-  if(m_Owner == nullptr || !askSaveDefaults())
+  if (m_Owner == nullptr || !askSaveDefaults())
     return;
   QtKXSettings settings;
   BeginSettingsGroup(settings, m_Owner->typeName());
@@ -132,7 +132,7 @@ void VXSurfaceRepPimpl::buildSettingsPage()
 void VXSurfaceRepPimpl::syncControls()
 {
   VXWireframeRepPimpl::syncControls();
-  if(m_CullingCheckBox != nullptr)
+  if (m_CullingCheckBox != nullptr)
   {
     const QSignalBlocker blocker(m_CullingCheckBox);
     m_CullingCheckBox->setChecked(m_BackFaceCulling);
@@ -142,10 +142,11 @@ void VXSurfaceRepPimpl::syncControls()
 void VXSurfaceRepPimpl::updateToolTips()
 {
   VXWireframeRepPimpl::updateToolTips();
-  if(m_CullingCheckBox != nullptr)
-    m_CullingCheckBox->setToolTip(KXVtkModule::utils::HtmlToolTip(
-      "When checked turns on fast culling of polygons based on orientation of normal with respect to camera so that "
-      "polygons facing away from camera are not drawn"));
+  if (m_CullingCheckBox != nullptr)
+    m_CullingCheckBox->setToolTip(
+      KXVtkModule::utils::HtmlToolTip("When checked turns on fast culling of polygons based on "
+                                      "orientation of normal with respect to camera so that "
+                                      "polygons facing away from camera are not drawn"));
 }
 
 void VXSurfaceRepPimpl::openHelp()

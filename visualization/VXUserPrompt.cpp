@@ -38,7 +38,7 @@ VXUserPrompt::BoxHandler& boxHandler()
 
 QMessageBox::StandardButton VXUserPrompt::ask(QWidget* parent, const Question& question)
 {
-  if(askHandler())
+  if (askHandler())
     return askHandler()(question);
   QMessageBox box(question.icon, question.title, question.text, question.buttons, parent);
   box.setDefaultButton(question.defaultButton);
@@ -47,7 +47,7 @@ QMessageBox::StandardButton VXUserPrompt::ask(QWidget* parent, const Question& q
 
 QString VXUserPrompt::getOpenFileName(QWidget* parent, const QString& title, const QString& filter)
 {
-  if(openFileHandler())
+  if (openFileHandler())
     return openFileHandler()(title, filter);
   return QFileDialog::getOpenFileName(parent, title, QString(), filter);
 }
@@ -64,14 +64,15 @@ void VXUserPrompt::setOpenFileHandler(OpenFileHandler handler)
 
 QString VXUserPrompt::getSaveFileName(QWidget* parent, const QString& title, const QString& filter)
 {
-  if(saveFileHandler())
+  if (saveFileHandler())
     return saveFileHandler()(title, filter);
   return QFileDialog::getSaveFileName(parent, title, QString(), filter);
 }
 
-QString VXUserPrompt::getText(QWidget* parent, const QString& title, const QString& label, const QString& text)
+QString VXUserPrompt::getText(QWidget* parent, const QString& title, const QString& label,
+                              const QString& text)
 {
-  if(textHandler())
+  if (textHandler())
     return textHandler()(title, label, text);
   bool ok = false;
   const QString answer = QInputDialog::getText(parent, title, label, QLineEdit::Normal, text, &ok);
@@ -80,7 +81,7 @@ QString VXUserPrompt::getText(QWidget* parent, const QString& title, const QStri
 
 int VXUserPrompt::exec(QMessageBox& box)
 {
-  if(boxHandler())
+  if (boxHandler())
     return boxHandler()(box);
   return box.exec();
 }

@@ -31,7 +31,8 @@ public:
   using OpenFileHandler = std::function<QString(const QString& title, const QString& filter)>;
   using SaveFileHandler = std::function<QString(const QString& title, const QString& filter)>;
   /** Answers a text question: the text, or an empty string when cancelled. */
-  using TextHandler = std::function<QString(const QString& title, const QString& label, const QString& text)>;
+  using TextHandler =
+    std::function<QString(const QString& title, const QString& label, const QString& text)>;
   /** Runs a fully built message box (custom buttons included) and gives what exec() gives. */
   using BoxHandler = std::function<int(QMessageBox& box)>;
 
@@ -43,7 +44,8 @@ public:
   /** Asks for a file to write; empty when cancelled. */
   static QString getSaveFileName(QWidget* parent, const QString& title, const QString& filter);
   /** Asks for a line of text; empty when cancelled. */
-  static QString getText(QWidget* parent, const QString& title, const QString& label, const QString& text = QString());
+  static QString getText(QWidget* parent, const QString& title, const QString& label,
+                         const QString& text = QString());
   /** Runs the box modally, or passes it to the installed handler. */
   static int exec(QMessageBox& box);
 

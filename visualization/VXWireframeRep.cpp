@@ -5,12 +5,12 @@
 #include <KXComponents/KXStyle.hpp>
 
 VXWireframeRep::VXWireframeRep(VXPipeline* pipeline, QObject* parent)
-: VXWireframeRep(pipeline, "Wireframe View", parent)
+  : VXWireframeRep(pipeline, "Wireframe View", parent)
 {
 }
 
 VXWireframeRep::VXWireframeRep(VXPipeline* pipeline, const QString& defaultName, QObject* parent)
-: VXPointsRep(pipeline, defaultName, parent)
+  : VXPointsRep(pipeline, defaultName, parent)
 {
 }
 
@@ -21,7 +21,8 @@ QIcon VXWireframeRep::getIcon()
   return KXStyle::generateThemeIconFromName("Wireframe");
 }
 
-std::shared_ptr<VXRepresentationPimpl> VXWireframeRep::createImplementation(VXAbstractViewWidget* view)
+std::shared_ptr<VXRepresentationPimpl> VXWireframeRep::createImplementation(
+  VXAbstractViewWidget* view)
 {
   return std::make_shared<VXWireframeRepPimpl>(view, this);
 }

@@ -7,7 +7,7 @@
 #include <vtkProperty.h>
 
 VXWireframeRepPimpl::VXWireframeRepPimpl(VXAbstractViewWidget* view, VXRepresentation* owner)
-: VXPointsRepPimpl(view, owner)
+  : VXPointsRepPimpl(view, owner)
 {
   m_HelpAnchor = "#wireframe-representation";
 }

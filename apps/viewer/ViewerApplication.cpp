@@ -24,7 +24,7 @@ namespace
 {
 void settle()
 {
-  for(int i = 0; i < 10; ++i)
+  for (int i = 0; i < 10; ++i)
   {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
@@ -33,25 +33,30 @@ void settle()
 } // namespace
 
 ViewerApplication::ViewerApplication(ViewerOptions options)
-: m_Options(std::move(options))
+  : m_Options(std::move(options))
 {
-  if(m_Options.isBatch())
+  if (m_Options.isBatch())
   {
     // nobody is there to click: questions take their safe answer, messages go to stderr
-    VXUserPrompt::setAskHandler([this](const VXUserPrompt::Question& question) {
-      std::fprintf(stderr, "%s: %s\n", qPrintable(question.title), qPrintable(question.text));
-      if(question.icon == QMessageBox::Critical || question.icon == QMessageBox::Warning)
-        m_Errors << question.text;
-      if(question.buttons.testFlag(QMessageBox::Open))
-        return QMessageBox::Open;
-      return question.defaultButton != QMessageBox::NoButton ? question.defaultButton : QMessageBox::Ok;
-    });
+    VXUserPrompt::setAskHandler(
+      [this](const VXUserPrompt::Question& question)
+      {
+        std::fprintf(stderr, "%s: %s\n", qPrintable(question.title), qPrintable(question.text));
+        if (question.icon == QMessageBox::Critical || question.icon == QMessageBox::Warning)
+          m_Errors << question.text;
+        if (question.buttons.testFlag(QMessageBox::Open))
+          return QMessageBox::Open;
+        return question.defaultButton != QMessageBox::NoButton ? question.defaultButton
+                                                               : QMessageBox::Ok;
+      });
   }
   m_Window = std::make_unique<ViewerMainWindow>();
   m_Window->resize(m_Options.size);
   VXVisualizationModuleWidget* module = m_Window->module();
-  QObject::connect(module->pipeline(), &VXPipeline::sendPopupMessage, [this](const QString&, const QString& message) { m_Errors << message; });
-  QObject::connect(module, &VXVisualizationModuleWidget::printOutput, [](const QString& message) { std::fprintf(stderr, "%s\n", qPrintable(message)); });
+  QObject::connect(module->pipeline(), &VXPipeline::sendPopupMessage,
+                   [this](const QString&, const QString& message) { m_Errors << message; });
+  QObject::connect(module, &VXVisualizationModuleWidget::printOutput, [](const QString& message)
+                   { std::fprintf(stderr, "%s\n", qPrintable(message)); });
 }
 
 ViewerApplication::~ViewerApplication()
@@ -63,14 +68,14 @@ ViewerApplication::~ViewerApplication()
 
 bool ViewerApplication::load()
 {
-  if(!applyRepresentation())
+  if (!applyRepresentation())
     return false;
-  if(m_Options.isBatch())
+  if (m_Options.isBatch())
     m_Window->show();
   VXPipeline* pipeline = m_Window->module()->pipeline();
-  for(const QString& file : m_Options.files)
+  for (const QString& file : m_Options.files)
   {
-    if(!QFileInfo(file).isFile())
+    if (!QFileInfo(file).isFile())
     {
       std::fprintf(stderr, "kxvtk-viewer: cannot load '%s': no such file\n", qPrintable(file));
       return false;
@@ -78,44 +83,50 @@ bool ViewerApplication::load()
     const int errorsBefore = m_Errors.size();
     pipeline->importFile(file);
     VXBridgeObject* bridge = pipeline->bridges().isEmpty() ? nullptr : pipeline->bridges().last();
-    if(bridge == nullptr || bridge->dataSources().isEmpty())
+    if (bridge == nullptr || bridge->dataSources().isEmpty())
     {
-      if(m_Errors.size() == errorsBefore)
-        std::fprintf(stderr, "kxvtk-viewer: cannot load '%s': not a readable data file\n", qPrintable(file));
+      if (m_Errors.size() == errorsBefore)
+        std::fprintf(stderr, "kxvtk-viewer: cannot load '%s': not a readable data file\n",
+                     qPrintable(file));
       return false;
     }
   }
-  if(!m_Options.stateFile.isEmpty())
+  if (!m_Options.stateFile.isEmpty())
   {
-    if(!QFileInfo(m_Options.stateFile).isFile())
+    if (!QFileInfo(m_Options.stateFile).isFile())
     {
-      std::fprintf(stderr, "kxvtk-viewer: cannot load state '%s': no such file\n", qPrintable(m_Options.stateFile));
+      std::fprintf(stderr, "kxvtk-viewer: cannot load state '%s': no such file\n",
+                   qPrintable(m_Options.stateFile));
       return false;
     }
     QStringList problems;
-    auto connection = QObject::connect(m_Window->module(), &VXVisualizationModuleWidget::printOutput, [&problems](const QString& message) {
-      if(message.startsWith("Error"))
-        problems << message;
-    });
+    auto connection =
+      QObject::connect(m_Window->module(), &VXVisualizationModuleWidget::printOutput,
+                       [&problems](const QString& message)
+                       {
+                         if (message.startsWith("Error"))
+                           problems << message;
+                       });
     m_Window->module()->loadState(m_Options.stateFile);
     QObject::disconnect(connection);
-    if(!problems.isEmpty() && pipeline->bridges().isEmpty())
+    if (!problems.isEmpty() && pipeline->bridges().isEmpty())
     {
-      std::fprintf(stderr, "kxvtk-viewer: cannot load state '%s'\n", qPrintable(m_Options.stateFile));
+      std::fprintf(stderr, "kxvtk-viewer: cannot load state '%s'\n",
+                   qPrintable(m_Options.stateFile));
       return false;
     }
   }
-  if(!applyColoring())
+  if (!applyColoring())
     return false;
   // a state file brings its own cameras; otherwise an oblique view shows three faces of a volume
-  if(m_Options.stateFile.isEmpty())
+  if (m_Options.stateFile.isEmpty())
     frameViews();
   return true;
 }
 
 void ViewerApplication::frameViews()
 {
-  for(VXAbstractViewWidget* view : m_Window->module()->getAllViewWidgets())
+  for (VXAbstractViewWidget* view : m_Window->module()->getAllViewWidgets())
   {
     vtkRenderer* renderer = view->getVisualizationWidget()->getRenderer();
     renderer->ResetCamera();
@@ -128,54 +139,59 @@ void ViewerApplication::frameViews()
 
 bool ViewerApplication::applyRepresentation()
 {
-  if(m_Options.representation.isEmpty())
+  if (m_Options.representation.isEmpty())
     return true;
-  if(!VXRepresentation::k_RepresentationStringToType.contains(m_Options.representation))
+  if (!VXRepresentation::k_RepresentationStringToType.contains(m_Options.representation))
   {
-    std::fprintf(stderr, "kxvtk-viewer: unknown representation '%s'; one of: %s\n", qPrintable(m_Options.representation),
+    std::fprintf(stderr, "kxvtk-viewer: unknown representation '%s'; one of: %s\n",
+                 qPrintable(m_Options.representation),
                  qPrintable(VXRepresentation::k_RepresentationStringToType.keys().join(", ")));
     return false;
   }
-  const VXRepresentation::Type type = VXRepresentation::k_RepresentationStringToType.value(m_Options.representation);
+  const VXRepresentation::Type type =
+    VXRepresentation::k_RepresentationStringToType.value(m_Options.representation);
   // every kind of data set gets the chosen data view as its default
-  for(auto setter : {&VXPipeline::setDefaultImageGeomRepType, &VXPipeline::setDefaultRectGridRepType, &VXPipeline::setDefaultVertexRepType,
-                     &VXPipeline::setDefaultEdgeRepType, &VXPipeline::setDefaultTriangleRepType, &VXPipeline::setDefaultQuadRepType,
-                     &VXPipeline::setDefaultTetRepType, &VXPipeline::setDefaultHexRepType, &VXPipeline::setDefaultRepType})
+  for (auto setter : { &VXPipeline::setDefaultImageGeomRepType,
+                       &VXPipeline::setDefaultRectGridRepType, &VXPipeline::setDefaultVertexRepType,
+                       &VXPipeline::setDefaultEdgeRepType, &VXPipeline::setDefaultTriangleRepType,
+                       &VXPipeline::setDefaultQuadRepType, &VXPipeline::setDefaultTetRepType,
+                       &VXPipeline::setDefaultHexRepType, &VXPipeline::setDefaultRepType })
     setter(type);
   return true;
 }
 
 bool ViewerApplication::applyColoring()
 {
-  if(m_Options.colorBy.isEmpty())
+  if (m_Options.colorBy.isEmpty())
     return true;
   bool found = false;
-  for(VXBridgeObject* bridge : m_Window->module()->pipeline()->bridges())
+  for (VXBridgeObject* bridge : m_Window->module()->pipeline()->bridges())
   {
-    for(VXDataSource* source : bridge->dataSources())
+    for (VXDataSource* source : bridge->dataSources())
     {
-      if(!source->getImportedArrayNames().contains(m_Options.colorBy))
+      if (!source->getImportedArrayNames().contains(m_Options.colorBy))
         continue;
       found = true;
-      for(QObject* child : source->children())
+      for (QObject* child : source->children())
       {
         auto* representation = qobject_cast<VXRepresentation*>(child);
-        if(representation == nullptr)
+        if (representation == nullptr)
           continue;
-        for(VXRepresentationPimpl* split : representation->getDataViewSplits())
+        for (VXRepresentationPimpl* split : representation->getDataViewSplits())
         {
           // outlines have no colouring; every other data view colours by array
-          if(auto* colored = dynamic_cast<VXPointsRepPimpl*>(split))
+          if (auto* colored = dynamic_cast<VXPointsRepPimpl*>(split))
             colored->setActiveArray(m_Options.colorBy);
           else
-            std::fprintf(stderr, "kxvtk-viewer: the %s view of '%s' has no array colouring\n", qPrintable(representation->humanTypeName()),
-                         qPrintable(source->name()));
+            std::fprintf(stderr, "kxvtk-viewer: the %s view of '%s' has no array colouring\n",
+                         qPrintable(representation->humanTypeName()), qPrintable(source->name()));
         }
       }
     }
   }
-  if(!found)
-    std::fprintf(stderr, "kxvtk-viewer: no data set has an array named '%s'\n", qPrintable(m_Options.colorBy));
+  if (!found)
+    std::fprintf(stderr, "kxvtk-viewer: no data set has an array named '%s'\n",
+                 qPrintable(m_Options.colorBy));
   return found;
 }
 
@@ -184,14 +200,16 @@ bool ViewerApplication::saveState()
   const QString path = m_Options.saveStatePath;
   VXUserPrompt::setSaveFileHandler([path](const QString&, const QString&) { return path; });
   QStringList failures;
-  auto connection = QObject::connect(m_Window->module(), &VXVisualizationModuleWidget::printOutput, [&failures](const QString& message) {
-    if(message.startsWith("Failed"))
-      failures << message;
-  });
+  auto connection = QObject::connect(m_Window->module(), &VXVisualizationModuleWidget::printOutput,
+                                     [&failures](const QString& message)
+                                     {
+                                       if (message.startsWith("Failed"))
+                                         failures << message;
+                                     });
   m_Window->module()->saveState();
   QObject::disconnect(connection);
   VXUserPrompt::setSaveFileHandler({});
-  if(!failures.isEmpty() || !QFileInfo(path).isFile())
+  if (!failures.isEmpty() || !QFileInfo(path).isFile())
   {
     std::fprintf(stderr, "kxvtk-viewer: failed to write state '%s'\n", qPrintable(path));
     return false;
@@ -203,11 +221,11 @@ bool ViewerApplication::saveState()
 void ViewerApplication::fitViewsToRequestedSize()
 {
   VXViewGridWidget* grid = m_Window->module()->getViewGridWidget();
-  for(int attempt = 0; attempt < 3; ++attempt)
+  for (int attempt = 0; attempt < 3; ++attempt)
   {
     settle();
     const QSize delta = m_Options.size - grid->size();
-    if(delta.isNull())
+    if (delta.isNull())
       return;
     m_Window->resize(m_Window->size() + delta);
   }
@@ -217,7 +235,7 @@ void ViewerApplication::fitViewsToRequestedSize()
 void ViewerApplication::showWindow()
 {
   m_Window->show();
-  if(m_Options.sizeGiven)
+  if (m_Options.sizeGiven)
     fitViewsToRequestedSize();
 }
 
@@ -230,9 +248,11 @@ bool ViewerApplication::saveScreenshot()
   settle();
   const QImage image = module->grabAllViewsImage();
   QSaveFile file(m_Options.screenshotPath);
-  if(image.isNull() || !file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit())
+  if (image.isNull() || !file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") ||
+      !file.commit())
   {
-    std::fprintf(stderr, "kxvtk-viewer: failed to write '%s'\n", qPrintable(m_Options.screenshotPath));
+    std::fprintf(stderr, "kxvtk-viewer: failed to write '%s'\n",
+                 qPrintable(m_Options.screenshotPath));
     return false;
   }
   std::printf("%s\n", qPrintable(m_Options.screenshotPath));

@@ -18,7 +18,8 @@ public:
   explicit ViewerApplication(ViewerOptions options);
   ~ViewerApplication();
 
-  /** Loads every file and the state file; false (with the reason on stderr) when one can't be loaded. */
+  /** Loads every file and the state file; false (with the reason on stderr) when one can't be
+   * loaded. */
   bool load();
   /** Writes the state file asked for; false on failure. */
   bool saveState();

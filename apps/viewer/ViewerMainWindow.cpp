@@ -24,7 +24,7 @@ constexpr kx::core::usize k_HostSampleSize = 48;
 } // namespace
 
 ViewerMainWindow::ViewerMainWindow(QWidget* parent)
-: QMainWindow(parent)
+  : QMainWindow(parent)
 {
   setWindowTitle("KXVtk Viewer");
   setAcceptDrops(true);
@@ -41,9 +41,11 @@ ViewerMainWindow::ViewerMainWindow(QWidget* parent)
   dock->setWidget(m_Output);
   addDockWidget(Qt::BottomDockWidgetArea, dock);
 
-  connect(m_Module, &VXVisualizationModuleWidget::printOutput, this, &ViewerMainWindow::appendOutput);
+  connect(m_Module, &VXVisualizationModuleWidget::printOutput, this,
+          &ViewerMainWindow::appendOutput);
   // the module asks its host to load state files; this host always agrees
-  connect(m_Module, &VXVisualizationModuleWidget::loadStateRequested, m_Module, qOverload<QString>(&VXVisualizationModuleWidget::loadState));
+  connect(m_Module, &VXVisualizationModuleWidget::loadStateRequested, m_Module,
+          qOverload<QString>(&VXVisualizationModuleWidget::loadState));
   createMenus();
 }
 
@@ -54,11 +56,14 @@ void ViewerMainWindow::createMenus()
   QMenu* file = menuBar()->addMenu("&File");
   QAction* open = file->addAction("&Open...", this, &ViewerMainWindow::openFiles);
   open->setShortcut(QKeySequence::Open);
-  file->addAction("&Import State...", m_Module, qOverload<>(&VXVisualizationModuleWidget::loadState));
+  file->addAction("&Import State...", m_Module,
+                  qOverload<>(&VXVisualizationModuleWidget::loadState));
   file->addAction("&Save State...", m_Module, qOverload<>(&VXVisualizationModuleWidget::saveState));
   file->addSeparator();
-  file->addAction("Save Screenshot of &All Views...", m_Module, &VXVisualizationModuleWidget::saveAllViewsScreenshot);
-  file->addAction("&Copy All Views to Clipboard", m_Module, &VXVisualizationModuleWidget::copyAllViewsToClipboard);
+  file->addAction("Save Screenshot of &All Views...", m_Module,
+                  &VXVisualizationModuleWidget::saveAllViewsScreenshot);
+  file->addAction("&Copy All Views to Clipboard", m_Module,
+                  &VXVisualizationModuleWidget::copyAllViewsToClipboard);
   file->addSeparator();
   QAction* quit = file->addAction("&Quit", qApp, &QApplication::closeAllWindows);
   quit->setShortcut(QKeySequence::Quit);
@@ -66,48 +71,68 @@ void ViewerMainWindow::createMenus()
   QMenu* view = menuBar()->addMenu("&View");
   view->addAction("&Link All Cameras", m_Module, &VXVisualizationModuleWidget::linkAllViews);
   view->addAction("&Unlink All Cameras", m_Module, &VXVisualizationModuleWidget::unlinkAllViews);
-  view->addAction("Equalize View &Widths", m_Module, &VXVisualizationModuleWidget::equalizeViewWidths);
-  view->addAction("Equalize View &Heights", m_Module, &VXVisualizationModuleWidget::equalizeViewHeights);
+  view->addAction("Equalize View &Widths", m_Module,
+                  &VXVisualizationModuleWidget::equalizeViewWidths);
+  view->addAction("Equalize View &Heights", m_Module,
+                  &VXVisualizationModuleWidget::equalizeViewHeights);
   view->addSeparator();
-  view->addAction("Save Current Layout as &Default...", m_Module, &VXVisualizationModuleWidget::writeSettings);
+  view->addAction("Save Current Layout as &Default...", m_Module,
+                  &VXVisualizationModuleWidget::writeSettings);
 
   QMenu* presets = menuBar()->addMenu("&Presets");
-  presets->addAction("&Save Preset of Selected Data Source...", this, [this] {
-    const QModelIndex index = m_Module->getInfoWidget()->currentIndex();
-    if(!m_Module->pipelineModel()->isDataSource(index))
+  presets->addAction(
+    "&Save Preset of Selected Data Source...", this,
+    [this]
     {
-      appendOutput("Select a data source in the pipeline browser to save its data views as a preset.");
-      return;
-    }
-    const QString name = VXUserPrompt::getText(this, "Create Visualization Preset", "Preset name:").trimmed();
-    if(!name.isEmpty())
-      m_Module->createPreset(index, name, false);
-  });
+      const QModelIndex index = m_Module->getInfoWidget()->currentIndex();
+      if (!m_Module->pipelineModel()->isDataSource(index))
+      {
+        appendOutput(
+          "Select a data source in the pipeline browser to save its data views as a preset.");
+        return;
+      }
+      const QString name =
+        VXUserPrompt::getText(this, "Create Visualization Preset", "Preset name:").trimmed();
+      if (!name.isEmpty())
+        m_Module->createPreset(index, name, false);
+    });
   QMenu* apply = presets->addMenu("&Apply Preset to Selected Data Source");
-  connect(apply, &QMenu::aboutToShow, this, [this, apply] {
-    apply->clear();
-    for(const QString& name : VXInfoWidget::PresetNames())
-    {
-      apply->addAction(name, this, [this, name] {
-        const QModelIndex index = m_Module->getInfoWidget()->currentIndex();
-        if(m_Module->pipelineModel()->isDataSource(index))
-          m_Module->applyPreset(index, name);
-        else
-          appendOutput("Select a data source in the pipeline browser to apply a preset to it.");
-      });
-    }
-  });
+  connect(apply, &QMenu::aboutToShow, this,
+          [this, apply]
+          {
+            apply->clear();
+            for (const QString& name : VXInfoWidget::PresetNames())
+            {
+              apply->addAction(
+                name, this,
+                [this, name]
+                {
+                  const QModelIndex index = m_Module->getInfoWidget()->currentIndex();
+                  if (m_Module->pipelineModel()->isDataSource(index))
+                    m_Module->applyPreset(index, name);
+                  else
+                    appendOutput(
+                      "Select a data source in the pipeline browser to apply a preset to it.");
+                });
+            }
+          });
   presets->addSeparator();
-  presets->addAction("&Export Presets...", this, [this] {
-    const QString path = VXUserPrompt::getSaveFileName(this, "Export Visualization Presets", "JSON File (*.json)");
-    if(!path.isEmpty())
-      m_Module->exportPresets(path, VXInfoWidget::PresetNames());
-  });
-  presets->addAction("&Import Presets...", this, [this] {
-    const QString path = VXUserPrompt::getOpenFileName(this, "Import Visualization Presets", "JSON File (*.json)");
-    if(!path.isEmpty())
-      m_Module->importPresets(path);
-  });
+  presets->addAction("&Export Presets...", this,
+                     [this]
+                     {
+                       const QString path = VXUserPrompt::getSaveFileName(
+                         this, "Export Visualization Presets", "JSON File (*.json)");
+                       if (!path.isEmpty())
+                         m_Module->exportPresets(path, VXInfoWidget::PresetNames());
+                     });
+  presets->addAction("&Import Presets...", this,
+                     [this]
+                     {
+                       const QString path = VXUserPrompt::getOpenFileName(
+                         this, "Import Visualization Presets", "JSON File (*.json)");
+                       if (!path.isEmpty())
+                         m_Module->importPresets(path);
+                     });
 
   QMenu* host = menuBar()->addMenu("&Host Pipeline");
   host->addAction("&Run Sample Pipeline", this, &ViewerMainWindow::runHostPipeline);
@@ -116,10 +141,11 @@ void ViewerMainWindow::createMenus()
 
 void ViewerMainWindow::openFiles()
 {
-  const QStringList paths = QFileDialog::getOpenFileNames(this, "Open", QString(), FileToVXBridge::FileFilterList());
-  for(const QString& path : paths)
+  const QStringList paths =
+    QFileDialog::getOpenFileNames(this, "Open", QString(), FileToVXBridge::FileFilterList());
+  for (const QString& path : paths)
   {
-    if(!m_Module->getInfoWidget()->checkForExistingFile(path))
+    if (!m_Module->getInfoWidget()->checkForExistingFile(path))
       m_Module->pipeline()->importFile(path);
   }
 }
@@ -129,13 +155,15 @@ void ViewerMainWindow::runHostPipeline()
   kxvtk::sample::MicrostructureGenerator generator(k_HostSampleSize);
   m_HostData = std::make_shared<kx::core::DataStructure>(generator.generate());
   m_HostRun = 0;
-  if(m_Module->pipeline()->importPipelineOutput(&m_Controller, m_HostData))
-    appendOutput(QString("%1: %2 grains shown from memory").arg(m_Controller.getPipelineName()).arg(generator.summary().grains));
+  if (m_Module->pipeline()->importPipelineOutput(&m_Controller, m_HostData))
+    appendOutput(QString("%1: %2 grains shown from memory")
+                   .arg(m_Controller.getPipelineName())
+                   .arg(generator.summary().grains));
 }
 
 void ViewerMainWindow::rerunHostPipeline()
 {
-  if(!m_HostData)
+  if (!m_HostData)
   {
     runHostPipeline();
     return;
@@ -144,8 +172,11 @@ void ViewerMainWindow::rerunHostPipeline()
   ++m_HostRun;
   kxvtk::sample::MicrostructureGenerator generator(k_HostSampleSize, 20240611u + m_HostRun);
   m_HostData = std::make_shared<kx::core::DataStructure>(generator.generate());
-  if(m_Module->pipeline()->reloadPipelineOutput(&m_Controller, m_HostData))
-    appendOutput(QString("%1: run %2, %3 grains").arg(m_Controller.getPipelineName()).arg(m_HostRun + 1).arg(generator.summary().grains));
+  if (m_Module->pipeline()->reloadPipelineOutput(&m_Controller, m_HostData))
+    appendOutput(QString("%1: run %2, %3 grains")
+                   .arg(m_Controller.getPipelineName())
+                   .arg(m_HostRun + 1)
+                   .arg(generator.summary().grains));
 }
 
 void ViewerMainWindow::appendOutput(const QString& message)

@@ -22,13 +22,18 @@ int main(int argc, char** argv)
   QCommandLineParser parser;
   parser.setApplicationDescription("Shows data files in split 3D views, or renders them to a PNG.");
   parser.addHelpOption();
-  const QCommandLineOption state("state", "Load this state file (.vlxstate) after the files.", "FILE");
-  const QCommandLineOption saveState("save-state", "After loading, save the state to FILE and exit.", "FILE");
-  const QCommandLineOption screenshot("screenshot", "Render all views once to OUT.png and exit.", "OUT.png");
+  const QCommandLineOption state("state", "Load this state file (.vlxstate) after the files.",
+                                 "FILE");
+  const QCommandLineOption saveState("save-state",
+                                     "After loading, save the state to FILE and exit.", "FILE");
+  const QCommandLineOption screenshot("screenshot", "Render all views once to OUT.png and exit.",
+                                      "OUT.png");
   const QCommandLineOption size("size", "Size of the render area, e.g. 800x600.", "WxH");
-  const QCommandLineOption representation("representation", "Data view for every data set: Outline, Points, Wireframe, Surface, ...", "NAME");
+  const QCommandLineOption representation(
+    "representation", "Data view for every data set: Outline, Points, Wireframe, Surface, ...",
+    "NAME");
   const QCommandLineOption colorBy("color-by", "Colour by this point or cell array.", "ARRAY");
-  parser.addOptions({state, saveState, screenshot, size, representation, colorBy});
+  parser.addOptions({ state, saveState, screenshot, size, representation, colorBy });
   parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "[FILE...]");
   parser.process(app);
 
@@ -39,38 +44,39 @@ int main(int argc, char** argv)
   options.screenshotPath = parser.value(screenshot);
   options.representation = parser.value(representation);
   options.colorBy = parser.value(colorBy);
-  if(parser.isSet(size))
+  if (parser.isSet(size))
   {
     const QStringList dims = parser.value(size).split('x');
     bool okWidth = false;
     bool okHeight = false;
-    if(dims.size() == 2)
+    if (dims.size() == 2)
       options.size = QSize(dims[0].toInt(&okWidth), dims[1].toInt(&okHeight));
-    if(!okWidth || !okHeight || options.size.width() <= 0 || options.size.height() <= 0)
+    if (!okWidth || !okHeight || options.size.width() <= 0 || options.size.height() <= 0)
     {
-      std::fprintf(stderr, "kxvtk-viewer: invalid --size '%s', expected WxH\n", qPrintable(parser.value(size)));
+      std::fprintf(stderr, "kxvtk-viewer: invalid --size '%s', expected WxH\n",
+                   qPrintable(parser.value(size)));
       return 2;
     }
     options.sizeGiven = true;
   }
-  else if(options.isBatch())
+  else if (options.isBatch())
   {
     options.size = QSize(800, 600);
   }
-  if(options.isBatch() && options.files.isEmpty() && options.stateFile.isEmpty())
+  if (options.isBatch() && options.files.isEmpty() && options.stateFile.isEmpty())
   {
     std::fprintf(stderr, "kxvtk-viewer: no file given\n%s", qPrintable(parser.helpText()));
     return 2;
   }
 
   ViewerApplication viewer(options);
-  if(!viewer.load())
+  if (!viewer.load())
     return 1;
-  if(options.isBatch())
+  if (options.isBatch())
   {
-    if(!options.saveStatePath.isEmpty() && !viewer.saveState())
+    if (!options.saveStatePath.isEmpty() && !viewer.saveState())
       return 1;
-    if(!options.screenshotPath.isEmpty() && !viewer.saveScreenshot())
+    if (!options.screenshotPath.isEmpty() && !viewer.saveScreenshot())
       return 1;
     return 0;
   }

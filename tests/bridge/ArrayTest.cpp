@@ -19,7 +19,7 @@ using CV::VtkBridge::WrapDataArray;
 
 namespace
 {
-template <typename T>
+template<typename T>
 class WrappedArrayTest : public ::testing::Test
 {
 };
@@ -32,8 +32,10 @@ TYPED_TEST(WrappedArrayTest, WrapSharesStoreAndReportsShapeAndRanges)
   using T = TypeParam;
   DataStructure ds;
   // 2 x 3 tuples of 2 components
-  std::vector<T> values = {T(5), T(1), T(7), T(2), T(3), T(9), T(0), T(4), T(6), T(8), T(2), T(1)};
-  auto* host = bridgetest::makeArray<T>(ds, "Values", values, {2, 3}, {2});
+  std::vector<T> values = {
+    T(5), T(1), T(7), T(2), T(3), T(9), T(0), T(4), T(6), T(8), T(2), T(1)
+  };
+  auto* host = bridgetest::makeArray<T>(ds, "Values", values, { 2, 3 }, { 2 });
 
   vtkSmartPointer<vtkDataArray> wrapped = WrapDataArray(ds, host->getId());
   ASSERT_NE(wrapped, nullptr);
@@ -53,7 +55,7 @@ TYPED_TEST(WrappedArrayTest, WrapSharesStoreAndReportsShapeAndRanges)
   EXPECT_EQ(array->GetVoidPointer(3), static_cast<void*>(store->data() + 3));
   EXPECT_EQ(array->GetDataStore(), store);
 
-  int shape[2] = {0, 0};
+  int shape[2] = { 0, 0 };
   ASSERT_EQ(array->GetInformation()->Length(CV::TupleShapeKey()), 2);
   array->GetInformation()->Get(CV::TupleShapeKey(), shape);
   EXPECT_EQ(shape[0], 2);
@@ -79,7 +81,7 @@ TYPED_TEST(WrappedArrayTest, ResizingDetachesFromHostStore)
 {
   using T = TypeParam;
   DataStructure ds;
-  auto* host = bridgetest::makeArray<T>(ds, "A", {T(1), T(2), T(3), T(4)}, {4});
+  auto* host = bridgetest::makeArray<T>(ds, "A", { T(1), T(2), T(3), T(4) }, { 4 });
   vtkSmartPointer<vtkDataArray> wrapped = WrapDataArray(ds, host->getId());
   auto* array = CV::Array<T>::SafeDownCast(wrapped);
   ASSERT_NE(array, nullptr);
@@ -98,7 +100,8 @@ TYPED_TEST(WrappedArrayTest, NewInstanceIsWritableWithPrivateStore)
 {
   using T = TypeParam;
   DataStructure ds;
-  auto* host = bridgetest::makeArray<T>(ds, "V", {T(1), T(2), T(3), T(4), T(5), T(6)}, {2}, {3});
+  auto* host =
+    bridgetest::makeArray<T>(ds, "V", { T(1), T(2), T(3), T(4), T(5), T(6) }, { 2 }, { 3 });
   vtkSmartPointer<vtkDataArray> wrapped = WrapDataArray(ds, host->getId());
   vtkSmartPointer<vtkDataArray> clone = vtkSmartPointer<vtkDataArray>::Take(wrapped->NewInstance());
   auto* typed = CV::Array<T>::SafeDownCast(clone);
@@ -106,9 +109,9 @@ TYPED_TEST(WrappedArrayTest, NewInstanceIsWritableWithPrivateStore)
   EXPECT_EQ(typed->GetNumberOfComponents(), 3);
   EXPECT_EQ(typed->GetNumberOfTuples(), 0);
   ASSERT_NE(typed->GetDataStore(), nullptr);
-  EXPECT_EQ(typed->GetDataStore()->getComponentShape(), ShapeType{3});
+  EXPECT_EQ(typed->GetDataStore()->getComponentShape(), ShapeType{ 3 });
 
-  const T tuple[3] = {T(7), T(8), T(9)};
+  const T tuple[3] = { T(7), T(8), T(9) };
   typed->InsertNextTypedTuple(tuple);
   typed->InsertNextTypedTuple(tuple);
   EXPECT_EQ(typed->GetNumberOfTuples(), 2);
@@ -128,7 +131,8 @@ TEST(WrappedArray, TypeInformationAcrossTheHierarchy)
   EXPECT_EQ(array->GetNumberOfGenerationsFromBase("CV::Array<T>"), 0);
   EXPECT_EQ(array->GetNumberOfGenerationsFromBase(typeid(CV::Array<float>::GenericBase).name()), 1);
   EXPECT_EQ(array->GetNumberOfGenerationsFromBase("vtkDataArray"), 2);
-  EXPECT_EQ(array->GetNumberOfGenerationsFromBase("vtkObject"), 2 + vtkDataArray::GetNumberOfGenerationsFromBaseType("vtkObject"));
+  EXPECT_EQ(array->GetNumberOfGenerationsFromBase("vtkObject"),
+            2 + vtkDataArray::GetNumberOfGenerationsFromBaseType("vtkObject"));
   // the shared class name must not let one element type pass for another
   EXPECT_EQ(CV::Array<double>::SafeDownCast(array), nullptr);
   EXPECT_EQ(CV::Array<float>::SafeDownCast(array), array.GetPointer());
@@ -138,10 +142,11 @@ TEST(WrappedArray, ArraysThatCannotBePresentedWrapToNothing)
 {
   DataStructure ds;
   auto* group = DataGroup::Create(ds, "Group");
-  auto boolStore = std::make_shared<DataStore<bool>>(ShapeType{4}, ShapeType{1}, true);
+  auto boolStore = std::make_shared<DataStore<bool>>(ShapeType{ 4 }, ShapeType{ 1 }, true);
   auto* boolArray = DataArray<bool>::Create(ds, "Mask", boolStore);
   kxtest::TempDir tmp;
-  auto fileStore = std::make_shared<FileDataStore<float>>(tmp / "values.raw", ShapeType{8}, ShapeType{1}, true);
+  auto fileStore = std::make_shared<FileDataStore<float>>(tmp / "values.raw", ShapeType{ 8 },
+                                                          ShapeType{ 1 }, true);
   auto* outOfCore = Float32Array::Create(ds, "OnDisk", fileStore);
 
   EXPECT_EQ(WrapDataArray(ds, group->getId()), nullptr);
@@ -162,7 +167,7 @@ TEST(WrappedArray, ArrayOutlivesHostStructure)
   vtkSmartPointer<vtkDataArray> wrapped;
   {
     DataStructure ds;
-    auto* host = bridgetest::makeArray<int32>(ds, "Ids", {3, 1, 4, 1, 5}, {5});
+    auto* host = bridgetest::makeArray<int32>(ds, "Ids", { 3, 1, 4, 1, 5 }, { 5 });
     wrapped = WrapDataArray(ds, host->getId());
     ds.removeData(host->getId());
   }
@@ -174,8 +179,8 @@ TEST(WrappedArray, ArrayOutlivesHostStructure)
 TEST(WrappedArray, MagnitudeComponentAndBoundsChecks)
 {
   DataStructure ds;
-  auto* vec = bridgetest::makeArray<float>(ds, "Vec", {3.0f, 4.0f, 0.0f}, {1}, {3});
-  auto* scalar = bridgetest::makeArray<int16>(ds, "S", {-7, 12}, {2});
+  auto* vec = bridgetest::makeArray<float>(ds, "Vec", { 3.0f, 4.0f, 0.0f }, { 1 }, { 3 });
+  auto* scalar = bridgetest::makeArray<int16>(ds, "S", { -7, 12 }, { 2 });
   vtkSmartPointer<vtkDataArray> vecWrapped = WrapDataArray(ds, vec->getId());
   vtkSmartPointer<vtkDataArray> scalarWrapped = WrapDataArray(ds, scalar->getId());
   auto* vecArray = CV::Array<float>::SafeDownCast(vecWrapped);
@@ -193,33 +198,37 @@ TEST(WrappedArray, MagnitudeComponentAndBoundsChecks)
     scalarArray->GetTypedComponent(2, 0);
     FAIL() << "expected an exception";
   }
-  catch(const std::runtime_error& error)
+  catch (const std::runtime_error& error)
   {
-    EXPECT_STREQ(error.what(), "CV::Array::GetTypedComponent() 'elementIndex + compIdx' of 2 is greater than the number of elements 2");
+    EXPECT_STREQ(error.what(), "CV::Array::GetTypedComponent() 'elementIndex + compIdx' of 2 is "
+                               "greater than the number of elements 2");
   }
   try
   {
     vecArray->SetTypedComponent(1, 1, 1.0f);
     FAIL() << "expected an exception";
   }
-  catch(const std::runtime_error& error)
+  catch (const std::runtime_error& error)
   {
-    EXPECT_STREQ(error.what(), "CV::Array::SetTypedComponent() 'elementIndex + compIdx' of 4 is greater than the number of elements 3");
+    EXPECT_STREQ(error.what(), "CV::Array::SetTypedComponent() 'elementIndex + compIdx' of 4 is "
+                               "greater than the number of elements 3");
   }
 }
 
 TEST(WrappedArray, WithoutStoreAccessThrowsNamedMessages)
 {
   vtkNew<CV::Array<double>> array;
-  const auto expectThrow = [](auto&& call, const std::string& operation) {
+  const auto expectThrow = [](auto&& call, const std::string& operation)
+  {
     try
     {
       call();
       ADD_FAILURE() << operation << " did not throw";
     }
-    catch(const std::runtime_error& error)
+    catch (const std::runtime_error& error)
     {
-      EXPECT_EQ(std::string(error.what()), "CV::Array::" + operation + "() does not have an underlying kx::core::DataStore");
+      EXPECT_EQ(std::string(error.what()),
+                "CV::Array::" + operation + "() does not have an underlying kx::core::DataStore");
     }
   };
   expectThrow([&] { array->GetValue(0); }, "GetValue");
@@ -233,19 +242,22 @@ TEST(WrappedArray, WithoutStoreAccessThrowsNamedMessages)
 TEST(WrappedArray, RefusedOperationsReportAndChangeNothing)
 {
   DataStructure ds;
-  auto* host = bridgetest::makeArray<int32>(ds, "A", {1, 2, 3}, {3});
+  auto* host = bridgetest::makeArray<int32>(ds, "A", { 1, 2, 3 }, { 3 });
   vtkSmartPointer<vtkDataArray> wrapped = WrapDataArray(ds, host->getId());
   bridgetest::ErrorCollector errors(wrapped);
-  int external[3] = {7, 8, 9};
+  int external[3] = { 7, 8, 9 };
   wrapped->SetVoidArray(external, 3, 1);
   wrapped->SetArrayFreeFunction(nullptr);
   EXPECT_EQ(wrapped->WriteVoidPointer(0, 3), nullptr);
 
   ASSERT_EQ(errors.messages().size(), 3u);
   EXPECT_NE(errors.messages()[0].find("CV::Array<T>"), std::string::npos);
-  EXPECT_NE(errors.messages()[0].find(": SetVoidArray is not supported by this class."), std::string::npos);
-  EXPECT_NE(errors.messages()[1].find(": SetArrayFreeFunction is not supported by this class."), std::string::npos);
-  EXPECT_NE(errors.messages()[2].find(": WriteVoidPointer is not supported by this class."), std::string::npos);
+  EXPECT_NE(errors.messages()[0].find(": SetVoidArray is not supported by this class."),
+            std::string::npos);
+  EXPECT_NE(errors.messages()[1].find(": SetArrayFreeFunction is not supported by this class."),
+            std::string::npos);
+  EXPECT_NE(errors.messages()[2].find(": WriteVoidPointer is not supported by this class."),
+            std::string::npos);
   EXPECT_EQ(wrapped->GetComponent(0, 0), 1.0);
   EXPECT_EQ(host->getDataStoreRefTyped().getValue(2), 3);
 }
@@ -253,23 +265,26 @@ TEST(WrappedArray, RefusedOperationsReportAndChangeNothing)
 TEST(WrappedArray, GetTuplesRefusesComponentMismatch)
 {
   DataStructure ds;
-  auto* source = bridgetest::makeArray<float>(ds, "Src", {1, 2, 3, 4, 5, 6}, {3}, {2});
+  auto* source = bridgetest::makeArray<float>(ds, "Src", { 1, 2, 3, 4, 5, 6 }, { 3 }, { 2 });
   vtkSmartPointer<vtkDataArray> holder = WrapDataArray(ds, source->getId());
   auto* wrapped = CV::Array<float>::SafeDownCast(holder);
-  vtkSmartPointer<CV::Array<float>> target = vtkSmartPointer<CV::Array<float>>::Take(wrapped->NewInstance());
+  vtkSmartPointer<CV::Array<float>> target =
+    vtkSmartPointer<CV::Array<float>>::Take(wrapped->NewInstance());
   target->SetNumberOfComponents(3);
   target->SetNumberOfTuples(2);
   bridgetest::ErrorCollector errors(wrapped);
   wrapped->GetTuples(0, 1, target);
   ASSERT_EQ(errors.messages().size(), 1u);
-  EXPECT_NE(errors.messages()[0].find("Number of components for input and output do not match.\nSource: 2"), std::string::npos);
+  EXPECT_NE(
+    errors.messages()[0].find("Number of components for input and output do not match.\nSource: 2"),
+    std::string::npos);
   EXPECT_EQ(target->GetTypedComponent(0, 0), 0.0f);
 }
 
 TEST(WrappedArray, AllocateWithCurrentTupleCountZeroesSharedStore)
 {
   DataStructure ds;
-  auto* host = bridgetest::makeArray<uint16>(ds, "A", {4, 5, 6}, {3});
+  auto* host = bridgetest::makeArray<uint16>(ds, "A", { 4, 5, 6 }, { 3 });
   vtkSmartPointer<vtkDataArray> holder = WrapDataArray(ds, host->getId());
   auto* wrapped = CV::Array<uint16>::SafeDownCast(holder);
   ASSERT_TRUE(wrapped->AllocateTuples(3));
@@ -300,8 +315,8 @@ TEST(WrappedArray, RangeIsComputedOnceAtAttach)
     mutable usize m_Reads = 0;
   };
   DataStructure ds;
-  auto store = std::make_shared<CountingStore>(ShapeType{1000}, ShapeType{1}, 0.0);
-  for(usize i = 0; i < 1000; i++)
+  auto store = std::make_shared<CountingStore>(ShapeType{ 1000 }, ShapeType{ 1 }, 0.0);
+  for (usize i = 0; i < 1000; i++)
     store->setValue(i, static_cast<double>(i) - 500.0);
   store->setValue(10, std::numeric_limits<double>::quiet_NaN());
   auto* host = Float64Array::Create(ds, "D", store);

@@ -36,17 +36,18 @@ namespace
 Float32Array* makeVertices(DataStructure& ds, IdType parent, usize count)
 {
   std::vector<float> xyz(count * 3);
-  for(usize i = 0; i < xyz.size(); i++)
+  for (usize i = 0; i < xyz.size(); i++)
     xyz[i] = static_cast<float>(i);
-  return bridgetest::makeArray<float>(ds, "Vertices", xyz, {count}, {3}, parent);
+  return bridgetest::makeArray<float>(ds, "Vertices", xyz, { count }, { 3 }, parent);
 }
 
-UInt64Array* makeConnectivity(DataStructure& ds, IdType parent, const std::string& name, usize cells, usize perCell, usize vertices)
+UInt64Array* makeConnectivity(DataStructure& ds, IdType parent, const std::string& name,
+                              usize cells, usize perCell, usize vertices)
 {
   std::vector<uint64> ids(cells * perCell);
-  for(usize i = 0; i < ids.size(); i++)
+  for (usize i = 0; i < ids.size(); i++)
     ids[i] = i % vertices;
-  return bridgetest::makeArray<uint64>(ds, name, ids, {cells}, {perCell}, parent);
+  return bridgetest::makeArray<uint64>(ds, name, ids, { cells }, { perCell }, parent);
 }
 
 std::shared_ptr<IGeometry> shared(DataStructure& ds, const IGeometry* geometry)
@@ -74,18 +75,20 @@ TEST(GeometryConversion, ImageGeomBecomesImageDataWithCellArrays)
 {
   DataStructure ds;
   auto* image = ImageGeom::Create(ds, "Volume");
-  image->setDimensions({10, 20, 30});
-  image->setOrigin({1.5f, -2.0f, 0.25f});
-  image->setSpacing({0.5f, 0.5f, 2.0f});
-  auto* cells = AttributeMatrix::Create(ds, "Cell Data", {30, 20, 10}, image->getId());
+  image->setDimensions({ 10, 20, 30 });
+  image->setOrigin({ 1.5f, -2.0f, 0.25f });
+  image->setSpacing({ 0.5f, 0.5f, 2.0f });
+  auto* cells = AttributeMatrix::Create(ds, "Cell Data", { 30, 20, 10 }, image->getId());
   image->setCellData(cells->getId());
   std::vector<int32> ids(6000);
   std::iota(ids.begin(), ids.end(), 0);
-  bridgetest::makeArray<int32>(ds, "FeatureIds", ids, {30, 20, 10}, {1}, cells->getId());
-  bridgetest::makeArray<float>(ds, "Euler", std::vector<float>(18000, 1.0f), {30, 20, 10}, {3}, cells->getId());
+  bridgetest::makeArray<int32>(ds, "FeatureIds", ids, { 30, 20, 10 }, { 1 }, cells->getId());
+  bridgetest::makeArray<float>(ds, "Euler", std::vector<float>(18000, 1.0f), { 30, 20, 10 }, { 3 },
+                               cells->getId());
   // a matrix whose arrays are one short of the geometry's cells
-  auto* shortMatrix = AttributeMatrix::Create(ds, "Short", {5999}, image->getId());
-  bridgetest::makeArray<float>(ds, "TooShort", std::vector<float>(5999, 0.0f), {5999}, {1}, shortMatrix->getId());
+  auto* shortMatrix = AttributeMatrix::Create(ds, "Short", { 5999 }, image->getId());
+  bridgetest::makeArray<float>(ds, "TooShort", std::vector<float>(5999, 0.0f), { 5999 }, { 1 },
+                               shortMatrix->getId());
 
   auto dataSet = VB::CreateFromGeom(ds.getSharedDataAs<ImageGeom>(image->getId()));
   auto* imageData = vtkImageData::SafeDownCast(dataSet);
@@ -113,17 +116,19 @@ TEST(GeometryConversion, ImageGeomBecomesImageDataWithCellArrays)
   auto mismatched = VB::CreateFromGeom(ds.getSharedDataAs<ImageGeom>(image->getId()));
   const std::string output = ::testing::internal::GetCapturedStdout();
   EXPECT_EQ(mismatched->GetCellData()->GetNumberOfArrays(), 0);
-  EXPECT_EQ(output, "Cell Array 'TooShort' has Tuple Count of 5999 but the Geometry cell count is 6000\n");
+  EXPECT_EQ(output,
+            "Cell Array 'TooShort' has Tuple Count of 5999 but the Geometry cell count is 6000\n");
 }
 
 TEST(GeometryConversion, VectorArrayGetsActiveVectorsNotScalars)
 {
   DataStructure ds;
   auto* image = ImageGeom::Create(ds, "Img");
-  image->setDimensions({10, 20, 30});
-  auto* cells = AttributeMatrix::Create(ds, "Cells", {6000}, image->getId());
+  image->setDimensions({ 10, 20, 30 });
+  auto* cells = AttributeMatrix::Create(ds, "Cells", { 6000 }, image->getId());
   image->setCellData(cells->getId());
-  bridgetest::makeArray<double>(ds, "Velocity", std::vector<double>(18000, 2.0), {6000}, {3}, cells->getId());
+  bridgetest::makeArray<double>(ds, "Velocity", std::vector<double>(18000, 2.0), { 6000 }, { 3 },
+                                cells->getId());
   auto dataSet = VB::CreateFromGeom(ds.getSharedDataAs<ImageGeom>(image->getId()));
   ASSERT_NE(dataSet->GetCellData()->GetVectors(), nullptr);
   EXPECT_STREQ(dataSet->GetCellData()->GetVectors()->GetName(), "Velocity");
@@ -134,18 +139,23 @@ TEST(GeometryConversion, RectGridSharesBounds)
 {
   DataStructure ds;
   auto* rect = RectGridGeom::Create(ds, "Grid");
-  rect->setDimensions({2, 1, 3});
-  auto* x = bridgetest::makeArray<float>(ds, "X", {0.0f, 1.0f, 3.0f}, {3}, {1}, rect->getId());
-  auto* y = bridgetest::makeArray<float>(ds, "Y", {0.0f, 2.0f}, {2}, {1}, rect->getId());
-  auto* z = bridgetest::makeArray<float>(ds, "Z", {0.0f, 1.0f, 2.0f, 4.0f}, {4}, {1}, rect->getId());
+  rect->setDimensions({ 2, 1, 3 });
+  auto* x =
+    bridgetest::makeArray<float>(ds, "X", { 0.0f, 1.0f, 3.0f }, { 3 }, { 1 }, rect->getId());
+  auto* y = bridgetest::makeArray<float>(ds, "Y", { 0.0f, 2.0f }, { 2 }, { 1 }, rect->getId());
+  auto* z =
+    bridgetest::makeArray<float>(ds, "Z", { 0.0f, 1.0f, 2.0f, 4.0f }, { 4 }, { 1 }, rect->getId());
   rect->setBounds(x->getId(), y->getId(), z->getId());
-  vtkSmartPointer<vtkDataSet> dataSet = VB::CreateFromGeom(ds.getSharedDataAs<RectGridGeom>(rect->getId()));
+  vtkSmartPointer<vtkDataSet> dataSet =
+    VB::CreateFromGeom(ds.getSharedDataAs<RectGridGeom>(rect->getId()));
   auto* grid = vtkRectilinearGrid::SafeDownCast(dataSet);
   ASSERT_NE(grid, nullptr);
   EXPECT_EQ(grid->GetNumberOfCells(), 6);
   EXPECT_EQ(grid->GetXCoordinates()->GetObjectName(), "X Bounds CV Array");
   EXPECT_EQ(grid->GetZCoordinates()->GetObjectName(), "Z Bounds CV Array");
-  EXPECT_EQ(grid->GetXCoordinates()->GetVoidPointer(0), static_cast<void*>(std::dynamic_pointer_cast<DataStore<float>>(x->getDataStore())->data()));
+  EXPECT_EQ(
+    grid->GetXCoordinates()->GetVoidPointer(0),
+    static_cast<void*>(std::dynamic_pointer_cast<DataStore<float>>(x->getDataStore())->data()));
   double bounds[6];
   grid->GetBounds(bounds);
   EXPECT_EQ(bounds[1], 3.0);
@@ -162,53 +172,60 @@ TEST(GeometryConversion, NodeGeometriesBecomePolyDataOrUnstructuredGrids)
     usize perCell;
     bool polyData;
   };
-  const std::vector<Case> cases = {{"Vertex", VTK_VERTEX, 1, true},     {"Edge", VTK_LINE, 2, true},
-                                   {"Triangle", VTK_TRIANGLE, 3, true}, {"Quad", VTK_QUAD, 4, true},
-                                   {"Tet", VTK_TETRA, 4, false},        {"Hex", VTK_HEXAHEDRON, 8, false}};
-  for(const Case& c : cases)
+  const std::vector<Case> cases = {
+    { "Vertex", VTK_VERTEX, 1, true },     { "Edge", VTK_LINE, 2, true },
+    { "Triangle", VTK_TRIANGLE, 3, true }, { "Quad", VTK_QUAD, 4, true },
+    { "Tet", VTK_TETRA, 4, false },        { "Hex", VTK_HEXAHEDRON, 8, false }
+  };
+  for (const Case& c : cases)
   {
     SCOPED_TRACE(c.name);
     DataStructure ds;
     const usize vertices = 12;
     const usize cellCount = 5;
     INodeGeometry0D* geom = nullptr;
-    if(c.name == "Vertex")
+    if (c.name == "Vertex")
       geom = VertexGeom::Create(ds, c.name);
-    else if(c.name == "Edge")
+    else if (c.name == "Edge")
       geom = EdgeGeom::Create(ds, c.name);
-    else if(c.name == "Triangle")
+    else if (c.name == "Triangle")
       geom = TriangleGeom::Create(ds, c.name);
-    else if(c.name == "Quad")
+    else if (c.name == "Quad")
       geom = QuadGeom::Create(ds, c.name);
-    else if(c.name == "Tet")
+    else if (c.name == "Tet")
       geom = TetrahedralGeom::Create(ds, c.name);
     else
       geom = HexahedralGeom::Create(ds, c.name);
     geom->setVertexListId(makeVertices(ds, geom->getId(), vertices)->getId());
     auto* list = makeConnectivity(ds, geom->getId(), "Cells", cellCount, c.perCell, vertices);
-    if(auto* g1 = dynamic_cast<INodeGeometry1D*>(geom); g1 != nullptr && c.perCell == 2)
+    if (auto* g1 = dynamic_cast<INodeGeometry1D*>(geom); g1 != nullptr && c.perCell == 2)
       g1->setEdgeListId(list->getId());
-    if(auto* g2 = dynamic_cast<INodeGeometry2D*>(geom); g2 != nullptr && (c.name == "Triangle" || c.name == "Quad"))
+    if (auto* g2 = dynamic_cast<INodeGeometry2D*>(geom);
+        g2 != nullptr && (c.name == "Triangle" || c.name == "Quad"))
       g2->setFaceListId(list->getId());
-    if(auto* g3 = dynamic_cast<INodeGeometry3D*>(geom))
+    if (auto* g3 = dynamic_cast<INodeGeometry3D*>(geom))
       g3->setPolyhedraListId(list->getId());
 
     auto wrapped = VB::WrapGeometry(shared(ds, geom));
     ASSERT_NE(wrapped->DataSet, nullptr);
-    EXPECT_EQ(wrapped->Path, DataPath({c.name}));
+    EXPECT_EQ(wrapped->Path, DataPath({ c.name }));
     EXPECT_EQ(wrapped->DataSet->GetObjectName(), c.name);
     EXPECT_EQ(wrapped->DataSet->GetNumberOfPoints(), static_cast<vtkIdType>(vertices));
     // the vertices are shared, not copied
     auto* points = vtkPointSet::SafeDownCast(wrapped->DataSet)->GetPoints();
-    EXPECT_EQ(points->GetData()->GetVoidPointer(0),
-              static_cast<void*>(std::dynamic_pointer_cast<DataStore<float>>(geom->getVertices()->getDataStore())->data()));
-    const vtkIdType expectedCells = c.name == "Vertex" ? static_cast<vtkIdType>(vertices) : static_cast<vtkIdType>(cellCount);
-    if(c.polyData)
+    EXPECT_EQ(
+      points->GetData()->GetVoidPointer(0),
+      static_cast<void*>(
+        std::dynamic_pointer_cast<DataStore<float>>(geom->getVertices()->getDataStore())->data()));
+    const vtkIdType expectedCells =
+      c.name == "Vertex" ? static_cast<vtkIdType>(vertices) : static_cast<vtkIdType>(cellCount);
+    if (c.polyData)
     {
       auto* poly = vtkPolyData::SafeDownCast(wrapped->DataSet);
       ASSERT_NE(poly, nullptr);
       EXPECT_EQ(poly->GetNumberOfCells(), expectedCells);
-      EXPECT_EQ(poly->GetNumberOfVerts(), c.name == "Vertex" ? static_cast<vtkIdType>(vertices) : 0);
+      EXPECT_EQ(poly->GetNumberOfVerts(),
+                c.name == "Vertex" ? static_cast<vtkIdType>(vertices) : 0);
     }
     else
     {
@@ -229,12 +246,13 @@ TEST(GeometryConversion, QuadVertexArraysBecomePointData)
   auto* quad = QuadGeom::Create(ds, "Quads");
   quad->setVertexListId(makeVertices(ds, quad->getId(), 4)->getId());
   quad->setFaceListId(makeConnectivity(ds, quad->getId(), "Faces", 1, 4, 4)->getId());
-  auto* vertexData = AttributeMatrix::Create(ds, "Vertex Data", {4}, quad->getId());
+  auto* vertexData = AttributeMatrix::Create(ds, "Vertex Data", { 4 }, quad->getId());
   quad->setVertexAttributeMatrixId(vertexData->getId());
-  bridgetest::makeArray<float>(ds, "Temperature", {1.0f, 2.0f, 3.0f, 4.0f}, {4}, {1}, vertexData->getId());
-  auto* faceData = AttributeMatrix::Create(ds, "Face Data", {1}, quad->getId());
+  bridgetest::makeArray<float>(ds, "Temperature", { 1.0f, 2.0f, 3.0f, 4.0f }, { 4 }, { 1 },
+                               vertexData->getId());
+  auto* faceData = AttributeMatrix::Create(ds, "Face Data", { 1 }, quad->getId());
   quad->setFaceAttributeMatrixId(faceData->getId());
-  bridgetest::makeArray<int32>(ds, "Label", {7}, {1}, {1}, faceData->getId());
+  bridgetest::makeArray<int32>(ds, "Label", { 7 }, { 1 }, { 1 }, faceData->getId());
 
   const auto [cellIds, pointIds] = VB::GetCellAndPointDataIds(shared(ds, quad));
   EXPECT_EQ(cellIds.size(), 1u);
@@ -252,7 +270,8 @@ TEST(GeometryConversion, UnsupportedFaceSizeLeavesCellsEmpty)
   auto* pentagons = PentagonGeom::Create(ds, "Pentagons");
   pentagons->setVertexListId(makeVertices(ds, pentagons->getId(), 5)->getId());
   pentagons->setFaceListId(makeConnectivity(ds, pentagons->getId(), "Faces", 2, 5, 5)->getId());
-  vtkSmartPointer<vtkDataSet> dataSet = VB::CreateFromGeom(ds.getSharedDataAs<TriangleGeom>(pentagons->getId()));
+  vtkSmartPointer<vtkDataSet> dataSet =
+    VB::CreateFromGeom(ds.getSharedDataAs<TriangleGeom>(pentagons->getId()));
   auto* poly = vtkPolyData::SafeDownCast(dataSet);
   ASSERT_NE(poly, nullptr);
   EXPECT_EQ(poly->GetNumberOfPoints(), 5);
@@ -264,8 +283,10 @@ TEST(GeometryConversion, OutOfCoreVerticesGiveNoPointsButKeepName)
   DataStructure ds;
   kxtest::TempDir tmp;
   auto* vertexGeom = VertexGeom::Create(ds, "Cloud");
-  auto store = std::make_shared<FileDataStore<float>>(tmp / "xyz.raw", ShapeType{3}, ShapeType{3}, true);
-  vertexGeom->setVertexListId(Float32Array::Create(ds, "Vertices", store, vertexGeom->getId())->getId());
+  auto store =
+    std::make_shared<FileDataStore<float>>(tmp / "xyz.raw", ShapeType{ 3 }, ShapeType{ 3 }, true);
+  vertexGeom->setVertexListId(
+    Float32Array::Create(ds, "Vertices", store, vertexGeom->getId())->getId());
   auto dataSet = VB::CreateFromGeom(ds.getSharedDataAs<VertexGeom>(vertexGeom->getId()));
   ASSERT_NE(dataSet, nullptr);
   EXPECT_EQ(dataSet->GetObjectName(), "Cloud");
@@ -285,13 +306,14 @@ TEST(GeometryConversion, WrapGeometryRefusesSeveralOrNoParents)
   auto* groupA = DataGroup::Create(ds, "A");
   auto* groupB = DataGroup::Create(ds, "B");
   auto* image = ImageGeom::Create(ds, "Img", groupA->getId());
-  image->setDimensions({2, 2, 2});
+  image->setDimensions({ 2, 2, 2 });
   ASSERT_TRUE(ds.setAdditionalParent(image->getId(), groupB->getId()));
 
   auto imageShared = shared(ds, image);
   ::testing::internal::CaptureStdout();
   auto wrapped = VB::WrapGeometry(imageShared);
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Kxcore Geometry has multiple parents. This is not a supported configuration.\n");
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+            "Kxcore Geometry has multiple parents. This is not a supported configuration.\n");
   EXPECT_EQ(wrapped->DataSet, nullptr);
   EXPECT_TRUE(wrapped->Path.empty());
 
@@ -299,7 +321,8 @@ TEST(GeometryConversion, WrapGeometryRefusesSeveralOrNoParents)
   ds.removeData(groupB->getId());
   ::testing::internal::CaptureStdout();
   auto orphan = VB::WrapGeometry(imageShared);
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Kxcore Geometry does not have a parent path? This cannot be good.\n");
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+            "Kxcore Geometry does not have a parent path? This cannot be good.\n");
   EXPECT_EQ(orphan->DataSet, nullptr);
 }
 
@@ -316,10 +339,10 @@ TEST(GeometryConversion, FindGeometrySearchesGroupsButNotGeometries)
 
   const auto found = VB::FindGeometry(ds);
   std::vector<std::string> names;
-  for(const auto& geometry : found)
+  for (const auto& geometry : found)
     names.push_back(geometry->getName());
   // depth first, ascending identifier at each level
-  EXPECT_EQ(names, (std::vector<std::string>{"Top", "Deep", "Later", "Cloud"}));
+  EXPECT_EQ(names, (std::vector<std::string>{ "Top", "Deep", "Later", "Cloud" }));
   (void)top;
   (void)deep;
   (void)later;

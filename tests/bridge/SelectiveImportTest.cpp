@@ -29,16 +29,16 @@ std::filesystem::path writeMixedFile(const kxtest::TempDir& tmp)
   DataStructure ds;
   auto* folder = DataGroup::Create(ds, "Results");
   auto* image = ImageGeom::Create(ds, "Grains", folder->getId());
-  image->setDimensions({4, 3, 2});
-  auto* cells = AttributeMatrix::Create(ds, "Cell Data", {2, 3, 4}, image->getId());
+  image->setDimensions({ 4, 3, 2 });
+  auto* cells = AttributeMatrix::Create(ds, "Cell Data", { 2, 3, 4 }, image->getId());
   image->setCellData(cells->getId());
   std::vector<int32> ids(24);
-  for(int i = 0; i < 24; i++)
+  for (int i = 0; i < 24; i++)
     ids[i] = i % 5;
-  bridgetest::makeArray<int32>(ds, "FeatureIds", ids, {2, 3, 4}, {1}, cells->getId());
-  bridgetest::makeArray<float>(ds, "Big Table", std::vector<float>(1 << 20, 3.0f), {1 << 20});
+  bridgetest::makeArray<int32>(ds, "FeatureIds", ids, { 2, 3, 4 }, { 1 }, cells->getId());
+  bridgetest::makeArray<float>(ds, "Big Table", std::vector<float>(1 << 20, 3.0f), { 1 << 20 });
   auto* stats = DataGroup::Create(ds, "Statistics");
-  bridgetest::makeArray<double>(ds, "Sizes", {1.0, 2.0, 3.0}, {3}, {1}, stats->getId());
+  bridgetest::makeArray<double>(ds, "Sizes", { 1.0, 2.0, 3.0 }, { 3 }, { 1 }, stats->getId());
   const auto path = tmp / "mixed.voxelia";
   auto written = VOXELIA::WriteFile(path, ds);
   EXPECT_TRUE(written.isValid());
@@ -58,16 +58,17 @@ TEST(SelectiveImport, ReadsGeometriesAndTheirAncestorsOnly)
   // only the geometry's one array was read from disk
   EXPECT_EQ(HDF5::GetDatasetReadCount(), 1u);
 
-  EXPECT_NE(structure->getData(DataPath({"Results"})), nullptr);
-  EXPECT_NE(structure->getData(DataPath({"Results", "Grains", "Cell Data", "FeatureIds"})), nullptr);
-  EXPECT_EQ(structure->getData(DataPath({"Big Table"})), nullptr);
-  EXPECT_EQ(structure->getData(DataPath({"Statistics"})), nullptr);
+  EXPECT_NE(structure->getData(DataPath({ "Results" })), nullptr);
+  EXPECT_NE(structure->getData(DataPath({ "Results", "Grains", "Cell Data", "FeatureIds" })),
+            nullptr);
+  EXPECT_EQ(structure->getData(DataPath({ "Big Table" })), nullptr);
+  EXPECT_EQ(structure->getData(DataPath({ "Statistics" })), nullptr);
 
   auto geometry = VB::FindGeometry(structure, "Grains");
   ASSERT_NE(geometry, nullptr);
   auto wrapped = VB::WrapGeometry(geometry);
   ASSERT_NE(wrapped->DataSet, nullptr);
-  EXPECT_EQ(wrapped->Path, DataPath({"Results", "Grains"}));
+  EXPECT_EQ(wrapped->Path, DataPath({ "Results", "Grains" }));
   vtkDataArray* featureIds = wrapped->DataSet->GetCellData()->GetArray("FeatureIds");
   ASSERT_NE(featureIds, nullptr);
   EXPECT_EQ(featureIds->GetComponent(23, 0), 3.0);
@@ -82,8 +83,8 @@ TEST(SelectiveImport, ReportsUnreadableFilesAndFilesWithoutGeometries)
   const auto notHdf5 = tmp / "notes.voxelia";
   std::ofstream(notHdf5) << "just some text, not a data file";
   const auto empty = tmp / "empty.voxelia";
-  std::ofstream{empty};
-  for(const auto& path : {notHdf5, empty, tmp / "missing.voxelia"})
+  std::ofstream{ empty };
+  for (const auto& path : { notHdf5, empty, tmp / "missing.voxelia" })
   {
     QString error;
     const QString qpath = QString::fromStdString(path.string());
@@ -94,25 +95,30 @@ TEST(SelectiveImport, ReportsUnreadableFilesAndFilesWithoutGeometries)
   // a good file cut short anywhere
   const auto good = writeMixedFile(tmp);
   const auto size = std::filesystem::file_size(good);
-  for(double fraction : {0.1, 0.5, 0.9, 0.999})
+  for (double fraction : { 0.1, 0.5, 0.9, 0.999 })
   {
-    const auto cut = tmp / ("cut_" + std::to_string(static_cast<int>(fraction * 1000)) + ".voxelia");
+    const auto cut =
+      tmp / ("cut_" + std::to_string(static_cast<int>(fraction * 1000)) + ".voxelia");
     std::filesystem::copy_file(good, cut);
-    std::filesystem::resize_file(cut, static_cast<std::uintmax_t>(static_cast<double>(size) * fraction));
+    std::filesystem::resize_file(cut,
+                                 static_cast<std::uintmax_t>(static_cast<double>(size) * fraction));
     QString error;
     const QString qpath = QString::fromStdString(cut.string());
     EXPECT_EQ(VB::selectivelyImportGeometryData(qpath, &error), nullptr) << fraction;
-    EXPECT_EQ(error, QString("The file '%1' could not be read as a VOXELIA file.").arg(qpath)) << fraction;
+    EXPECT_EQ(error, QString("The file '%1' could not be read as a VOXELIA file.").arg(qpath))
+      << fraction;
   }
 
   DataStructure noGeometry;
-  bridgetest::makeArray<int32>(noGeometry, "Numbers", {1, 2, 3}, {3});
+  bridgetest::makeArray<int32>(noGeometry, "Numbers", { 1, 2, 3 }, { 3 });
   const auto tablePath = tmp / "table.voxelia";
   ASSERT_TRUE(VOXELIA::WriteFile(tablePath, noGeometry).isValid());
   QString error;
   const QString qpath = QString::fromStdString(tablePath.string());
   EXPECT_EQ(VB::selectivelyImportGeometryData(qpath, &error), nullptr);
-  EXPECT_EQ(error, QString("The file '%1' was read successfully but contains no geometries to visualize.").arg(qpath));
+  EXPECT_EQ(error,
+            QString("The file '%1' was read successfully but contains no geometries to visualize.")
+              .arg(qpath));
   // the message is optional
   EXPECT_EQ(VB::selectivelyImportGeometryData(qpath, nullptr), nullptr);
 }

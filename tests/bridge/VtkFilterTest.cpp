@@ -29,25 +29,26 @@ namespace
 vtkSmartPointer<vtkDataSet> makeWrappedImage(DataStructure& ds)
 {
   auto* image = ImageGeom::Create(ds, "Image");
-  image->setDimensions({8, 6, 4});
-  auto* cells = AttributeMatrix::Create(ds, "Cell Data", {4, 6, 8}, image->getId());
+  image->setDimensions({ 8, 6, 4 });
+  auto* cells = AttributeMatrix::Create(ds, "Cell Data", { 4, 6, 8 }, image->getId());
   image->setCellData(cells->getId());
   std::vector<int32> index(192);
   std::vector<float> distance(192);
-  for(int z = 0; z < 4; z++)
+  for (int z = 0; z < 4; z++)
   {
-    for(int y = 0; y < 6; y++)
+    for (int y = 0; y < 6; y++)
     {
-      for(int x = 0; x < 8; x++)
+      for (int x = 0; x < 8; x++)
       {
         const int i = (z * 6 + y) * 8 + x;
         index[i] = i;
-        distance[i] = std::sqrt((x - 3.5f) * (x - 3.5f) + (y - 2.5f) * (y - 2.5f) + (z - 1.5f) * (z - 1.5f));
+        distance[i] =
+          std::sqrt((x - 3.5f) * (x - 3.5f) + (y - 2.5f) * (y - 2.5f) + (z - 1.5f) * (z - 1.5f));
       }
     }
   }
-  bridgetest::makeArray<int32>(ds, "Index", index, {4, 6, 8}, {1}, cells->getId());
-  bridgetest::makeArray<float>(ds, "Distance", distance, {4, 6, 8}, {1}, cells->getId());
+  bridgetest::makeArray<int32>(ds, "Index", index, { 4, 6, 8 }, { 1 }, cells->getId());
+  bridgetest::makeArray<float>(ds, "Distance", distance, { 4, 6, 8 }, { 1 }, cells->getId());
   return CV::VtkBridge::CreateFromGeom(ds.getSharedDataAs<ImageGeom>(image->getId()));
 }
 } // namespace
@@ -67,7 +68,7 @@ TEST(VtkFilters, ThresholdSelectsHostCells)
   ASSERT_EQ(output->GetNumberOfCells(), 10);
   vtkDataArray* kept = output->GetCellData()->GetArray("Index");
   ASSERT_NE(kept, nullptr);
-  for(vtkIdType i = 0; i < 10; i++)
+  for (vtkIdType i = 0; i < 10; i++)
     EXPECT_EQ(kept->GetComponent(i, 0), 40.0 + static_cast<double>(i));
   // the filter built its output array from the wrapped array's type
   EXPECT_STREQ(kept->GetClassName(), "CV::Array<T>");
@@ -110,13 +111,13 @@ TEST(VtkFilters, XmlWriterRoundTripsWrappedImage)
   reader->Update();
   vtkImageData* read = reader->GetOutput();
   ASSERT_EQ(read->GetNumberOfCells(), 192);
-  for(const char* name : {"Index", "Distance"})
+  for (const char* name : { "Index", "Distance" })
   {
     vtkDataArray* original = image->GetCellData()->GetArray(name);
     vtkDataArray* back = read->GetCellData()->GetArray(name);
     ASSERT_NE(back, nullptr) << name;
     EXPECT_EQ(back->GetDataType(), original->GetDataType()) << name;
-    for(vtkIdType i = 0; i < 192; i++)
+    for (vtkIdType i = 0; i < 192; i++)
       ASSERT_EQ(back->GetComponent(i, 0), original->GetComponent(i, 0)) << name << " at " << i;
   }
 }

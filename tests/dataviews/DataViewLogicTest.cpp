@@ -42,7 +42,8 @@ using namespace dataviewtest;
 
 namespace
 {
-/** A sphere with a scalar "Height" (z), "Index" (point id), a 3-component "Vec", an RGBA array and a cell array "Id". */
+/** A sphere with a scalar "Height" (z), "Index" (point id), a 3-component "Vec", an RGBA array and
+ * a cell array "Id". */
 vtkSmartPointer<vtkPolyData> makeSphere(int distinctIds = 4)
 {
   vtkNew<vtkSphereSource> sphere;
@@ -67,7 +68,7 @@ vtkSmartPointer<vtkPolyData> makeSphere(int distinctIds = 4)
   vtkNew<vtkUnsignedCharArray> rgb;
   rgb->SetName("RGB");
   rgb->SetNumberOfComponents(3);
-  for(vtkIdType i = 0; i < points; i++)
+  for (vtkIdType i = 0; i < points; i++)
   {
     double p[3];
     data->GetPoint(i, p);
@@ -84,7 +85,7 @@ vtkSmartPointer<vtkPolyData> makeSphere(int distinctIds = 4)
   data->GetPointData()->AddArray(rgb);
   vtkNew<vtkDoubleArray> ids;
   ids->SetName("Id");
-  for(vtkIdType c = 0; c < data->GetNumberOfCells(); c++)
+  for (vtkIdType c = 0; c < data->GetNumberOfCells(); c++)
     ids->InsertNextValue(double(c % distinctIds));
   data->GetCellData()->AddArray(ids);
   return data;
@@ -96,10 +97,12 @@ class YesPrompt
 public:
   YesPrompt()
   {
-    VXUserPrompt::setAskHandler([this](const VXUserPrompt::Question& question) {
-      asked.push_back(question);
-      return QMessageBox::Yes;
-    });
+    VXUserPrompt::setAskHandler(
+      [this](const VXUserPrompt::Question& question)
+      {
+        asked.push_back(question);
+        return QMessageBox::Yes;
+      });
   }
   ~YesPrompt() { VXUserPrompt::setAskHandler({}); }
   std::vector<VXUserPrompt::Question> asked;
@@ -117,12 +120,12 @@ TEST(DataViewFrame, BuiltInClassesAreRegisteredWithTheirNames)
     QString typeName;
   };
   const Expected expected[] = {
-    {VXRepresentation::Outline, "Outline Representation", "Outline View", "VXOutlineRep"},
-    {VXRepresentation::Points, "Point Representation", "Points View", "VXPointsRep"},
-    {VXRepresentation::Wireframe, "Wireframe Representation", "Wireframe View", "VXWireframeRep"},
-    {VXRepresentation::Surface, "Surface Representation", "Surface View", "VXSurfaceRep"},
+    { VXRepresentation::Outline, "Outline Representation", "Outline View", "VXOutlineRep" },
+    { VXRepresentation::Points, "Point Representation", "Points View", "VXPointsRep" },
+    { VXRepresentation::Wireframe, "Wireframe Representation", "Wireframe View", "VXWireframeRep" },
+    { VXRepresentation::Surface, "Surface Representation", "Surface View", "VXSurfaceRep" },
   };
-  for(const Expected& e : expected)
+  for (const Expected& e : expected)
   {
     std::unique_ptr<VXRepresentation> rep(VXRepresentation::Create(e.type, &pipeline));
     ASSERT_NE(rep, nullptr) << e.typeName.toStdString();
@@ -133,7 +136,8 @@ TEST(DataViewFrame, BuiltInClassesAreRegisteredWithTheirNames)
     EXPECT_EQ(rep->typeName(), e.typeName);
     EXPECT_FALSE(rep->getIcon().isNull());
   }
-  EXPECT_TRUE(dynamic_cast<VXPointsRep*>(VXRepresentation::Create(VXRepresentation::Surface, &pipeline)) != nullptr);
+  EXPECT_TRUE(dynamic_cast<VXPointsRep*>(
+                VXRepresentation::Create(VXRepresentation::Surface, &pipeline)) != nullptr);
 }
 
 TEST(DataViewFrame, InstancesPerViewPortOnlyForTheFirstAndSplitsCopyThenStayApart)
@@ -327,7 +331,7 @@ TEST(DataViewColoring, CategoriesCacheUniqueValuesAndWarnAboutTooMany)
   surface->setInterpretValuesAsCategories(true);
   EXPECT_TRUE(questions.asked.empty());
   ASSERT_EQ(surface->uniqueValues().count("Id"), 1u);
-  EXPECT_EQ(surface->uniqueValues().at("Id").at(-1), (std::set<double>{0, 1, 2, 3, 4}));
+  EXPECT_EQ(surface->uniqueValues().at("Id").at(-1), (std::set<double>{ 0, 1, 2, 3, 4 }));
   vtkColorTransferFunction* ctf = surface->lookupTable()->getColorTransferFunction();
   EXPECT_TRUE(ctf->GetIndexedLookup());
   EXPECT_EQ(ctf->GetNumberOfAvailableColors(), 5);
@@ -335,9 +339,11 @@ TEST(DataViewColoring, CategoriesCacheUniqueValuesAndWarnAboutTooMany)
   // "Index" has far more than 32 values: the set is emptied and the warning names 32
   surface->setActiveArray("Index");
   ASSERT_FALSE(questions.asked.empty());
-  EXPECT_EQ(questions.asked.back().title, "Too many discrete values to determine color map annotations");
-  EXPECT_EQ(questions.asked.back().text, "More than 32 unique values were found in the active array (Index). "
-                                         "Categorical coloring may not be the best color map to use for this data set");
+  EXPECT_EQ(questions.asked.back().title,
+            "Too many discrete values to determine color map annotations");
+  EXPECT_EQ(questions.asked.back().text,
+            "More than 32 unique values were found in the active array (Index). "
+            "Categorical coloring may not be the best color map to use for this data set");
   EXPECT_TRUE(surface->uniqueValues().at("Index").at(-1).empty());
 
   // a reload clears the cache, so categories are computed again on next use
@@ -347,14 +353,15 @@ TEST(DataViewColoring, CategoriesCacheUniqueValuesAndWarnAboutTooMany)
   // more values than preset colours: the second warning
   kx::core::ColorTableUtilities::ColorPreset twoColours;
   twoColours.name = "Two";
-  twoColours.indexedColors = {1, 0, 0, 0, 0, 1};
+  twoColours.indexedColors = { 1, 0, 0, 0, 0, 1 };
   questions.asked.clear();
   surface->setActiveArray("Id");
   surface->loadIndexedPresetColors(twoColours);
   ASSERT_FALSE(questions.asked.empty());
   EXPECT_EQ(questions.asked.back().title, "One or more colors mapping to multiple array values");
-  EXPECT_TRUE(questions.asked.back().text.startsWith("The number of unique array values (5) is greater than the "
-                                                     "number of colors in the selected preset (2)."));
+  EXPECT_TRUE(questions.asked.back().text.startsWith(
+    "The number of unique array values (5) is greater than the "
+    "number of colors in the selected preset (2)."));
   EXPECT_FALSE(surface->usingDefaultIndexedPreset());
 
   // back to continuous colours: the data range again
@@ -396,14 +403,16 @@ TEST(DataViewGrid, SpacingGivesAccumulatedLabelsAndZeroLeavesVtkLabels)
   ASSERT_NE(surface->gridAxes(), nullptr);
   EXPECT_TRUE(scene.renderer()->HasViewProp(surface->gridAxes()));
 
-  surface->setGridAxesOptions({0.5, 0.0, 1.5}, true, QColor(255, 0, 0), 3.0, false, {"X axis", "", "Z"});
+  surface->setGridAxesOptions({ 0.5, 0.0, 1.5 }, true, QColor(255, 0, 0), 3.0, false,
+                              { "X axis", "", "Z" });
   const double* bounds = surface->gridAxes()->GetGridBounds();
   const std::vector<double> x = surface->gridCustomLabels(0);
   ASSERT_EQ(x.size(), static_cast<size_t>(std::floor((bounds[1] - bounds[0]) / 0.5)) + 1);
   EXPECT_DOUBLE_EQ(x.front(), bounds[0]);
   EXPECT_NEAR(x[1] - x[0], 0.5, 1e-12);
   EXPECT_TRUE(surface->gridCustomLabels(1).empty());
-  EXPECT_EQ(surface->gridCustomLabels(2).size(), static_cast<size_t>(std::floor((bounds[5] - bounds[4]) / 1.5)) + 1);
+  EXPECT_EQ(surface->gridCustomLabels(2).size(),
+            static_cast<size_t>(std::floor((bounds[5] - bounds[4]) / 1.5)) + 1);
   EXPECT_TRUE(surface->gridAxes()->GetGenerateGrid());
   EXPECT_DOUBLE_EQ(surface->gridOpacity(), 1.0);
   EXPECT_EQ(surface->gridAxes()->GetTitle(0), "X axis");
@@ -423,15 +432,16 @@ TEST(DataViewState, ReadTakesOnlyCompleteGroupsAndClampsValues)
   VXDataSource* source = scene.source(makeSphere());
   auto* surface = scene.add<VXSurfaceRepPimpl>(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
-  surface->setGridAxesOptions({1.0, 2.0, 3.0}, false, Qt::white, 1.0, true, {});
+  surface->setGridAxesOptions({ 1.0, 2.0, 3.0 }, false, Qt::white, 1.0, true, {});
 
   // one spacing key missing: all three stay
-  surface->read({{"global_grid_axes_spacingx", 9.0}, {"global_grid_axes_spacingz", 9.0}});
-  EXPECT_EQ(surface->gridAxesSpacing(), (std::array<double, 3>{1.0, 2.0, 3.0}));
+  surface->read({ { "global_grid_axes_spacingx", 9.0 }, { "global_grid_axes_spacingz", 9.0 } });
+  EXPECT_EQ(surface->gridAxesSpacing(), (std::array<double, 3>{ 1.0, 2.0, 3.0 }));
   // a colour of four entries is ignored, three are clamped
-  surface->read({{"global_grid_axes_color", {0.0, 1.0, 0.0, 1.0}}});
+  surface->read({ { "global_grid_axes_color", { 0.0, 1.0, 0.0, 1.0 } } });
   EXPECT_EQ(surface->gridColor(), QColor(Qt::white));
-  surface->read({{"global_grid_axes_color", {2.0, -1.0, 0.5}}, {"global_grid_axes_opacity", 4.0}});
+  surface->read(
+    { { "global_grid_axes_color", { 2.0, -1.0, 0.5 } }, { "global_grid_axes_opacity", 4.0 } });
   EXPECT_DOUBLE_EQ(surface->gridColor().redF(), 1.0);
   EXPECT_DOUBLE_EQ(surface->gridColor().greenF(), 0.0);
   EXPECT_DOUBLE_EQ(surface->gridOpacity(), 1.0);
@@ -439,19 +449,20 @@ TEST(DataViewState, ReadTakesOnlyCompleteGroupsAndClampsValues)
   surface->setOpacity(250);
   EXPECT_DOUBLE_EQ(surface->opacity(), 1.0);
   EXPECT_DOUBLE_EQ(surface->actor()->GetProperty()->GetOpacity(), 1.0);
-  surface->read({{"opacity_percent", 40.0}});
+  surface->read({ { "opacity_percent", 40.0 } });
   EXPECT_DOUBLE_EQ(surface->opacity(), 0.4);
   EXPECT_DOUBLE_EQ(surface->actor()->GetProperty()->GetOpacity(), 0.4);
   // the culling key is read after the points-level keys, and applied
-  surface->read({{"back_face_culling", true}, {"point_size", 4}, {"render_points_as_spheres", true}});
+  surface->read(
+    { { "back_face_culling", true }, { "point_size", 4 }, { "render_points_as_spheres", true } });
   EXPECT_TRUE(surface->backFaceCulling());
   EXPECT_TRUE(surface->actor()->GetProperty()->GetBackfaceCulling());
   EXPECT_EQ(surface->pointSize(), 4);
   // transform triples only as a whole
-  surface->read({{"transform_box_translate_x", 1.0}, {"transform_box_translate_y", 2.0}});
-  EXPECT_EQ(surface->translation(), (std::array<double, 3>{0.0, 0.0, 0.0}));
+  surface->read({ { "transform_box_translate_x", 1.0 }, { "transform_box_translate_y", 2.0 } });
+  EXPECT_EQ(surface->translation(), (std::array<double, 3>{ 0.0, 0.0, 0.0 }));
   // wrong types raise the JSON library's error
-  EXPECT_THROW(surface->read({{"line_size", "thick"}}), nlohmann::json::type_error);
+  EXPECT_THROW(surface->read({ { "line_size", "thick" } }), nlohmann::json::type_error);
 }
 
 TEST(DataViewState, WriteReadRoundTripThroughTheItem)
@@ -467,10 +478,10 @@ TEST(DataViewState, WriteReadRoundTripThroughTheItem)
   surface->setBackFaceCulling(true);
   surface->setScalarBarVisibility(true);
   surface->rescaleToCustomRange(2.0, 3.0);
-  surface->setTransform({1, 2, 3}, {0, 90, 0}, {2, 2, 2});
+  surface->setTransform({ 1, 2, 3 }, { 0, 90, 0 }, { 2, 2, 2 });
 
   nlohmann::json state;
-  scene.lastRep->write(state, {{scene.view.get(), 0}});
+  scene.lastRep->write(state, { { scene.view.get(), 0 } });
   EXPECT_EQ(state.at("core_object_name"), "Surface View");
   ASSERT_EQ(state.at("rep_view_implementations").size(), 1u);
   const nlohmann::json& entry = state.at("rep_view_implementations")[0];
@@ -487,14 +498,14 @@ TEST(DataViewState, WriteReadRoundTripThroughTheItem)
 
   auto* other = scene.add<VXSurfaceRepPimpl>(source, VXRepresentation::Surface);
   ASSERT_NE(other, nullptr);
-  scene.lastRep->read(state, {{0, scene.view.get()}});
+  scene.lastRep->read(state, { { 0, scene.view.get() } });
   EXPECT_EQ(other->activeArray(), "Vec");
   EXPECT_EQ(other->activeComponent(), 0);
   EXPECT_EQ(other->solidColor(), QColor(1, 2, 3));
   EXPECT_TRUE(other->backFaceCulling());
   EXPECT_TRUE(other->usingCustomRange());
   EXPECT_DOUBLE_EQ(other->lookupTable()->getRange()[0], 2.0);
-  EXPECT_EQ(other->rotation(), (std::array<double, 3>{0, 90, 0}));
+  EXPECT_EQ(other->rotation(), (std::array<double, 3>{ 0, 90, 0 }));
   EXPECT_EQ(other->legendTitle(), "Vec\n(Comp 0)");
 }
 
@@ -519,7 +530,7 @@ TEST(DataViewSettings, DefaultsComeFromTheClassGroupAndSaveAfterYes)
   EXPECT_TRUE(surface->backFaceCulling());
   EXPECT_TRUE(surface->showLegend());
   EXPECT_EQ(surface->gridColor(), QColor(Qt::white));
-  EXPECT_EQ(surface->gridAxesSpacing(), (std::array<double, 3>{0.0, 0.0, 0.0}));
+  EXPECT_EQ(surface->gridAxesSpacing(), (std::array<double, 3>{ 0.0, 0.0, 0.0 }));
   // a key missing keeps the constructor's value
   EXPECT_EQ(surface->lineSize(), 1);
   EXPECT_TRUE(surface->detachColorSettings());
@@ -533,8 +544,9 @@ TEST(DataViewSettings, DefaultsComeFromTheClassGroupAndSaveAfterYes)
   surface->saveDefaultSettings();
   ASSERT_EQ(prompt.asked.size(), 1u);
   EXPECT_EQ(prompt.asked[0].title, "Save Default Surface Representation Settings");
-  EXPECT_EQ(prompt.asked[0].text, "Do you want to save the current setting values as the default values for all "
-                                  "Surface Representation types? (Data specific settings will not be saved)");
+  EXPECT_EQ(prompt.asked[0].text,
+            "Do you want to save the current setting values as the default values for all "
+            "Surface Representation types? (Data specific settings will not be saved)");
   EXPECT_EQ(prompt.asked[0].defaultButton, QMessageBox::Yes);
   QtKXSettings store;
   VXRepresentationPimpl::BeginSettingsGroup(store, "VXSurfaceRep");
@@ -554,21 +566,25 @@ TEST(DataViewSettings, PageHasTheLabelsAndTooltipsOfEachLevel)
   QWidget* page = scene.lastRep->settingsWidget();
   ASSERT_NE(page, nullptr);
   QStringList boxes;
-  for(auto* box : page->findChildren<QCheckBox*>())
+  for (auto* box : page->findChildren<QCheckBox*>())
     boxes << box->text();
-  for(const char* text : {"Enable Separate Color Map", "Show Edges", "Render Lines As Tubes", "Use Solid Color",
-                          "Interpret Values As Categories", "Render Points As Spheres", "Back Face Culling",
-                          "Generate Active Array Histogram"})
+  for (const char* text :
+       { "Enable Separate Color Map", "Show Edges", "Render Lines As Tubes", "Use Solid Color",
+         "Interpret Values As Categories", "Render Points As Spheres", "Back Face Culling",
+         "Generate Active Array Histogram" })
     EXPECT_TRUE(boxes.contains(text)) << text;
   auto* culling = surface->control<QCheckBox>("m_CullingCheckBox");
   ASSERT_NE(culling, nullptr);
-  EXPECT_EQ(culling->toolTip(),
-            "<html><head/><body><p>When checked turns on fast culling of polygons based on orientation of normal with "
-            "respect to camera so that polygons facing away from camera are not drawn</p></body></html>");
+  EXPECT_EQ(
+    culling->toolTip(),
+    "<html><head/><body><p>When checked turns on fast culling of polygons based on orientation of "
+    "normal with "
+    "respect to camera so that polygons facing away from camera are not drawn</p></body></html>");
   auto* scale = surface->control<QPushButton>("scaleToDataBtn");
   ASSERT_NE(scale, nullptr);
   EXPECT_EQ(scale->text(), "Scale to Data");
-  EXPECT_EQ(scale->toolTip(), "<html><head/><body><p>Rescale the color map to the data's range</p></body></html>");
+  EXPECT_EQ(scale->toolTip(),
+            "<html><head/><body><p>Rescale the color map to the data's range</p></body></html>");
   auto* mapping = surface->control<QComboBox>("m_ScalarMappingCombo");
   ASSERT_NE(mapping, nullptr);
   EXPECT_EQ(mapping->itemText(0), "Always ");
@@ -577,10 +593,11 @@ TEST(DataViewSettings, PageHasTheLabelsAndTooltipsOfEachLevel)
   ASSERT_NE(title, nullptr);
   auto* help = surface->control<QPushButton>("m_HelpButton");
   ASSERT_NE(help, nullptr);
-  EXPECT_EQ(help->toolTip(), "Open the user manual help documentation for Surface Representation types");
+  EXPECT_EQ(help->toolTip(),
+            "Open the user manual help documentation for Surface Representation types");
   // the histogram section comes last
   QStringList sections;
-  for(auto* box : page->findChildren<QGroupBox*>())
+  for (auto* box : page->findChildren<QGroupBox*>())
     sections << box->title();
   EXPECT_EQ(sections.last(), "Array Histogram");
 
@@ -657,7 +674,8 @@ TEST(DataViewDecimation, PressSwitchesToTheCoarseCopyAndTheEndOfInteractionBack)
   VXDataSource* source = scene.source(makeSphere());
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
-  vtkRenderWindowInteractor* interactor = scene.view->getVisualizationWidget()->getRenderWindowInteractor();
+  vtkRenderWindowInteractor* interactor =
+    scene.view->getVisualizationWidget()->getRenderWindowInteractor();
   ASSERT_NE(interactor, nullptr);
   const int* size = scene.view->getVisualizationWidget()->renderWindow()->GetSize();
   interactor->SetEventInformation(size[0] / 2, size[1] / 2);
@@ -670,19 +688,22 @@ TEST(DataViewDecimation, PressSwitchesToTheCoarseCopyAndTheEndOfInteractionBack)
   EXPECT_FALSE(surface->usingDecimatedGeometry());
   interactor->InvokeEvent(vtkCommand::LeftButtonReleaseEvent);
 
-  surface->setNumberOfDimensions({4, 4, 4});
+  surface->setNumberOfDimensions({ 4, 4, 4 });
   surface->setUseDecimationOnInteraction(true);
   interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent);
   ASSERT_TRUE(surface->usingDecimatedGeometry());
   surface->actor()->GetMapper()->Update();
-  const vtkIdType coarseCells = vtkPolyData::SafeDownCast(surface->actor()->GetMapper()->GetInput())->GetNumberOfCells();
+  const vtkIdType coarseCells =
+    vtkPolyData::SafeDownCast(surface->actor()->GetMapper()->GetInput())->GetNumberOfCells();
   EXPECT_GT(coarseCells, 0);
   EXPECT_LT(coarseCells, fullCells);
   interactor->InvokeEvent(vtkCommand::EndInteractionEvent);
   EXPECT_FALSE(surface->usingDecimatedGeometry());
   interactor->InvokeEvent(vtkCommand::LeftButtonReleaseEvent);
   surface->actor()->GetMapper()->Update();
-  EXPECT_EQ(vtkPolyData::SafeDownCast(surface->actor()->GetMapper()->GetInput())->GetNumberOfCells(), fullCells);
+  EXPECT_EQ(
+    vtkPolyData::SafeDownCast(surface->actor()->GetMapper()->GetInput())->GetNumberOfCells(),
+    fullCells);
 
   // a real drag: the style's end of rotation reaches the data view through the interactor
   interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent);

@@ -52,7 +52,7 @@ class ScopedSettings
 {
 public:
   ScopedSettings()
-  : m_Previous(QtKXSettings::FilePath())
+    : m_Previous(QtKXSettings::FilePath())
   {
     QtKXSettings::SetFilePath(QString::fromStdString((m_Dir / "settings.ini").string()));
     KXPreferences::resetToDefaults();
@@ -75,13 +75,15 @@ class RecordedQuestions
 public:
   RecordedQuestions()
   {
-    VXLookupTable::setAskUserFunction([this](const VXLookupTable::UserQuestion& question) {
-      asked.push_back(question);
-      VXLookupTable::UserAnswer answer;
-      answer.button = 0;
-      answer.checkBoxChecked = checkDoNotShowAgain;
-      return answer;
-    });
+    VXLookupTable::setAskUserFunction(
+      [this](const VXLookupTable::UserQuestion& question)
+      {
+        asked.push_back(question);
+        VXLookupTable::UserAnswer answer;
+        answer.button = 0;
+        answer.checkBoxChecked = checkDoNotShowAgain;
+        return answer;
+      });
   }
   ~RecordedQuestions() { VXLookupTable::setAskUserFunction({}); }
   std::vector<VXLookupTable::UserQuestion> asked;
@@ -110,11 +112,11 @@ public:
     EXPECT_TRUE(std::filesystem::exists(file)) << "missing test data: " << file;
     pipeline->importFile(QString::fromStdString(file.string()));
     VXDataSource* found = nullptr;
-    for(VXBridgeObject* bridge : pipeline->bridges())
+    for (VXBridgeObject* bridge : pipeline->bridges())
     {
-      for(VXDataSource* source : bridge->dataSources())
+      for (VXDataSource* source : bridge->dataSources())
       {
-        if(found == nullptr || (!preferredName.isEmpty() && source->baseName() == preferredName))
+        if (found == nullptr || (!preferredName.isEmpty() && source->baseName() == preferredName))
           found = source;
       }
     }
@@ -134,16 +136,16 @@ public:
   }
 
   /** Adds a data view of @p type under @p parent and gives back its implementation in the view. */
-  template <typename PimplT = VXPointsRepPimpl>
+  template<typename PimplT = VXPointsRepPimpl>
   PimplT* add(VXDataSource* parent, VXRepresentation::Type type)
   {
-    if(parent == nullptr)
+    if (parent == nullptr)
       return nullptr;
     const int before = static_cast<int>(parent->findChildren<VXRepresentation*>().size());
     EXPECT_TRUE(pipeline->addRepresentation(parent, type));
     const auto reps = parent->findChildren<VXRepresentation*>();
     EXPECT_EQ(reps.size(), before + 1);
-    if(reps.isEmpty())
+    if (reps.isEmpty())
       return nullptr;
     lastRep = reps.last();
     return dynamic_cast<PimplT*>(lastRep->implementation(view.get()));
@@ -154,7 +156,7 @@ public:
   /** Lets queued renders run and draws one frame. */
   void settle()
   {
-    for(int i = 0; i < 5; i++)
+    for (int i = 0; i < 5; i++)
       QCoreApplication::processEvents();
     view->getVisualizationWidget()->renderWindow()->Render();
   }
@@ -193,19 +195,19 @@ inline double RmsDifference(vtkImageData* a, vtkImageData* b)
   int db[3];
   a->GetDimensions(da);
   b->GetDimensions(db);
-  if(da[0] != db[0] || da[1] != db[1])
+  if (da[0] != db[0] || da[1] != db[1])
     return -1.0;
   const int ca = a->GetNumberOfScalarComponents();
   const int cb = b->GetNumberOfScalarComponents();
   double sum = 0.0;
   long count = 0;
-  for(int y = 0; y < da[1]; y++)
+  for (int y = 0; y < da[1]; y++)
   {
-    for(int x = 0; x < da[0]; x++)
+    for (int x = 0; x < da[0]; x++)
     {
       auto* pa = static_cast<unsigned char*>(a->GetScalarPointer(x, y, 0));
       auto* pb = static_cast<unsigned char*>(b->GetScalarPointer(x, y, 0));
-      for(int c = 0; c < 3; c++)
+      for (int c = 0; c < 3; c++)
       {
         const double d = double(pa[std::min(c, ca - 1)]) - double(pb[std::min(c, cb - 1)]);
         sum += d * d;
@@ -224,14 +226,14 @@ inline double ForegroundFraction(vtkImageData* image)
   auto* corner = static_cast<unsigned char*>(image->GetScalarPointer(0, 0, 0));
   const int comps = image->GetNumberOfScalarComponents();
   long differing = 0;
-  for(int y = 0; y < d[1]; y++)
+  for (int y = 0; y < d[1]; y++)
   {
-    for(int x = 0; x < d[0]; x++)
+    for (int x = 0; x < d[0]; x++)
     {
       auto* p = static_cast<unsigned char*>(image->GetScalarPointer(x, y, 0));
-      for(int c = 0; c < std::min(3, comps); c++)
+      for (int c = 0; c < std::min(3, comps); c++)
       {
-        if(std::abs(int(p[c]) - int(corner[c])) > 8)
+        if (std::abs(int(p[c]) - int(corner[c])) > 8)
         {
           differing++;
           break;
@@ -245,13 +247,14 @@ inline double ForegroundFraction(vtkImageData* image)
 /** The view's current frame as RGB. */
 inline vtkSmartPointer<vtkImageData> Capture(Scene& scene)
 {
-  // only the data views' two layers are compared: overlays of the render widget have tests of their own
+  // only the data views' two layers are compared: overlays of the render widget have tests of their
+  // own
   VXVisualizationWidget* widget = scene.view->getVisualizationWidget();
   vtkRendererCollection* renderers = widget->renderWindow()->GetRenderers();
   renderers->InitTraversal();
-  while(vtkRenderer* renderer = renderers->GetNextItem())
+  while (vtkRenderer* renderer = renderers->GetNextItem())
   {
-    if(renderer != widget->getRenderer() && renderer != widget->getOutlineRenderer())
+    if (renderer != widget->getRenderer() && renderer != widget->getOutlineRenderer())
       renderer->DrawOff();
   }
   scene.settle();
@@ -285,27 +288,28 @@ inline void CompareWithBaseline(Scene& scene, const std::string& name)
   EXPECT_GT(ForegroundFraction(image), 0.01) << name << ": nothing drawn";
   const std::filesystem::path baseline = BaselineDir() / (name + ".png");
   const char* update = std::getenv("KXVTK_UPDATE_BASELINES");
-  if(update != nullptr && std::string(update) == "1")
+  if (update != nullptr && std::string(update) == "1")
   {
     WritePng(image, baseline);
     ADD_FAILURE() << "baseline written, look at it before committing: " << baseline;
     return;
   }
-  if(!std::filesystem::exists(baseline))
+  if (!std::filesystem::exists(baseline))
   {
     WritePng(image, FailedDir() / (name + ".png"));
-    ADD_FAILURE() << "missing baseline " << baseline << "; image written to " << FailedDir() / (name + ".png");
+    ADD_FAILURE() << "missing baseline " << baseline << "; image written to "
+                  << FailedDir() / (name + ".png");
     return;
   }
   vtkNew<vtkPNGReader> reader;
   reader->SetFileName(baseline.string().c_str());
   reader->Update();
   const double rms = RmsDifference(image, reader->GetOutput());
-  if(rms < 0.0 || rms > k_ImageTolerance)
+  if (rms < 0.0 || rms > k_ImageTolerance)
   {
     WritePng(image, FailedDir() / (name + ".png"));
-    ADD_FAILURE() << name << ": RMS difference " << rms << " above " << k_ImageTolerance << "; image written to "
-                  << FailedDir() / (name + ".png");
+    ADD_FAILURE() << name << ": RMS difference " << rms << " above " << k_ImageTolerance
+                  << "; image written to " << FailedDir() / (name + ".png");
   }
 }
 } // namespace dataviewtest

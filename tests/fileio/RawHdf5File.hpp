@@ -24,7 +24,7 @@ public:
   }
   ~RawHdf5File()
   {
-    if(m_Id >= 0)
+    if (m_Id >= 0)
       H5Fclose(m_Id);
   }
   RawHdf5File(const RawHdf5File&) = delete;
@@ -34,7 +34,8 @@ public:
 
   void deleteAttribute(const std::string& object, const std::string& name)
   {
-    ASSERT_GE(H5Adelete_by_name(m_Id, object.c_str(), name.c_str(), H5P_DEFAULT), 0) << object << " @" << name;
+    ASSERT_GE(H5Adelete_by_name(m_Id, object.c_str(), name.c_str(), H5P_DEFAULT), 0)
+      << object << " @" << name;
   }
 
   void setString(const std::string& object, const std::string& name, const std::string& value)
@@ -43,7 +44,8 @@ public:
     const hid_t type = H5Tcopy(H5T_C_S1);
     H5Tset_size(type, value.size());
     const hid_t space = H5Screate(H5S_SCALAR);
-    const hid_t attr = H5Acreate_by_name(m_Id, object.c_str(), name.c_str(), type, space, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
+    const hid_t attr = H5Acreate_by_name(m_Id, object.c_str(), name.c_str(), type, space,
+                                         H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
     EXPECT_GE(H5Awrite(attr, type, value.c_str()), 0);
     H5Aclose(attr);
     H5Sclose(space);
@@ -51,13 +53,14 @@ public:
   }
 
   /** A list attribute of unsigned 64-bit values; scalar if asked. */
-  void setUInt64s(const std::string& object, const std::string& name, const std::vector<std::uint64_t>& values, bool scalar = false)
+  void setUInt64s(const std::string& object, const std::string& name,
+                  const std::vector<std::uint64_t>& values, bool scalar = false)
   {
     removeIfPresent(object, name);
     const hsize_t count = values.size();
     const hid_t space = scalar ? H5Screate(H5S_SCALAR) : H5Screate_simple(1, &count, nullptr);
-    const hid_t attr =
-      H5Acreate_by_name(m_Id, object.c_str(), name.c_str(), H5T_STD_U64LE, space, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
+    const hid_t attr = H5Acreate_by_name(m_Id, object.c_str(), name.c_str(), H5T_STD_U64LE, space,
+                                         H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
     EXPECT_GE(H5Awrite(attr, H5T_NATIVE_UINT64, values.data()), 0);
     H5Aclose(attr);
     H5Sclose(space);
@@ -65,10 +68,12 @@ public:
 
   std::vector<std::uint64_t> readUInt64s(const std::string& object, const std::string& name)
   {
-    const hid_t attr = H5Aopen_by_name(m_Id, object.c_str(), name.c_str(), H5P_DEFAULT, H5P_DEFAULT);
+    const hid_t attr =
+      H5Aopen_by_name(m_Id, object.c_str(), name.c_str(), H5P_DEFAULT, H5P_DEFAULT);
     EXPECT_GE(attr, 0) << object << " @" << name;
     const hid_t space = H5Aget_space(attr);
-    std::vector<std::uint64_t> values(static_cast<std::size_t>(H5Sget_simple_extent_npoints(space)));
+    std::vector<std::uint64_t> values(
+      static_cast<std::size_t>(H5Sget_simple_extent_npoints(space)));
     EXPECT_GE(H5Aread(attr, H5T_NATIVE_UINT64, values.data()), 0);
     H5Sclose(space);
     H5Aclose(attr);
@@ -77,7 +82,8 @@ public:
 
   std::string readString(const std::string& object, const std::string& name)
   {
-    const hid_t attr = H5Aopen_by_name(m_Id, object.c_str(), name.c_str(), H5P_DEFAULT, H5P_DEFAULT);
+    const hid_t attr =
+      H5Aopen_by_name(m_Id, object.c_str(), name.c_str(), H5P_DEFAULT, H5P_DEFAULT);
     EXPECT_GE(attr, 0) << object << " @" << name;
     const hid_t type = H5Aget_type(attr);
     std::string value(H5Tget_size(type), '\0');
@@ -92,7 +98,8 @@ public:
     const hid_t dataset = H5Dopen2(m_Id, path.c_str(), H5P_DEFAULT);
     EXPECT_GE(dataset, 0) << path;
     const hid_t space = H5Dget_space(dataset);
-    std::vector<hsize_t> dims(static_cast<std::size_t>(std::max(0, H5Sget_simple_extent_ndims(space))));
+    std::vector<hsize_t> dims(
+      static_cast<std::size_t>(std::max(0, H5Sget_simple_extent_ndims(space))));
     H5Sget_simple_extent_dims(space, dims.data(), nullptr);
     H5Sclose(space);
     H5Dclose(dataset);
@@ -100,7 +107,7 @@ public:
   }
 
   /** Reads a whole dataset converted to the memory type. */
-  template <typename T>
+  template<typename T>
   std::vector<T> readDataset(const std::string& path, hid_t memoryType)
   {
     const hid_t dataset = H5Dopen2(m_Id, path.c_str(), H5P_DEFAULT);
@@ -114,7 +121,7 @@ public:
   }
 
   /** Overwrites all elements of an existing dataset. */
-  template <typename T>
+  template<typename T>
   void writeDataset(const std::string& path, hid_t memoryType, const std::vector<T>& values)
   {
     const hid_t dataset = H5Dopen2(m_Id, path.c_str(), H5P_DEFAULT);
@@ -127,16 +134,18 @@ public:
    * Replaces a dataset by one of another file type and dimensions, carrying
    * over its ObjectId and ObjectType and setting the array attributes given.
    */
-  template <typename T>
-  void replaceDataset(const std::string& path, hid_t fileType, hid_t memoryType, const std::vector<hsize_t>& dims,
-                      const std::vector<T>& values, const std::string& elementType, const std::vector<std::uint64_t>& tupleShape,
+  template<typename T>
+  void replaceDataset(const std::string& path, hid_t fileType, hid_t memoryType,
+                      const std::vector<hsize_t>& dims, const std::vector<T>& values,
+                      const std::string& elementType, const std::vector<std::uint64_t>& tupleShape,
                       const std::vector<std::uint64_t>& componentShape)
   {
     const auto objectId = readUInt64s(path, "ObjectId");
     const std::string objectType = readString(path, "ObjectType");
     ASSERT_GE(H5Ldelete(m_Id, path.c_str(), H5P_DEFAULT), 0) << path;
     const hid_t space = H5Screate_simple(static_cast<int>(dims.size()), dims.data(), nullptr);
-    const hid_t dataset = H5Dcreate2(m_Id, path.c_str(), fileType, space, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
+    const hid_t dataset =
+      H5Dcreate2(m_Id, path.c_str(), fileType, space, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
     ASSERT_GE(dataset, 0) << path;
     EXPECT_GE(H5Dwrite(dataset, memoryType, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), 0);
     H5Dclose(dataset);
@@ -151,7 +160,7 @@ public:
 private:
   void removeIfPresent(const std::string& object, const std::string& name)
   {
-    if(H5Aexists_by_name(m_Id, object.c_str(), name.c_str(), H5P_DEFAULT) > 0)
+    if (H5Aexists_by_name(m_Id, object.c_str(), name.c_str(), H5P_DEFAULT) > 0)
       H5Adelete_by_name(m_Id, object.c_str(), name.c_str(), H5P_DEFAULT);
   }
 

@@ -36,10 +36,11 @@ protected:
   static std::vector<DataPath> PathsUnder(const DataStructure& ds, const DataPath& prefix)
   {
     std::vector<DataPath> selected;
-    for(const DataPath& path : ds.getAllDataPaths())
+    for (const DataPath& path : ds.getAllDataPaths())
     {
       const auto& names = path.getPathVector();
-      if(names.size() >= prefix.getLength() && std::equal(prefix.getPathVector().begin(), prefix.getPathVector().end(), names.begin()))
+      if (names.size() >= prefix.getLength() &&
+          std::equal(prefix.getPathVector().begin(), prefix.getPathVector().end(), names.begin()))
         selected.push_back(path);
     }
     return selected;
@@ -66,7 +67,7 @@ TEST_F(SelectiveImport, PreflightBuildsTheWholeTreeWithoutReadingArrayData)
   ExpectSameStructure(m_Original, tree, false);
   const std::set<IdType> arrays = ArrayIds(tree);
   EXPECT_EQ(arrays.size(), 41u);
-  for(IdType id : arrays)
+  for (IdType id : arrays)
   {
     const auto* array = tree.getDataAs<IArray>(id);
     EXPECT_EQ(array->getStorageFormat(), "preflight") << array->getName();
@@ -86,12 +87,13 @@ TEST_F(SelectiveImport, PreflightBuildsTheWholeTreeWithoutReadingArrayData)
 TEST_F(SelectiveImport, FinishingTheObjectsOfOneGeometryReadsOnlyTheirArrays)
 {
   DataStructure tree = preflight();
-  const auto selected = VOXELIA::ExpandSelectedPathsToAncestors(PathsUnder(tree, DataPath({"Triangles"})));
+  const auto selected =
+    VOXELIA::ExpandSelectedPathsToAncestors(PathsUnder(tree, DataPath({ "Triangles" })));
   ASSERT_EQ(selected.size(), 6u);
 
   DataStructure target;
   HDF5::ResetDatasetReadCount();
-  for(const DataPath& path : selected)
+  for (const DataPath& path : selected)
   {
     const auto result = VOXELIA::FinishImportingObject(tree, target, path, m_File, false);
     EXPECT_TRUE(result.isValid()) << path.toString() << ": " << FirstError(result);
@@ -99,14 +101,15 @@ TEST_F(SelectiveImport, FinishingTheObjectsOfOneGeometryReadsOnlyTheirArrays)
   // vertices, faces and the two face arrays
   EXPECT_EQ(HDF5::GetDatasetReadCount(), 4u);
 
-  EXPECT_EQ(AllIds(target), (std::set<IdType>{ids::k_Triangles, ids::k_TriangleVertices, ids::k_TriangleFaces, 143, 144, 145}));
-  EXPECT_EQ(target.getDataMap().getKeys(), std::vector<IdType>({ids::k_Triangles}));
+  EXPECT_EQ(AllIds(target), (std::set<IdType>{ ids::k_Triangles, ids::k_TriangleVertices,
+                                               ids::k_TriangleFaces, 143, 144, 145 }));
+  EXPECT_EQ(target.getDataMap().getKeys(), std::vector<IdType>({ ids::k_Triangles }));
   const auto* triangles = target.getDataAs<TriangleGeom>(ids::k_Triangles);
   ASSERT_NE(triangles, nullptr);
   ASSERT_NE(triangles->getVertices(), nullptr);
   ASSERT_NE(triangles->getFaces(), nullptr);
   EXPECT_EQ(triangles->getFaces()->getStorageFormat(), "");
-  for(IdType id : {ids::k_TriangleVertices, ids::k_TriangleFaces, IdType{144}, IdType{145}})
+  for (IdType id : { ids::k_TriangleVertices, ids::k_TriangleFaces, IdType{ 144 }, IdType{ 145 } })
   {
     SCOPED_TRACE(id);
     ExpectSameArrayValues(*m_Original.getDataAs<IArray>(id), *target.getDataAs<IArray>(id));
@@ -121,38 +124,44 @@ TEST_F(SelectiveImport, RenumberedPreflightTreeImportsUnderNewIdentifiersWithWor
   DataGroup::Create(target, "Already There");
   tree.resetIds(target.getNextId());
 
-  for(const DataPath& path : VOXELIA::ExpandSelectedPathsToAncestors(PathsUnder(tree, DataPath({"Quads"}))))
-    ASSERT_TRUE(VOXELIA::FinishImportingObject(tree, target, path, m_File, false).isValid()) << path.toString();
+  for (const DataPath& path :
+       VOXELIA::ExpandSelectedPathsToAncestors(PathsUnder(tree, DataPath({ "Quads" }))))
+    ASSERT_TRUE(VOXELIA::FinishImportingObject(tree, target, path, m_File, false).isValid())
+      << path.toString();
 
-  const auto* quads = target.getDataAs<QuadGeom>(DataPath({"Quads"}));
+  const auto* quads = target.getDataAs<QuadGeom>(DataPath({ "Quads" }));
   ASSERT_NE(quads, nullptr);
-  EXPECT_EQ(quads->getId(), tree.getId(DataPath({"Quads"})));
+  EXPECT_EQ(quads->getId(), tree.getId(DataPath({ "Quads" })));
   EXPECT_NE(quads->getId(), ids::k_Quads);
   ASSERT_NE(quads->getFaces(), nullptr);
   EXPECT_EQ(quads->getFaces()->getName(), "Faces");
   EXPECT_EQ((*quads->getFaces())[6], 5u);
   ASSERT_NE(quads->getFaceAttributeMatrix(), nullptr);
-  EXPECT_EQ((*target.getDataAs<Float32Array>(DataPath({"Quads", "Face Data", "Area"})))[1], 0.75f);
+  EXPECT_EQ((*target.getDataAs<Float32Array>(DataPath({ "Quads", "Face Data", "Area" })))[1],
+            0.75f);
 }
 
 TEST_F(SelectiveImport, AnObjectSelectedThroughTwoParentsIsReadOnceAndGainsBothParents)
 {
   DataStructure tree = preflight();
   const std::vector<DataPath> selected = VOXELIA::ExpandSelectedPathsToAncestors(
-    {DataPath({"Shared Group", "Shared Values"}), DataPath({"Group A", "Shared Values"})});
+    { DataPath({ "Shared Group", "Shared Values" }), DataPath({ "Group A", "Shared Values" }) });
   DataStructure target;
   HDF5::ResetDatasetReadCount();
-  for(const DataPath& path : selected)
-    ASSERT_TRUE(VOXELIA::FinishImportingObject(tree, target, path, m_File, false).isValid()) << path.toString();
+  for (const DataPath& path : selected)
+    ASSERT_TRUE(VOXELIA::FinishImportingObject(tree, target, path, m_File, false).isValid())
+      << path.toString();
   EXPECT_EQ(HDF5::GetDatasetReadCount(), 1u);
 
   const DataObject* shared = target.getData(ids::k_SharedValues);
   ASSERT_NE(shared, nullptr);
-  EXPECT_EQ(shared->getParentIds(), std::vector<IdType>({ids::k_SharedGroup, ids::k_GroupA}));
+  EXPECT_EQ(shared->getParentIds(), std::vector<IdType>({ ids::k_SharedGroup, ids::k_GroupA }));
   EXPECT_EQ(shared->getDataPaths().size(), 2u);
   EXPECT_EQ((*target.getDataAs<Int32Array>(ids::k_SharedValues))[1], -8);
   // importing a path again changes nothing
-  EXPECT_TRUE(VOXELIA::FinishImportingObject(tree, target, DataPath({"Group A", "Shared Values"}), m_File, false).isValid());
+  EXPECT_TRUE(VOXELIA::FinishImportingObject(tree, target, DataPath({ "Group A", "Shared Values" }),
+                                             m_File, false)
+                .isValid());
   EXPECT_EQ(shared->getParentIds().size(), 2u);
   EXPECT_EQ(HDF5::GetDatasetReadCount(), 1u);
 }
@@ -162,8 +171,10 @@ TEST_F(SelectiveImport, FinishingWithThePreflightFlagCopiesShapesButReadsNothing
   DataStructure tree = preflight();
   DataStructure target;
   HDF5::ResetDatasetReadCount();
-  for(const DataPath& path : VOXELIA::ExpandSelectedPathsToAncestors(PathsUnder(tree, DataPath({"Image"}))))
-    ASSERT_TRUE(VOXELIA::FinishImportingObject(tree, target, path, m_File, true).isValid()) << path.toString();
+  for (const DataPath& path :
+       VOXELIA::ExpandSelectedPathsToAncestors(PathsUnder(tree, DataPath({ "Image" }))))
+    ASSERT_TRUE(VOXELIA::FinishImportingObject(tree, target, path, m_File, true).isValid())
+      << path.toString();
   EXPECT_EQ(HDF5::GetDatasetReadCount(), 0u);
   const auto* euler = target.getDataAs<Float32Array>(103);
   ASSERT_NE(euler, nullptr);
@@ -176,13 +187,16 @@ TEST_F(SelectiveImport, FinishingFailsWithAReasonForMissingObjectsAndParents)
 {
   DataStructure tree = preflight();
   DataStructure target;
-  const auto missing = VOXELIA::FinishImportingObject(tree, target, DataPath({"Nope"}), m_File, false);
+  const auto missing =
+    VOXELIA::FinishImportingObject(tree, target, DataPath({ "Nope" }), m_File, false);
   EXPECT_FALSE(missing.isValid());
   EXPECT_EQ(FirstError(missing), "There is no object at 'Nope' in the structure to import from.");
 
-  const auto orphan = VOXELIA::FinishImportingObject(tree, target, DataPath({"Image", "Cell Data"}), m_File, false);
+  const auto orphan =
+    VOXELIA::FinishImportingObject(tree, target, DataPath({ "Image", "Cell Data" }), m_File, false);
   EXPECT_FALSE(orphan.isValid());
-  EXPECT_EQ(FirstError(orphan), "The parent 'Image' of 'Image/Cell Data' has not been imported yet.");
+  EXPECT_EQ(FirstError(orphan),
+            "The parent 'Image' of 'Image/Cell Data' has not been imported yet.");
   EXPECT_EQ(target.getSize(), 0u);
 }
 
@@ -195,20 +209,20 @@ TEST(ExpandSelectedPathsToAncestors, AddsEachAncestorOnceBeforeItsChildren)
     std::vector<std::string> expected;
   };
   const std::vector<Case> cases = {
-    {"empty", {}, {}},
-    {"one deep path", {"A/B/C"}, {"A", "A/B", "A/B/C"}},
-    {"shared ancestors once", {"A/B/C", "A/D", "A/B"}, {"A", "A/B", "A/B/C", "A/D"}},
-    {"input order kept", {"Z/Y", "A"}, {"Z", "Z/Y", "A"}},
-    {"duplicates collapse", {"A", "A", "A/B", "A/B"}, {"A", "A/B"}},
+    { "empty", {}, {} },
+    { "one deep path", { "A/B/C" }, { "A", "A/B", "A/B/C" } },
+    { "shared ancestors once", { "A/B/C", "A/D", "A/B" }, { "A", "A/B", "A/B/C", "A/D" } },
+    { "input order kept", { "Z/Y", "A" }, { "Z", "Z/Y", "A" } },
+    { "duplicates collapse", { "A", "A", "A/B", "A/B" }, { "A", "A/B" } },
   };
-  for(const auto& c : cases)
+  for (const auto& c : cases)
   {
     SCOPED_TRACE(c.name);
     std::vector<DataPath> input;
-    for(const auto& text : c.input)
+    for (const auto& text : c.input)
       input.push_back(*DataPath::FromString(text));
     std::vector<std::string> output;
-    for(const DataPath& path : VOXELIA::ExpandSelectedPathsToAncestors(input))
+    for (const DataPath& path : VOXELIA::ExpandSelectedPathsToAncestors(input))
       output.push_back(path.toString());
     EXPECT_EQ(output, c.expected);
   }

@@ -23,7 +23,7 @@ std::string ReadBytes(const std::filesystem::path& path)
 std::vector<std::string> FolderContent(const std::filesystem::path& dir)
 {
   std::vector<std::string> names;
-  for(const auto& entry : std::filesystem::directory_iterator(dir))
+  for (const auto& entry : std::filesystem::directory_iterator(dir))
     names.push_back(entry.path().filename().string());
   std::sort(names.begin(), names.end());
   return names;
@@ -33,7 +33,7 @@ DataStructure OneArray(float value)
 {
   DataStructure ds;
   DataGroup::Import(ds, "Group", 1);
-  AddArray<float32>(ds, "Values", 2, {3}, {1}, {value, value, value}, 1);
+  AddArray<float32>(ds, "Values", 2, { 3 }, { 1 }, { value, value, value }, 1);
   return ds;
 }
 
@@ -51,7 +51,7 @@ TEST(VoxeliaWriteFile, ASuccessfulWriteReplacesTheFileAndLeavesNothingElse)
   const std::string first = ReadBytes(path);
   ASSERT_TRUE(VOXELIA::WriteFile(path, OneArray(2.0f)).isValid());
   EXPECT_NE(ReadBytes(path), first);
-  EXPECT_EQ(FolderContent(dir.path()), std::vector<std::string>({"data.voxelia"}));
+  EXPECT_EQ(FolderContent(dir.path()), std::vector<std::string>({ "data.voxelia" }));
 
   const auto file = HDF5::FileIO::ReadFile(path);
   auto read = VOXELIA::ImportDataStructureFromFile(file, false);
@@ -85,19 +85,22 @@ TEST(VoxeliaWriteFile, AFailedWriteLeavesTheExistingFileIntact)
     std::string expected;
   };
   const std::vector<Case> cases = {
-    {"name with a slash", &badName,
-     "The object name 'a/b' (ObjectId 7) cannot be stored: names must be non-empty, not '.', and without '/'."},
-    {"reference to a non-child", &strayReference,
-     "Geometry '/DataStructure/Points' refers to object 2 as its vertex list but that object is not one of its children."},
-    {"arrays without data", &noData,
-     "Array '/DataStructure/Group/Values' has no element data (it was imported by a preflight) and cannot be written."},
+    { "name with a slash", &badName,
+      "The object name 'a/b' (ObjectId 7) cannot be stored: names must be non-empty, not '.', and "
+      "without '/'." },
+    { "reference to a non-child", &strayReference,
+      "Geometry '/DataStructure/Points' refers to object 2 as its vertex list but that object is "
+      "not one of its children." },
+    { "arrays without data", &noData,
+      "Array '/DataStructure/Group/Values' has no element data (it was imported by a preflight) "
+      "and cannot be written." },
   };
-  for(const auto& c : cases)
+  for (const auto& c : cases)
   {
     SCOPED_TRACE(c.name);
     EXPECT_EQ(FirstError(VOXELIA::WriteFile(path, *c.ds)), c.expected);
     EXPECT_EQ(ReadBytes(path), before);
-    EXPECT_EQ(FolderContent(dir.path()), std::vector<std::string>({"data.voxelia"}));
+    EXPECT_EQ(FolderContent(dir.path()), std::vector<std::string>({ "data.voxelia" }));
   }
 }
 
@@ -106,15 +109,17 @@ TEST(VoxeliaWriteFile, AnUnreachableFolderFailsWithTheTargetInTheMessage)
   TempDir dir;
   const auto plainFile = dir / "plain.txt";
   std::ofstream(plainFile) << "not a folder";
-  const std::vector<std::filesystem::path> targets = {dir / "missing" / "data.voxelia", plainFile / "data.voxelia"};
-  for(const auto& target : targets)
+  const std::vector<std::filesystem::path> targets = { dir / "missing" / "data.voxelia",
+                                                       plainFile / "data.voxelia" };
+  for (const auto& target : targets)
   {
     SCOPED_TRACE(target.string());
     const std::string error = FirstError(VOXELIA::WriteFile(target, OneArray(1.0f)));
-    EXPECT_EQ(error.rfind(fmt::format("Cannot write '{}': the file '", target.string()), 0), 0u) << error;
+    EXPECT_EQ(error.rfind(fmt::format("Cannot write '{}': the file '", target.string()), 0), 0u)
+      << error;
     EXPECT_NE(error.find("could not be created"), std::string::npos) << error;
     EXPECT_FALSE(std::filesystem::exists(target));
   }
   EXPECT_EQ(ReadBytes(plainFile), "not a folder");
-  EXPECT_EQ(FolderContent(dir.path()), std::vector<std::string>({"plain.txt"}));
+  EXPECT_EQ(FolderContent(dir.path()), std::vector<std::string>({ "plain.txt" }));
 }

@@ -63,10 +63,10 @@ TEST(ColorPresetsDialog, ApplyUsesTheGivenPresets)
 {
   ColorPreset custom;
   custom.name = "Two Tone";
-  custom.rgbPoints = {0.0f, 1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 1.0f};
+  custom.rgbPoints = { 0.0f, 1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 1.0f };
   ColorPresetsDialog dialog;
-  dialog.setPresets({custom});
-  EXPECT_EQ(dialog.listedPresetNames(), QStringList{"Two Tone"});
+  dialog.setPresets({ custom });
+  EXPECT_EQ(dialog.listedPresetNames(), QStringList{ "Two Tone" });
   QSignalSpy selected(&dialog, &ColorPresetsDialog::presetSelected);
   ASSERT_TRUE(dialog.selectPreset("Two Tone"));
   dialog.applySelectedPreset();
@@ -92,7 +92,8 @@ TEST(ColorPresetsDialog, NanColourEditedByTheUserIsSignalled)
   EXPECT_EQ(dialog.nanColor(), QColor(0, 128, 0));
   EXPECT_EQ(spy.count(), 0);
 
-  dialog.nanColorButton()->setColorChooser([](const QColor&, QWidget*) { return QColor(12, 34, 56); });
+  dialog.nanColorButton()->setColorChooser([](const QColor&, QWidget*)
+                                           { return QColor(12, 34, 56); });
   dialog.nanColorButton()->click();
   ASSERT_EQ(spy.count(), 1);
   EXPECT_EQ(spy.at(0).at(0).value<QColor>(), QColor(12, 34, 56));
@@ -101,15 +102,17 @@ TEST(ColorPresetsDialog, NanColourEditedByTheUserIsSignalled)
 
 TEST(ColorPresetsDialog, PreviewFollowsTheMap)
 {
-  const QImage gray = ColorPresetsDialog::PreviewPixmap(*KXColorPresets::Find("Grayscale"), QSize(100, 4)).toImage();
+  const QImage gray =
+    ColorPresetsDialog::PreviewPixmap(*KXColorPresets::Find("Grayscale"), QSize(100, 4)).toImage();
   EXPECT_LT(QColor(gray.pixel(0, 1)).value(), 10);
   EXPECT_GT(QColor(gray.pixel(99, 1)).value(), 245);
   const int middle = QColor(gray.pixel(50, 1)).value();
   EXPECT_GT(middle, 100);
   EXPECT_LT(middle, 155);
 
-  const QImage set1 =
-    ColorPresetsDialog::PreviewPixmap(*KXColorPresets::Find("Brewer Qualitative Set1"), QSize(90, 4)).toImage();
+  const QImage set1 = ColorPresetsDialog::PreviewPixmap(
+                        *KXColorPresets::Find("Brewer Qualitative Set1"), QSize(90, 4))
+                        .toImage();
   EXPECT_EQ(QColor(set1.pixel(4, 1)), QColor(0xe4, 0x1a, 0x1c));
   EXPECT_EQ(QColor(set1.pixel(14, 1)), QColor(0x37, 0x7e, 0xb8));
   EXPECT_EQ(QColor(set1.pixel(85, 1)), QColor(0x99, 0x99, 0x99));

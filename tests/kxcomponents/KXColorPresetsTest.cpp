@@ -14,12 +14,13 @@ TEST(KXColorPresets, BuiltInCollectionHasTheFamiliarMaps)
   const auto& presets = KXColorPresets::LoadBuiltIn();
   ASSERT_GE(presets.size(), 10u);
   std::set<std::string> names;
-  for(const ColorPreset& preset : presets)
+  for (const ColorPreset& preset : presets)
   {
     EXPECT_TRUE(names.insert(preset.name).second) << "duplicate name " << preset.name;
   }
-  for(const char* name : {"Cool to Warm", "Viridis", "Inferno", "Grayscale", "Jet", "Rainbow Uniform",
-                          "Distinct 12", "Brewer Qualitative Set1", "Brewer Qualitative Paired"})
+  for (const char* name :
+       { "Cool to Warm", "Viridis", "Inferno", "Grayscale", "Jet", "Rainbow Uniform", "Distinct 12",
+         "Brewer Qualitative Set1", "Brewer Qualitative Paired" })
   {
     EXPECT_EQ(names.count(name), 1u) << name;
   }
@@ -28,9 +29,9 @@ TEST(KXColorPresets, BuiltInCollectionHasTheFamiliarMaps)
 TEST(KXColorPresets, ContinuousMapsAreWellFormed)
 {
   int continuous = 0;
-  for(const ColorPreset& preset : KXColorPresets::LoadBuiltIn())
+  for (const ColorPreset& preset : KXColorPresets::LoadBuiltIn())
   {
-    if(!KXColorPresets::IsContinuous(preset))
+    if (!KXColorPresets::IsContinuous(preset))
     {
       continue;
     }
@@ -41,13 +42,13 @@ TEST(KXColorPresets, ContinuousMapsAreWellFormed)
     ASSERT_GE(points.size(), 8u);
     EXPECT_FLOAT_EQ(points.front(), 0.0f);
     EXPECT_FLOAT_EQ(points[points.size() - 4], 1.0f);
-    for(size_t i = 0; i < points.size(); i += 4)
+    for (size_t i = 0; i < points.size(); i += 4)
     {
-      if(i > 0)
+      if (i > 0)
       {
         EXPECT_GT(points[i], points[i - 4]) << "positions must ascend";
       }
-      for(size_t c = 1; c < 4; ++c)
+      for (size_t c = 1; c < 4; ++c)
       {
         EXPECT_GE(points[i + c], 0.0f);
         EXPECT_LE(points[i + c], 1.0f);
@@ -62,9 +63,9 @@ TEST(KXColorPresets, ContinuousMapsAreWellFormed)
 TEST(KXColorPresets, IndexedMapsAreValid)
 {
   int indexed = 0;
-  for(const ColorPreset& preset : KXColorPresets::LoadBuiltIn())
+  for (const ColorPreset& preset : KXColorPresets::LoadBuiltIn())
   {
-    if(KXColorPresets::IsContinuous(preset))
+    if (KXColorPresets::IsContinuous(preset))
     {
       continue;
     }

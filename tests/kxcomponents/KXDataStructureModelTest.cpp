@@ -62,9 +62,9 @@ TEST(KXDataStructureModel, RowsFollowTheTree)
   EXPECT_EQ(phases.data(KXDataStructureModel::PathRole).toString(), "Geometry/Cell Data/Phases");
   EXPECT_EQ(phases.data(KXDataStructureModel::TypeNameRole).toString(), "DataGroup");
   EXPECT_EQ(phases.data(KXDataStructureModel::IdRole).toULongLong(), 3u);
-  EXPECT_EQ(model.dataPath(phases), DataPath({"Geometry", "Cell Data", "Phases"}));
-  EXPECT_EQ(model.indexFromPath(DataPath({"Geometry", "Cell Data", "Phases"})), phases);
-  EXPECT_FALSE(model.indexFromPath(DataPath({"Geometry", "Nope"})).isValid());
+  EXPECT_EQ(model.dataPath(phases), DataPath({ "Geometry", "Cell Data", "Phases" }));
+  EXPECT_EQ(model.indexFromPath(DataPath({ "Geometry", "Cell Data", "Phases" })), phases);
+  EXPECT_FALSE(model.indexFromPath(DataPath({ "Geometry", "Nope" })).isValid());
   EXPECT_FALSE(model.parent(geometry).isValid());
 }
 
@@ -72,15 +72,16 @@ TEST(KXDataStructureModel, SharedChildrenAppearUnderEachParent)
 {
   KXDataStructureModel model;
   const auto ds = MakeStructure();
-  const auto phasesId = ds->getId(DataPath({"Geometry", "Cell Data", "Phases"}));
-  const auto ensembleId = ds->getId(DataPath({"Ensemble"}));
+  const auto phasesId = ds->getId(DataPath({ "Geometry", "Cell Data", "Phases" }));
+  const auto ensembleId = ds->getId(DataPath({ "Ensemble" }));
   ASSERT_TRUE(phasesId && ensembleId);
   ASSERT_TRUE(ds->setAdditionalParent(*phasesId, *ensembleId));
   model.setDataStructure(ds);
   const QModelIndex ensemble = model.index(1, 0);
   ASSERT_EQ(model.rowCount(ensemble), 1);
   EXPECT_EQ(model.index(0, 0, ensemble).data().toString(), "Phases");
-  EXPECT_EQ(model.index(0, 0, ensemble).data(KXDataStructureModel::PathRole).toString(), "Ensemble/Phases");
+  EXPECT_EQ(model.index(0, 0, ensemble).data(KXDataStructureModel::PathRole).toString(),
+            "Ensemble/Phases");
 }
 
 TEST(KXDataStructureModel, RefreshShowsLaterChanges)

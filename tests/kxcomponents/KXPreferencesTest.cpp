@@ -39,7 +39,8 @@ TEST_F(KXPreferencesTest, BuiltInDefaults)
 
   EXPECT_EQ(KXPreferences::getDefaultRenderWindowBackground(), QColor(52, 57, 68));
   EXPECT_FALSE(KXPreferences::getCameraParallelProjDefault());
-  EXPECT_EQ(KXPreferences::getOrientationMarkerText(), (QStringList{"X", "-X", "Y", "-Y", "Z", "-Z"}));
+  EXPECT_EQ(KXPreferences::getOrientationMarkerText(),
+            (QStringList{ "X", "-X", "Y", "-Y", "Z", "-Z" }));
   EXPECT_FALSE(KXPreferences::getDisableDecimation());
   EXPECT_TRUE(KXPreferences::getAllowTooManyIndexedValues());
   EXPECT_TRUE(KXPreferences::getAllowMoreValuesThanIndexedColors());
@@ -76,7 +77,7 @@ TEST_F(KXPreferencesTest, ValuesPersistAcrossWriteAndRead)
   KXPreferences::setDefaultIndexedColorPreset(set1);
   KXPreferences::setDefaultRenderWindowBackground(QColor(1, 2, 3));
   KXPreferences::setCameraParallelProjDefault(true);
-  KXPreferences::setOrientationMarkerText({"E", "W", "N", "S", "Up", "Down"});
+  KXPreferences::setOrientationMarkerText({ "E", "W", "N", "S", "Up", "Down" });
   KXPreferences::setDisableDecimation(true);
   KXPreferences::setAllowTooManyIndexedValues(false);
   KXPreferences::setAllowMoreValuesThanIndexedColors(false);
@@ -90,7 +91,8 @@ TEST_F(KXPreferencesTest, ValuesPersistAcrossWriteAndRead)
   EXPECT_EQ(KXPreferences::getDefaultIndexedColorPreset(), set1);
   EXPECT_EQ(KXPreferences::getDefaultRenderWindowBackground(), QColor(1, 2, 3));
   EXPECT_TRUE(KXPreferences::getCameraParallelProjDefault());
-  EXPECT_EQ(KXPreferences::getOrientationMarkerText(), (QStringList{"E", "W", "N", "S", "Up", "Down"}));
+  EXPECT_EQ(KXPreferences::getOrientationMarkerText(),
+            (QStringList{ "E", "W", "N", "S", "Up", "Down" }));
   EXPECT_TRUE(KXPreferences::getDisableDecimation());
   EXPECT_FALSE(KXPreferences::getAllowTooManyIndexedValues());
   EXPECT_FALSE(KXPreferences::getAllowMoreValuesThanIndexedColors());
@@ -101,7 +103,7 @@ TEST_F(KXPreferencesTest, WritesUnderThePreferencesGroup)
   KXPreferences::setDisableDecimation(true);
   KXPreferences::writeSettings();
   QSettings raw(m_Settings.path(), QSettings::IniFormat);
-  EXPECT_EQ(raw.childGroups(), QStringList{"Preferences"});
+  EXPECT_EQ(raw.childGroups(), QStringList{ "Preferences" });
   EXPECT_TRUE(raw.value("Preferences/disable_decimation").toBool());
   EXPECT_EQ(raw.value("Preferences/camera_parallel_projection").toBool(), false);
 }
@@ -113,21 +115,22 @@ TEST_F(KXPreferencesTest, MissingOrBrokenKeysKeepCurrentValues)
     settings.beginGroup("Preferences");
     settings.setValue(KXPreferences::k_DisableDecimationKey, true);
     settings.setValue(KXPreferences::k_ColorPresetKey, QString("{not json"));
-    settings.setValue(KXPreferences::k_OrientationMarkerTextKey, QStringList{"only", "two"});
+    settings.setValue(KXPreferences::k_OrientationMarkerTextKey, QStringList{ "only", "two" });
   }
   KXPreferences::setCameraParallelProjDefault(true);
   KXPreferences::readSettings();
   EXPECT_TRUE(KXPreferences::getDisableDecimation());
   EXPECT_TRUE(KXPreferences::getCameraParallelProjDefault());
   EXPECT_EQ(KXPreferences::getDefaultColorPreset().name, "Cool to Warm");
-  EXPECT_EQ(KXPreferences::getOrientationMarkerText(), KXPreferences::DefaultOrientationMarkerText());
+  EXPECT_EQ(KXPreferences::getOrientationMarkerText(),
+            KXPreferences::DefaultOrientationMarkerText());
   EXPECT_EQ(KXPreferences::getDefaultRenderWindowBackground(), KXPreferences::DefaultBackground());
 }
 
 TEST_F(KXPreferencesTest, OrientationMarkerTextSignalsOnlyRealChanges)
 {
   QSignalSpy spy(KXPreferences::Instance(), &KXPreferences::orientationMarkerTextChanged);
-  const QStringList texts{"R", "L", "A", "P", "S", "I"};
+  const QStringList texts{ "R", "L", "A", "P", "S", "I" };
   KXPreferences::setOrientationMarkerText(texts);
   ASSERT_EQ(spy.count(), 1);
   EXPECT_EQ(spy.at(0).at(0).toStringList(), texts);
@@ -137,7 +140,7 @@ TEST_F(KXPreferencesTest, OrientationMarkerTextSignalsOnlyRealChanges)
   EXPECT_EQ(spy.count(), 1);
 
   // Six texts are needed, one per axis direction.
-  KXPreferences::setOrientationMarkerText({"a", "b", "c"});
+  KXPreferences::setOrientationMarkerText({ "a", "b", "c" });
   EXPECT_EQ(spy.count(), 1);
   EXPECT_EQ(KXPreferences::getOrientationMarkerText(), texts);
 
@@ -150,10 +153,11 @@ TEST_F(KXPreferencesTest, ReadingChangedTextsSignals)
 {
   {
     QtKXSettings settings;
-    settings.setValue("Preferences/orientation_marker_text", QStringList{"1", "2", "3", "4", "5", "6"});
+    settings.setValue("Preferences/orientation_marker_text",
+                      QStringList{ "1", "2", "3", "4", "5", "6" });
   }
   QSignalSpy spy(KXPreferences::Instance(), &KXPreferences::orientationMarkerTextChanged);
   KXPreferences::readSettings();
   ASSERT_EQ(spy.count(), 1);
-  EXPECT_EQ(spy.at(0).at(0).toStringList(), (QStringList{"1", "2", "3", "4", "5", "6"}));
+  EXPECT_EQ(spy.at(0).at(0).toStringList(), (QStringList{ "1", "2", "3", "4", "5", "6" }));
 }

@@ -18,10 +18,27 @@ QImage Render(const QIcon& icon, int side = 16)
 
 /** Theme icon names the visualization layer asks KXStyle for. */
 const QStringList k_NamesUsedByTheLibrary = {
-  "PipelineFileBridgeObj", "DataSource", "VertexGeometry", "Cells", "VXPipelineTreeIcon",
-  "invert", "preset", "Eye", "ScaleToData", "CustomRange", "Undo", "Close",
-  "Split Horizontal", "Split Vertical", "Run", "target", "Visualization",
-  "TriangleGeometry", "SliceView", "VolumeView", "GlyphView",
+  "PipelineFileBridgeObj",
+  "DataSource",
+  "VertexGeometry",
+  "Cells",
+  "VXPipelineTreeIcon",
+  "invert",
+  "preset",
+  "Eye",
+  "ScaleToData",
+  "CustomRange",
+  "Undo",
+  "Close",
+  "Split Horizontal",
+  "Split Vertical",
+  "Run",
+  "target",
+  "Visualization",
+  "TriangleGeometry",
+  "SliceView",
+  "VolumeView",
+  "GlyphView",
 };
 } // namespace
 
@@ -29,7 +46,7 @@ TEST(KXStyle, EveryNameTheLibraryUsesHasItsOwnIcon)
 {
   const QStringList known = KXStyle::iconNames();
   const QImage fallback = Render(KXStyle::fallbackIcon());
-  for(const QString& name : k_NamesUsedByTheLibrary)
+  for (const QString& name : k_NamesUsedByTheLibrary)
   {
     SCOPED_TRACE(name.toStdString());
     EXPECT_TRUE(known.contains(name));
@@ -43,15 +60,15 @@ TEST(KXStyle, EveryNameTheLibraryUsesHasItsOwnIcon)
 TEST(KXStyle, IconsAreDistinctAndVisible)
 {
   std::set<QByteArray> seen;
-  for(const QString& name : KXStyle::iconNames())
+  for (const QString& name : KXStyle::iconNames())
   {
     SCOPED_TRACE(name.toStdString());
     const QImage image = Render(KXStyle::generateThemeIconFromName(name));
     ASSERT_EQ(image.size(), QSize(16, 16));
     int opaque = 0;
-    for(int y = 0; y < image.height(); ++y)
+    for (int y = 0; y < image.height(); ++y)
     {
-      for(int x = 0; x < image.width(); ++x)
+      for (int x = 0; x < image.width(); ++x)
       {
         opaque += qAlpha(image.pixel(x, y)) > 128 ? 1 : 0;
       }

@@ -38,12 +38,14 @@ TEST(KXColorButton, ClickEmitsTheChosenColourOnce)
   KXColorButton button(QColor(Qt::white));
   QColor offered;
   int asked = 0;
-  button.setColorChooser([&](const QColor& current, QWidget* parent) {
-    ++asked;
-    offered = current;
-    EXPECT_EQ(parent, &button);
-    return QColor(200, 0, 0);
-  });
+  button.setColorChooser(
+    [&](const QColor& current, QWidget* parent)
+    {
+      ++asked;
+      offered = current;
+      EXPECT_EQ(parent, &button);
+      return QColor(200, 0, 0);
+    });
   QSignalSpy spy(&button, &KXColorButton::changedColor);
   button.click();
   EXPECT_EQ(asked, 1);
@@ -89,7 +91,8 @@ TEST(KXIconPushButton, FlatButtonWithAThemeIcon)
 
 TEST(QElidedLabel, ShortensLongTextToItsWidth)
 {
-  const QString longText = "Pipeline / Imported Geometry / Cell Data / Feature Identifiers : Render View Settings";
+  const QString longText =
+    "Pipeline / Imported Geometry / Cell Data / Feature Identifiers : Render View Settings";
   QElidedLabel label(longText);
   label.resize(80, 20);
   EXPECT_EQ(label.text(), longText);

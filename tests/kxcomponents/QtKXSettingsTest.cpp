@@ -44,21 +44,22 @@ TEST(QtKXSettings, NestedGroupsRoundTripThroughTheFile)
     EXPECT_EQ(settings.group(), "VisualizationSettings/RepresentationSettings");
     settings.setValue("opacity_percent", 75);
     settings.setValue("name", QString("Surface View"));
-    settings.setValue("flags", QStringList{"a", "b", "c"});
+    settings.setValue("flags", QStringList{ "a", "b", "c" });
     settings.endGroup();
     settings.endGroup();
     EXPECT_EQ(settings.group(), QString());
   }
   QtKXSettings reader;
-  EXPECT_EQ(reader.value("VisualizationSettings/RepresentationSettings/opacity_percent").toInt(), 75);
+  EXPECT_EQ(reader.value("VisualizationSettings/RepresentationSettings/opacity_percent").toInt(),
+            75);
   reader.beginGroup("VisualizationSettings");
-  EXPECT_EQ(reader.childGroups(), QStringList{"RepresentationSettings"});
+  EXPECT_EQ(reader.childGroups(), QStringList{ "RepresentationSettings" });
   reader.beginGroup("RepresentationSettings");
   EXPECT_EQ(reader.value("name").toString(), "Surface View");
-  EXPECT_EQ(reader.value("flags").toStringList(), (QStringList{"a", "b", "c"}));
+  EXPECT_EQ(reader.value("flags").toStringList(), (QStringList{ "a", "b", "c" }));
   QStringList keys = reader.childKeys();
   keys.sort();
-  EXPECT_EQ(keys, (QStringList{"flags", "name", "opacity_percent"}));
+  EXPECT_EQ(keys, (QStringList{ "flags", "name", "opacity_percent" }));
 }
 
 TEST(QtKXSettings, ContainsOnlyKeysThatWereWritten)

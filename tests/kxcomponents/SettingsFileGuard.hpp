@@ -16,8 +16,8 @@ class SettingsFileGuard
 {
 public:
   SettingsFileGuard()
-  : m_Previous(QtKXSettings::FilePath())
-  , m_Path(QString::fromStdString((m_Dir / "settings.ini").string()))
+    : m_Previous(QtKXSettings::FilePath())
+    , m_Path(QString::fromStdString((m_Dir / "settings.ini").string()))
   {
     QtKXSettings::SetFilePath(m_Path);
   }

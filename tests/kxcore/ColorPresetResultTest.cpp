@@ -31,22 +31,23 @@ TEST(ColorPreset, ReadsEveryMember)
   const ColorPreset indexed(k_Indexed);
   EXPECT_EQ(indexed.name, "Grains");
   EXPECT_EQ(indexed.colorSpace, "RGB");
-  EXPECT_EQ(indexed.nanColor, (std::vector<float>{1.0f, 0.0f, 0.5f}));
+  EXPECT_EQ(indexed.nanColor, (std::vector<float>{ 1.0f, 0.0f, 0.5f }));
   EXPECT_TRUE(indexed.rgbPoints.empty());
-  EXPECT_EQ(indexed.indexedColors, (std::vector<float>{0, 0, 0, 1, 0.5f, 0.25f}));
+  EXPECT_EQ(indexed.indexedColors, (std::vector<float>{ 0, 0, 0, 1, 0.5f, 0.25f }));
   EXPECT_EQ(indexed.annotations, json::parse(R"([0, "matrix", 1, "precipitate"])"));
 
   const ColorPreset continuous(k_Continuous);
   EXPECT_EQ(continuous.name, "Cool to Warm");
   EXPECT_EQ(continuous.colorSpace, "Diverging");
-  EXPECT_EQ(continuous.rgbPoints, (std::vector<float>{-1, 0.25f, 0.5f, 0.75f, 1, 0.75f, 0.5f, 0.25f}));
+  EXPECT_EQ(continuous.rgbPoints,
+            (std::vector<float>{ -1, 0.25f, 0.5f, 0.75f, 1, 0.75f, 0.5f, 0.25f }));
   EXPECT_TRUE(continuous.indexedColors.empty());
   EXPECT_TRUE(continuous.annotations.is_null());
 }
 
 TEST(ColorPreset, JsonRoundTrip)
 {
-  for(const json& source : {k_Indexed, k_Continuous})
+  for (const json& source : { k_Indexed, k_Continuous })
   {
     const ColorPreset preset(source);
     EXPECT_EQ(preset.toJson(), source);
@@ -100,14 +101,14 @@ TEST(ColorPreset, IndexedPresetNeedsWholeRgbColors)
     bool valid;
   };
   const std::vector<Case> cases{
-    {{}, {}, false},
-    {{1, 0, 0}, {}, true},
-    {{1, 0, 0, 0, 1, 0}, {}, true},
-    {{1, 0}, {}, false},
-    {{1, 0, 0, 0}, {}, false},
-    {{}, {0, 1, 0, 0, 1, 0, 0, 1}, false},
+    { {}, {}, false },
+    { { 1, 0, 0 }, {}, true },
+    { { 1, 0, 0, 0, 1, 0 }, {}, true },
+    { { 1, 0 }, {}, false },
+    { { 1, 0, 0, 0 }, {}, false },
+    { {}, { 0, 1, 0, 0, 1, 0, 0, 1 }, false },
   };
-  for(const auto& c : cases)
+  for (const auto& c : cases)
   {
     ColorPreset preset;
     preset.name = "p";
@@ -126,7 +127,7 @@ TEST(Result, ValidOnlyWithValueAndNoErrors)
   EXPECT_EQ(value.value(), 5);
   EXPECT_TRUE(value.errors().empty());
 
-  const Result<std::string> warned(std::string("ok"), {Warning{-2, "rounded"}});
+  const Result<std::string> warned(std::string("ok"), { Warning{ -2, "rounded" } });
   EXPECT_TRUE(warned.isValid());
   ASSERT_EQ(warned.warnings().size(), 1u);
   EXPECT_EQ(warned.warnings()[0].code, -2);
@@ -140,7 +141,8 @@ TEST(Result, ValidOnlyWithValueAndNoErrors)
   EXPECT_EQ(failed.errors()[0].code, -17);
   EXPECT_EQ(failed.errors()[0].message, "no such file");
 
-  const Result<int> failedWarned(std::vector<Error>{{-1, "a"}, {-2, "b"}}, {Warning{3, "w"}});
+  const Result<int> failedWarned(std::vector<Error>{ { -1, "a" }, { -2, "b" } },
+                                 { Warning{ 3, "w" } });
   EXPECT_FALSE(failedWarned.isValid());
   EXPECT_EQ(failedWarned.errors().size(), 2u);
   ASSERT_EQ(failedWarned.warnings().size(), 1u);
@@ -151,11 +153,12 @@ TEST(Result, VoidResultValidWithoutErrors)
 {
   Result<void> done;
   EXPECT_TRUE(done.isValid());
-  done.warnings().push_back(Warning{1, "skipped"});
+  done.warnings().push_back(Warning{ 1, "skipped" });
   EXPECT_TRUE(done.isValid());
   EXPECT_EQ(done.warnings().size(), 1u);
 
-  const detail::ResultVoid failed(std::vector<Error>{{-5, "broken"}}, {Warning{2, "partial"}});
+  const detail::ResultVoid failed(std::vector<Error>{ { -5, "broken" } },
+                                  { Warning{ 2, "partial" } });
   EXPECT_FALSE(failed.isValid());
   EXPECT_EQ(failed.errors()[0].message, "broken");
   EXPECT_EQ(failed.warnings()[0].message, "partial");

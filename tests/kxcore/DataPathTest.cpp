@@ -23,7 +23,7 @@ TEST(DataPath, FromStringSplitsAndToStringJoins)
   // another delimiter: '/' is then part of a name
   const auto piped = DataPath::FromString("a/b|c", '|');
   ASSERT_TRUE(piped.has_value());
-  EXPECT_EQ(*piped, DataPath({"a/b", "c"}));
+  EXPECT_EQ(*piped, DataPath({ "a/b", "c" }));
   EXPECT_EQ(DataPath::FromString(piped->toString("|"), '|'), piped);
 
   const auto single = DataPath::FromString("Top");
@@ -34,7 +34,7 @@ TEST(DataPath, FromStringSplitsAndToStringJoins)
 
 TEST(DataPath, FromStringRejectsEmptyNames)
 {
-  for(const char* text : {"", "a//b", "/a", "a/", "/"})
+  for (const char* text : { "", "a//b", "/a", "a/", "/" })
   {
     EXPECT_FALSE(DataPath::FromString(text).has_value()) << "'" << text << "'";
   }
@@ -47,23 +47,26 @@ TEST(DataPath, DefaultIsEmpty)
   EXPECT_EQ(path.getLength(), 0u);
   EXPECT_EQ(path.getTargetName(), "");
   EXPECT_EQ(path.toString("/"), "");
-  EXPECT_EQ(DataPath({"a", "b"}).getParent(), DataPath({"a"}));
-  EXPECT_EQ(DataPath({"a"}).createChildPath("b"), DataPath({"a", "b"}));
+  EXPECT_EQ(DataPath({ "a", "b" }).getParent(), DataPath({ "a" }));
+  EXPECT_EQ(DataPath({ "a" }).createChildPath("b"), DataPath({ "a", "b" }));
 }
 
 TEST(DataPath, OrderingIsLexicographicParentsFirst)
 {
-  std::vector<DataPath> paths{DataPath({"b"}), DataPath({"a", "c"}), DataPath({"a"}), DataPath({"a", "b"}), DataPath({"B"})};
+  std::vector<DataPath> paths{ DataPath({ "b" }), DataPath({ "a", "c" }), DataPath({ "a" }),
+                               DataPath({ "a", "b" }), DataPath({ "B" }) };
   std::sort(paths.begin(), paths.end());
-  const std::vector<DataPath> expected{DataPath({"B"}), DataPath({"a"}), DataPath({"a", "b"}), DataPath({"a", "c"}), DataPath({"b"})};
+  const std::vector<DataPath> expected{ DataPath({ "B" }), DataPath({ "a" }),
+                                        DataPath({ "a", "b" }), DataPath({ "a", "c" }),
+                                        DataPath({ "b" }) };
   EXPECT_EQ(paths, expected);
 
-  EXPECT_FALSE(DataPath({"a"}) < DataPath({"a"}));
-  EXPECT_EQ(DataPath({"a", "b"}), *DataPath::FromString("a/b"));
-  EXPECT_NE(DataPath({"a", "b"}), DataPath({"b", "a"}));
-  EXPECT_NE(DataPath({"a"}), DataPath({"a", "b"}));
+  EXPECT_FALSE(DataPath({ "a" }) < DataPath({ "a" }));
+  EXPECT_EQ(DataPath({ "a", "b" }), *DataPath::FromString("a/b"));
+  EXPECT_NE(DataPath({ "a", "b" }), DataPath({ "b", "a" }));
+  EXPECT_NE(DataPath({ "a" }), DataPath({ "a", "b" }));
 
   DataPath copy = paths[2];
   DataPath moved = std::move(copy);
-  EXPECT_EQ(moved, DataPath({"a", "b"}));
+  EXPECT_EQ(moved, DataPath({ "a", "b" }));
 }

@@ -18,7 +18,7 @@ namespace
 std::vector<IdType> Keys(const DataStructure& ds)
 {
   std::vector<IdType> ids;
-  for(const auto& [id, object] : ds)
+  for (const auto& [id, object] : ds)
   {
     EXPECT_EQ(id, object->getId());
     ids.push_back(id);
@@ -38,8 +38,8 @@ protected:
     ASSERT_EQ(ds.getNextId(), 1u);
     zeta = DataGroup::Create(ds, "Zeta");
     alpha = DataGroup::Create(ds, "Alpha");
-    b = MakeArray<float32>(ds, "b", {4}, {1}, zeta->getId());
-    a = MakeArray<int32>(ds, "a", {2}, {3}, zeta->getId());
+    b = MakeArray<float32>(ds, "b", { 4 }, { 1 }, zeta->getId());
+    a = MakeArray<int32>(ds, "a", { 2 }, { 3 }, zeta->getId());
     m = DataGroup::Create(ds, "m", alpha->getId());
     ASSERT_NE(m, nullptr);
     ASSERT_TRUE(ds.setAdditionalParent(b->getId(), alpha->getId()));
@@ -68,25 +68,25 @@ TEST_F(TwoParentTree, IdentifiersStartAtOneAndAscend)
 
 TEST_F(TwoParentTree, IteratesByAscendingIdentifierNotName)
 {
-  EXPECT_EQ(Keys(ds), (std::vector<IdType>{1, 2}));
+  EXPECT_EQ(Keys(ds), (std::vector<IdType>{ 1, 2 }));
   std::vector<std::string> names;
-  for(const auto& [id, child] : *zeta)
+  for (const auto& [id, child] : *zeta)
     names.push_back(child->getName());
-  EXPECT_EQ(names, (Strings{"b", "a"}));
-  EXPECT_EQ(zeta->getDataMap().getKeys(), (std::vector<IdType>{3, 4}));
-  EXPECT_EQ(alpha->getDataMap().getKeys(), (std::vector<IdType>{3, 5}));
+  EXPECT_EQ(names, (Strings{ "b", "a" }));
+  EXPECT_EQ(zeta->getDataMap().getKeys(), (std::vector<IdType>{ 3, 4 }));
+  EXPECT_EQ(alpha->getDataMap().getKeys(), (std::vector<IdType>{ 3, 5 }));
 }
 
 TEST_F(TwoParentTree, FindsObjectsByPathAndIdentifier)
 {
-  EXPECT_EQ(ds.getData(DataPath({"Zeta", "a"})), a);
-  EXPECT_EQ(ds.getData(DataPath({"Alpha", "b"})), b);
-  EXPECT_EQ(ds.getData(DataPath({"Zeta", "b"})), b);
-  EXPECT_EQ(ds.getData(DataPath({"Alpha"})), alpha);
-  EXPECT_EQ(ds.getData(DataPath({"Alpha", "a"})), nullptr);
-  EXPECT_EQ(ds.getData(DataPath({"Zeta", "a", "deeper"})), nullptr);
+  EXPECT_EQ(ds.getData(DataPath({ "Zeta", "a" })), a);
+  EXPECT_EQ(ds.getData(DataPath({ "Alpha", "b" })), b);
+  EXPECT_EQ(ds.getData(DataPath({ "Zeta", "b" })), b);
+  EXPECT_EQ(ds.getData(DataPath({ "Alpha" })), alpha);
+  EXPECT_EQ(ds.getData(DataPath({ "Alpha", "a" })), nullptr);
+  EXPECT_EQ(ds.getData(DataPath({ "Zeta", "a", "deeper" })), nullptr);
   EXPECT_EQ(ds.getData(DataPath()), nullptr);
-  EXPECT_EQ(ds.getId(DataPath({"Alpha", "m"})), std::optional<IdType>(5));
+  EXPECT_EQ(ds.getId(DataPath({ "Alpha", "m" })), std::optional<IdType>(5));
 
   EXPECT_EQ(ds.getSharedData(4).get(), a);
   EXPECT_EQ(ds.getData(2), alpha);
@@ -98,11 +98,12 @@ TEST_F(TwoParentTree, FindsObjectsByPathAndIdentifier)
 
 TEST_F(TwoParentTree, ListsEveryPathDepthFirst)
 {
-  EXPECT_EQ(PathStrings(ds.getAllDataPaths()), (Strings{"Zeta", "Zeta/b", "Zeta/a", "Alpha", "Alpha/b", "Alpha/m"}));
-  EXPECT_EQ(PathStrings(b->getDataPaths()), (Strings{"Zeta/b", "Alpha/b"}));
-  EXPECT_EQ(b->getParentIds(), (std::vector<IdType>{1, 2}));
-  EXPECT_EQ(PathStrings(a->getDataPaths()), (Strings{"Zeta/a"}));
-  EXPECT_EQ(PathStrings(zeta->getDataPaths()), (Strings{"Zeta"}));
+  EXPECT_EQ(PathStrings(ds.getAllDataPaths()),
+            (Strings{ "Zeta", "Zeta/b", "Zeta/a", "Alpha", "Alpha/b", "Alpha/m" }));
+  EXPECT_EQ(PathStrings(b->getDataPaths()), (Strings{ "Zeta/b", "Alpha/b" }));
+  EXPECT_EQ(b->getParentIds(), (std::vector<IdType>{ 1, 2 }));
+  EXPECT_EQ(PathStrings(a->getDataPaths()), (Strings{ "Zeta/a" }));
+  EXPECT_EQ(PathStrings(zeta->getDataPaths()), (Strings{ "Zeta" }));
 }
 
 TEST_F(TwoParentTree, RemovingAGroupDropsChildrenNoOtherParentHolds)
@@ -118,9 +119,9 @@ TEST_F(TwoParentTree, RemovingAGroupDropsChildrenNoOtherParentHolds)
 
   // "b" survives under Alpha
   ASSERT_EQ(ds.getData(3), b);
-  EXPECT_EQ(PathStrings(b->getDataPaths()), (Strings{"Alpha/b"}));
-  EXPECT_EQ(b->getParentIds(), (std::vector<IdType>{2}));
-  EXPECT_EQ(PathStrings(ds.getAllDataPaths()), (Strings{"Alpha", "Alpha/b", "Alpha/m"}));
+  EXPECT_EQ(PathStrings(b->getDataPaths()), (Strings{ "Alpha/b" }));
+  EXPECT_EQ(b->getParentIds(), (std::vector<IdType>{ 2 }));
+  EXPECT_EQ(PathStrings(ds.getAllDataPaths()), (Strings{ "Alpha", "Alpha/b", "Alpha/m" }));
   EXPECT_EQ(ds.getSize(), 3u);
   // identifiers are not reused before a reset
   EXPECT_EQ(ds.getNextId(), 6u);
@@ -139,7 +140,7 @@ TEST_F(TwoParentTree, InsertRefusesTakenIdentifiersAndSiblingNames)
   // the same name under another parent is fine
   auto* other = DataGroup::Create(ds, "a", alpha->getId());
   ASSERT_NE(other, nullptr);
-  EXPECT_EQ(ds.getData(DataPath({"Alpha", "a"})), other);
+  EXPECT_EQ(ds.getData(DataPath({ "Alpha", "a" })), other);
 
   auto* imported = DataGroup::Import(ds, "Far", 50);
   ASSERT_NE(imported, nullptr);
@@ -163,7 +164,7 @@ TEST_F(TwoParentTree, AdditionalParentRefusesCyclesAndConflicts)
 
   // a group may join a sibling branch
   ASSERT_TRUE(ds.setAdditionalParent(m->getId(), zeta->getId()));
-  EXPECT_EQ(PathStrings(inner->getDataPaths()), (Strings{"Zeta/m/inner", "Alpha/m/inner"}));
+  EXPECT_EQ(PathStrings(inner->getDataPaths()), (Strings{ "Zeta/m/inner", "Alpha/m/inner" }));
   // now Zeta is above inner too
   EXPECT_FALSE(ds.setAdditionalParent(zeta->getId(), inner->getId()));
 }
@@ -173,12 +174,14 @@ TEST_F(TwoParentTree, CopyKeepsEveryPathOfSharedObjects)
   // a top-level object may also sit in a group
   auto* top = DataGroup::Create(ds, "Top");
   ASSERT_TRUE(ds.setAdditionalParent(top->getId(), zeta->getId()));
-  EXPECT_EQ(PathStrings(top->getDataPaths()), (Strings{"Top", "Zeta/Top"}));
+  EXPECT_EQ(PathStrings(top->getDataPaths()), (Strings{ "Top", "Zeta/Top" }));
 
   const DataStructure copy(ds);
   EXPECT_EQ(copy.getAllDataPaths(), ds.getAllDataPaths());
-  EXPECT_EQ(PathStrings(copy.getData(b->getId())->getDataPaths()), (Strings{"Zeta/b", "Alpha/b"}));
-  EXPECT_EQ(PathStrings(copy.getData(top->getId())->getDataPaths()), (Strings{"Top", "Zeta/Top"}));
+  EXPECT_EQ(PathStrings(copy.getData(b->getId())->getDataPaths()),
+            (Strings{ "Zeta/b", "Alpha/b" }));
+  EXPECT_EQ(PathStrings(copy.getData(top->getId())->getDataPaths()),
+            (Strings{ "Top", "Zeta/Top" }));
   // both parents in the copy hold the same copied object
   EXPECT_EQ(copy.getDataAs<BaseGroup>(1)->getDataMap().get(3), copy.getSharedData(3));
   EXPECT_EQ(copy.getDataAs<BaseGroup>(2)->getDataMap().get(3), copy.getSharedData(3));
@@ -188,25 +191,25 @@ TEST_F(TwoParentTree, CopyKeepsEveryPathOfSharedObjects)
 TEST(AttributeMatrix, AcceptsOnlyArraysOfItsTupleCount)
 {
   DataStructure ds;
-  auto* matrix = AttributeMatrix::Create(ds, "Cell Data", {2, 3});
+  auto* matrix = AttributeMatrix::Create(ds, "Cell Data", { 2, 3 });
   ASSERT_NE(matrix, nullptr);
   EXPECT_EQ(matrix->getNumberOfTuples(), 6u);
-  EXPECT_EQ(matrix->getShape(), (ShapeType{2, 3}));
+  EXPECT_EQ(matrix->getShape(), (ShapeType{ 2, 3 }));
   const IdType id = matrix->getId();
 
-  EXPECT_NE(MakeArray<int32>(ds, "flat", {6}, {1}, id), nullptr);
-  EXPECT_NE(MakeArray<float32>(ds, "shaped", {3, 2}, {3}, id), nullptr);
-  EXPECT_EQ(MakeArray<int32>(ds, "short", {5}, {1}, id), nullptr);
-  EXPECT_EQ(MakeArray<int32>(ds, "long", {6, 2}, {1}, id), nullptr);
-  EXPECT_EQ(MakeArray<int32>(ds, "flat", {6}, {1}, id), nullptr);
+  EXPECT_NE(MakeArray<int32>(ds, "flat", { 6 }, { 1 }, id), nullptr);
+  EXPECT_NE(MakeArray<float32>(ds, "shaped", { 3, 2 }, { 3 }, id), nullptr);
+  EXPECT_EQ(MakeArray<int32>(ds, "short", { 5 }, { 1 }, id), nullptr);
+  EXPECT_EQ(MakeArray<int32>(ds, "long", { 6, 2 }, { 1 }, id), nullptr);
+  EXPECT_EQ(MakeArray<int32>(ds, "flat", { 6 }, { 1 }, id), nullptr);
   EXPECT_EQ(DataGroup::Create(ds, "group", id), nullptr);
-  const IdType elsewhere = MakeArray<int32>(ds, "elsewhere", {5}, {1}, std::nullopt)->getId();
+  const IdType elsewhere = MakeArray<int32>(ds, "elsewhere", { 5 }, { 1 }, std::nullopt)->getId();
   EXPECT_FALSE(ds.setAdditionalParent(elsewhere, id));
 
   Strings names;
-  for(const auto& [childId, child] : *matrix)
+  for (const auto& [childId, child] : *matrix)
     names.push_back(child->getName());
-  EXPECT_EQ(names, (Strings{"flat", "shaped"}));
+  EXPECT_EQ(names, (Strings{ "flat", "shaped" }));
 }
 
 TEST(DataStructure, ResetIdsRenumbersInOrderKeepingTreeAndGeometryReferences)
@@ -215,13 +218,13 @@ TEST(DataStructure, ResetIdsRenumbersInOrderKeepingTreeAndGeometryReferences)
   const IdType gap1 = DataGroup::Create(ds, "gap1")->getId();
   auto* image = ImageGeom::Create(ds, "Image");
   const IdType gap2 = DataGroup::Create(ds, "gap2")->getId();
-  image->setDimensions({2, 2, 1});
-  auto* cellData = AttributeMatrix::Create(ds, "Cell Data", {4}, image->getId());
+  image->setDimensions({ 2, 2, 1 });
+  auto* cellData = AttributeMatrix::Create(ds, "Cell Data", { 4 }, image->getId());
   image->setCellData(cellData->getId());
-  auto* phases = MakeArray<int32>(ds, "Phases", {4}, {1}, cellData->getId(), 7);
+  auto* phases = MakeArray<int32>(ds, "Phases", { 4 }, { 1 }, cellData->getId(), 7);
   auto* mesh = TriangleGeom::Create(ds, "Mesh");
-  auto* vertices = MakeArray<float32>(ds, "Vertices", {3}, {3}, mesh->getId());
-  auto* faces = MakeArray<uint64>(ds, "Faces", {1}, {3}, mesh->getId());
+  auto* vertices = MakeArray<float32>(ds, "Vertices", { 3 }, { 3 }, mesh->getId());
+  auto* faces = MakeArray<uint64>(ds, "Faces", { 1 }, { 3 }, mesh->getId());
   mesh->setVertexListId(vertices->getId());
   mesh->setFaceListId(faces->getId());
   auto* shared = DataGroup::Create(ds, "Shared");
@@ -242,15 +245,16 @@ TEST(DataStructure, ResetIdsRenumbersInOrderKeepingTreeAndGeometryReferences)
   EXPECT_EQ(faces->getId(), 25u);
   EXPECT_EQ(shared->getId(), 26u);
   EXPECT_EQ(ds.getNextId(), 27u);
-  for(IdType id = 20; id <= 26; id++)
+  for (IdType id = 20; id <= 26; id++)
     EXPECT_EQ(ds.getData(id)->getId(), id);
   EXPECT_EQ(ds.getData(2), nullptr);
 
   EXPECT_EQ(ds.getAllDataPaths(), pathsBefore);
-  EXPECT_EQ(Keys(ds), (std::vector<IdType>{20, 23, 26}));
-  EXPECT_EQ(mesh->getDataMap().getKeys(), (std::vector<IdType>{24, 25}));
-  EXPECT_EQ(phases->getParentIds(), (std::vector<IdType>{21, 26}));
-  EXPECT_EQ(PathStrings(phases->getDataPaths()), (Strings{"Image/Cell Data/Phases", "Shared/Phases"}));
+  EXPECT_EQ(Keys(ds), (std::vector<IdType>{ 20, 23, 26 }));
+  EXPECT_EQ(mesh->getDataMap().getKeys(), (std::vector<IdType>{ 24, 25 }));
+  EXPECT_EQ(phases->getParentIds(), (std::vector<IdType>{ 21, 26 }));
+  EXPECT_EQ(PathStrings(phases->getDataPaths()),
+            (Strings{ "Image/Cell Data/Phases", "Shared/Phases" }));
 
   EXPECT_EQ(image->getCellDataId(), std::optional<IdType>(21));
   EXPECT_EQ(image->getCellData(), cellData);
@@ -265,8 +269,8 @@ TEST(DataStructure, ResetIdsDoesNotRetargetReferencesToRemovedObjects)
 {
   DataStructure ds;
   auto* image = ImageGeom::Create(ds, "Image");
-  auto* cellData = AttributeMatrix::Create(ds, "Cell Data", {1}, image->getId());
-  auto* other = AttributeMatrix::Create(ds, "Other", {1}, image->getId());
+  auto* cellData = AttributeMatrix::Create(ds, "Cell Data", { 1 }, image->getId());
+  auto* other = AttributeMatrix::Create(ds, "Other", { 1 }, image->getId());
   image->setCellData(cellData->getId());
   ASSERT_TRUE(ds.removeData(cellData->getId()));
   EXPECT_EQ(image->getCellData(), nullptr);
@@ -285,17 +289,17 @@ DataStructure MakeImageTree()
 {
   DataStructure ds;
   auto* image = ImageGeom::Create(ds, "Image");
-  image->setDimensions({3, 1, 1});
-  auto* cellData = AttributeMatrix::Create(ds, "Cell Data", {3}, image->getId());
+  image->setDimensions({ 3, 1, 1 });
+  auto* cellData = AttributeMatrix::Create(ds, "Cell Data", { 3 }, image->getId());
   image->setCellData(cellData->getId());
-  MakeArray<int32>(ds, "Phases", {3}, {1}, cellData->getId(), 5);
+  MakeArray<int32>(ds, "Phases", { 3 }, { 1 }, cellData->getId(), 5);
   DataGroup::Create(ds, "Group");
   return ds;
 }
 
 void ExpectOwnedBy(const DataStructure& ds)
 {
-  for(IdType id = 1; id <= 4; id++)
+  for (IdType id = 1; id <= 4; id++)
   {
     ASSERT_NE(ds.getData(id), nullptr) << id;
     EXPECT_EQ(ds.getData(id)->getDataStructure(), &ds) << id;
@@ -303,7 +307,7 @@ void ExpectOwnedBy(const DataStructure& ds)
   const auto* image = ds.getDataAs<ImageGeom>(1);
   ASSERT_NE(image, nullptr);
   EXPECT_EQ(image->getCellData(), ds.getData(2));
-  EXPECT_EQ(PathStrings(ds.getData(3)->getDataPaths()), (Strings{"Image/Cell Data/Phases"}));
+  EXPECT_EQ(PathStrings(ds.getData(3)->getDataPaths()), (Strings{ "Image/Cell Data/Phases" }));
 }
 } // namespace
 
@@ -327,8 +331,9 @@ TEST(DataStructure, CopyIsAnIndependentTreeSharingStores)
   ASSERT_TRUE(copy.removeData(2));
   copy.resetIds(100);
   DataGroup::Create(copy, "OnlyInCopy");
-  EXPECT_EQ(PathStrings(copy.getAllDataPaths()), (Strings{"Image", "OnlyInCopy"}));
-  EXPECT_EQ(PathStrings(original.getAllDataPaths()), (Strings{"Image", "Image/Cell Data", "Image/Cell Data/Phases", "Group"}));
+  EXPECT_EQ(PathStrings(copy.getAllDataPaths()), (Strings{ "Image", "OnlyInCopy" }));
+  EXPECT_EQ(PathStrings(original.getAllDataPaths()),
+            (Strings{ "Image", "Image/Cell Data", "Image/Cell Data/Phases", "Group" }));
   EXPECT_EQ(original.getNextId(), 5u);
   ExpectOwnedBy(original);
 

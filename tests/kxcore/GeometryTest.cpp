@@ -21,15 +21,16 @@ namespace
 {
 IdType Vertices(DataStructure& ds, IdType geomId, usize count)
 {
-  return MakeArray<float32>(ds, "Vertices", {count}, {3}, geomId)->getId();
+  return MakeArray<float32>(ds, "Vertices", { count }, { 3 }, geomId)->getId();
 }
 
-IdType Connectivity(DataStructure& ds, const std::string& name, IdType geomId, usize tuples, usize perCell)
+IdType Connectivity(DataStructure& ds, const std::string& name, IdType geomId, usize tuples,
+                    usize perCell)
 {
-  return MakeArray<uint64>(ds, name, {tuples}, {perCell}, geomId)->getId();
+  return MakeArray<uint64>(ds, name, { tuples }, { perCell }, geomId)->getId();
 }
 
-template <typename Geom>
+template<typename Geom>
 Geom* NodeGeom(DataStructure& ds, usize vertexCount)
 {
   auto* geom = Geom::Create(ds, Geom::k_TypeName);
@@ -48,59 +49,67 @@ struct GeometryCase
 const std::vector<GeometryCase>& Cases()
 {
   static const std::vector<GeometryCase> cases{
-    {"ImageGeom", 0, 24,
-     [](DataStructure& ds) -> IGeometry* {
-       auto* geom = ImageGeom::Create(ds, "ImageGeom");
-       geom->setDimensions({2, 3, 4});
-       return geom;
-     }},
-    {"RectGridGeom", 1, 6,
-     [](DataStructure& ds) -> IGeometry* {
-       auto* geom = RectGridGeom::Create(ds, "RectGridGeom");
-       geom->setDimensions({3, 2, 1});
-       geom->setBounds(MakeArray<float32>(ds, "X", {4}, {1}, geom->getId())->getId(),
-                       MakeArray<float32>(ds, "Y", {3}, {1}, geom->getId())->getId(),
-                       MakeArray<float32>(ds, "Z", {2}, {1}, geom->getId())->getId());
-       return geom;
-     }},
-    {"VertexGeom", 2, 5, [](DataStructure& ds) -> IGeometry* { return NodeGeom<VertexGeom>(ds, 5); }},
-    {"EdgeGeom", 3, 3,
-     [](DataStructure& ds) -> IGeometry* {
-       auto* geom = NodeGeom<EdgeGeom>(ds, 4);
-       geom->setEdgeListId(Connectivity(ds, "Edges", geom->getId(), 3, 2));
-       return geom;
-     }},
-    {"TriangleGeom", 4, 7,
-     [](DataStructure& ds) -> IGeometry* {
-       auto* geom = NodeGeom<TriangleGeom>(ds, 4);
-       geom->setEdgeListId(Connectivity(ds, "Edges", geom->getId(), 9, 2));
-       geom->setFaceListId(Connectivity(ds, "Faces", geom->getId(), 7, 3));
-       return geom;
-     }},
-    {"QuadGeom", 5, 2,
-     [](DataStructure& ds) -> IGeometry* {
-       auto* geom = NodeGeom<QuadGeom>(ds, 6);
-       geom->setFaceListId(Connectivity(ds, "Faces", geom->getId(), 2, 4));
-       return geom;
-     }},
-    {"TetrahedralGeom", 6, 3,
-     [](DataStructure& ds) -> IGeometry* {
-       auto* geom = NodeGeom<TetrahedralGeom>(ds, 6);
-       geom->setFaceListId(Connectivity(ds, "Faces", geom->getId(), 10, 3));
-       geom->setPolyhedraListId(Connectivity(ds, "Tets", geom->getId(), 3, 4));
-       return geom;
-     }},
-    {"HexahedralGeom", 7, 2,
-     [](DataStructure& ds) -> IGeometry* {
-       auto* geom = NodeGeom<HexahedralGeom>(ds, 12);
-       geom->setPolyhedraListId(Connectivity(ds, "Hexes", geom->getId(), 2, 8));
-       return geom;
-     }},
+    { "ImageGeom", 0, 24,
+      [](DataStructure& ds) -> IGeometry*
+      {
+        auto* geom = ImageGeom::Create(ds, "ImageGeom");
+        geom->setDimensions({ 2, 3, 4 });
+        return geom;
+      } },
+    { "RectGridGeom", 1, 6,
+      [](DataStructure& ds) -> IGeometry*
+      {
+        auto* geom = RectGridGeom::Create(ds, "RectGridGeom");
+        geom->setDimensions({ 3, 2, 1 });
+        geom->setBounds(MakeArray<float32>(ds, "X", { 4 }, { 1 }, geom->getId())->getId(),
+                        MakeArray<float32>(ds, "Y", { 3 }, { 1 }, geom->getId())->getId(),
+                        MakeArray<float32>(ds, "Z", { 2 }, { 1 }, geom->getId())->getId());
+        return geom;
+      } },
+    { "VertexGeom", 2, 5,
+      [](DataStructure& ds) -> IGeometry* { return NodeGeom<VertexGeom>(ds, 5); } },
+    { "EdgeGeom", 3, 3,
+      [](DataStructure& ds) -> IGeometry*
+      {
+        auto* geom = NodeGeom<EdgeGeom>(ds, 4);
+        geom->setEdgeListId(Connectivity(ds, "Edges", geom->getId(), 3, 2));
+        return geom;
+      } },
+    { "TriangleGeom", 4, 7,
+      [](DataStructure& ds) -> IGeometry*
+      {
+        auto* geom = NodeGeom<TriangleGeom>(ds, 4);
+        geom->setEdgeListId(Connectivity(ds, "Edges", geom->getId(), 9, 2));
+        geom->setFaceListId(Connectivity(ds, "Faces", geom->getId(), 7, 3));
+        return geom;
+      } },
+    { "QuadGeom", 5, 2,
+      [](DataStructure& ds) -> IGeometry*
+      {
+        auto* geom = NodeGeom<QuadGeom>(ds, 6);
+        geom->setFaceListId(Connectivity(ds, "Faces", geom->getId(), 2, 4));
+        return geom;
+      } },
+    { "TetrahedralGeom", 6, 3,
+      [](DataStructure& ds) -> IGeometry*
+      {
+        auto* geom = NodeGeom<TetrahedralGeom>(ds, 6);
+        geom->setFaceListId(Connectivity(ds, "Faces", geom->getId(), 10, 3));
+        geom->setPolyhedraListId(Connectivity(ds, "Tets", geom->getId(), 3, 4));
+        return geom;
+      } },
+    { "HexahedralGeom", 7, 2,
+      [](DataStructure& ds) -> IGeometry*
+      {
+        auto* geom = NodeGeom<HexahedralGeom>(ds, 12);
+        geom->setPolyhedraListId(Connectivity(ds, "Hexes", geom->getId(), 2, 8));
+        return geom;
+      } },
   };
   return cases;
 }
 
-template <typename Interface>
+template<typename Interface>
 bool Reaches(const std::shared_ptr<DataObject>& object)
 {
   return std::dynamic_pointer_cast<Interface>(object) != nullptr;
@@ -109,7 +118,7 @@ bool Reaches(const std::shared_ptr<DataObject>& object)
 
 TEST(Geometry, TypeCodesCellCountsAndInterfaces)
 {
-  for(const auto& c : Cases())
+  for (const auto& c : Cases())
   {
     SCOPED_TRACE(c.typeName);
     DataStructure ds;
@@ -151,13 +160,13 @@ TEST(Geometry, NodeAccessorsResolveListsAndMatrices)
   DataStructure ds;
   auto* hex = NodeGeom<HexahedralGeom>(ds, 12);
   const IdType id = hex->getId();
-  auto* vertexData = AttributeMatrix::Create(ds, "Vertex Data", {12}, id);
-  auto* edges = MakeArray<uint64>(ds, "Edges", {20}, {2}, id);
-  auto* edgeData = AttributeMatrix::Create(ds, "Edge Data", {20}, id);
-  auto* faces = MakeArray<uint64>(ds, "Faces", {11}, {4}, id);
-  auto* faceData = AttributeMatrix::Create(ds, "Face Data", {11}, id);
-  auto* hexes = MakeArray<uint64>(ds, "Hexes", {2}, {8}, id, 9);
-  auto* cellData = AttributeMatrix::Create(ds, "Cell Data", {2}, id);
+  auto* vertexData = AttributeMatrix::Create(ds, "Vertex Data", { 12 }, id);
+  auto* edges = MakeArray<uint64>(ds, "Edges", { 20 }, { 2 }, id);
+  auto* edgeData = AttributeMatrix::Create(ds, "Edge Data", { 20 }, id);
+  auto* faces = MakeArray<uint64>(ds, "Faces", { 11 }, { 4 }, id);
+  auto* faceData = AttributeMatrix::Create(ds, "Face Data", { 11 }, id);
+  auto* hexes = MakeArray<uint64>(ds, "Hexes", { 2 }, { 8 }, id, 9);
+  auto* cellData = AttributeMatrix::Create(ds, "Cell Data", { 2 }, id);
   hex->setVertexAttributeMatrixId(vertexData->getId());
   hex->setEdgeListId(edges->getId());
   hex->setEdgeAttributeMatrixId(edgeData->getId());
@@ -197,8 +206,8 @@ TEST(Geometry, AccessorsGiveNullForMissingOrMistypedObjects)
   EXPECT_EQ(hex->getNumberOfCells(), 0u);
 
   // identifiers of objects of the wrong kind, or of none at all
-  const IdType floats = MakeArray<float32>(ds, "floats", {2}, {8}, hex->getId())->getId();
-  const IdType ints = MakeArray<uint64>(ds, "ints", {2}, {3}, hex->getId())->getId();
+  const IdType floats = MakeArray<float32>(ds, "floats", { 2 }, { 8 }, hex->getId())->getId();
+  const IdType ints = MakeArray<uint64>(ds, "ints", { 2 }, { 3 }, hex->getId())->getId();
   hex->setVertexListId(ints);
   hex->setPolyhedraListId(floats);
   hex->setPolyhedraAttributeMatrixId(ints);
@@ -229,16 +238,16 @@ TEST(Geometry, ImageOriginSpacingAndCellData)
   auto* image = ImageGeom::Create(ds, "image");
   EXPECT_EQ(image->getOrigin(), FloatVec3(0.0f, 0.0f, 0.0f));
   EXPECT_EQ(image->getSpacing(), FloatVec3(1.0f, 1.0f, 1.0f));
-  image->setOrigin({-1.5f, 2.0f, 0.25f});
-  image->setSpacing({0.5f, 0.5f, 2.0f});
-  image->setDimensions({4, 3, 2});
+  image->setOrigin({ -1.5f, 2.0f, 0.25f });
+  image->setSpacing({ 0.5f, 0.5f, 2.0f });
+  image->setDimensions({ 4, 3, 2 });
   EXPECT_EQ(image->getOrigin().getX(), -1.5f);
   EXPECT_EQ(image->getOrigin().getZ(), 0.25f);
   EXPECT_EQ(image->getSpacing().getZ(), 2.0f);
   EXPECT_EQ(image->getDimensions(), SizeVec3(4, 3, 2));
   EXPECT_EQ(image->getNumberOfCells(), 24u);
 
-  auto* cellData = AttributeMatrix::Create(ds, "Cell Data", {2, 3, 4}, image->getId());
+  auto* cellData = AttributeMatrix::Create(ds, "Cell Data", { 2, 3, 4 }, image->getId());
   image->setCellData(cellData->getId());
   const ImageGeom* constImage = image;
   EXPECT_EQ(constImage->getCellData(), cellData);
@@ -249,26 +258,31 @@ TEST(Geometry, RectGridBoundsHoldOneMoreValueThanCells)
 {
   DataStructure ds;
   auto* grid = RectGridGeom::Create(ds, "grid");
-  grid->setDimensions({3, 2, 1});
-  const std::vector<std::vector<float32>> values{{0.0f, 1.0f, 3.0f, 6.0f}, {-1.0f, 0.0f, 1.0f}, {10.0f, 12.5f}};
+  grid->setDimensions({ 3, 2, 1 });
+  const std::vector<std::vector<float32>> values{ { 0.0f, 1.0f, 3.0f, 6.0f },
+                                                  { -1.0f, 0.0f, 1.0f },
+                                                  { 10.0f, 12.5f } };
   std::vector<IdType> ids;
-  for(usize axis = 0; axis < 3; axis++)
+  for (usize axis = 0; axis < 3; axis++)
   {
-    auto* bounds = MakeArray<float32>(ds, std::string(1, static_cast<char>('X' + axis)), {values[axis].size()}, {1}, grid->getId());
-    for(usize i = 0; i < values[axis].size(); i++)
+    auto* bounds = MakeArray<float32>(ds, std::string(1, static_cast<char>('X' + axis)),
+                                      { values[axis].size() }, { 1 }, grid->getId());
+    for (usize i = 0; i < values[axis].size(); i++)
       bounds->getDataStoreRefTyped().setValue(i, values[axis][i]);
     ids.push_back(bounds->getId());
   }
   grid->setBounds(ids[0], ids[1], ids[2]);
   EXPECT_EQ(grid->getXBoundsId(), std::optional<IdType>(ids[0]));
 
-  const std::shared_ptr<Float32Array> axes[3] = {grid->getSharedXBounds(), grid->getSharedYBounds(), grid->getSharedZBounds()};
-  for(usize axis = 0; axis < 3; axis++)
+  const std::shared_ptr<Float32Array> axes[3] = { grid->getSharedXBounds(),
+                                                  grid->getSharedYBounds(),
+                                                  grid->getSharedZBounds() };
+  for (usize axis = 0; axis < 3; axis++)
   {
     ASSERT_NE(axes[axis], nullptr) << axis;
     EXPECT_EQ(axes[axis].get(), ds.getData(ids[axis]));
     ASSERT_EQ(axes[axis]->getNumberOfTuples(), grid->getDimensions()[axis] + 1) << axis;
-    for(usize i = 0; i < values[axis].size(); i++)
+    for (usize i = 0; i < values[axis].size(); i++)
       EXPECT_EQ((*axes[axis])[i], values[axis][i]) << axis << "," << i;
   }
   EXPECT_EQ(grid->getNumberOfCells(), 6u);

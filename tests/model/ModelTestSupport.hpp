@@ -62,8 +62,8 @@ class FakeController : public KX::IPipelineController
 {
 public:
   FakeController(QString name, QString uuid)
-  : m_Name(std::move(name))
-  , m_Uuid(std::move(uuid))
+    : m_Name(std::move(name))
+    , m_Uuid(std::move(uuid))
   {
   }
   QString getPipelineName() const override { return m_Name; }
@@ -125,7 +125,7 @@ class ScopedSettings
 {
 public:
   ScopedSettings()
-  : m_Previous(QtKXSettings::FilePath())
+    : m_Previous(QtKXSettings::FilePath())
   {
     QtKXSettings::SetFilePath(QString::fromStdString((m_Dir / "settings.ini").string()));
     KXPreferences::resetToDefaults();
@@ -147,7 +147,8 @@ inline QString qpath(const std::filesystem::path& path)
 }
 
 /** Writes a poly data file of two triangles. */
-inline std::filesystem::path writeTriangles(const kxtest::TempDir& dir, const std::string& name = "surface.vtp")
+inline std::filesystem::path writeTriangles(const kxtest::TempDir& dir,
+                                            const std::string& name = "surface.vtp")
 {
   vtkNew<vtkPoints> points;
   points->InsertNextPoint(0, 0, 0);
@@ -155,8 +156,8 @@ inline std::filesystem::path writeTriangles(const kxtest::TempDir& dir, const st
   points->InsertNextPoint(1, 1, 0);
   points->InsertNextPoint(0, 1, 0);
   vtkNew<vtkCellArray> triangles;
-  const vtkIdType first[3] = {0, 1, 2};
-  const vtkIdType second[3] = {0, 2, 3};
+  const vtkIdType first[3] = { 0, 1, 2 };
+  const vtkIdType second[3] = { 0, 2, 3 };
   triangles->InsertNextCell(3, first);
   triangles->InsertNextCell(3, second);
   vtkNew<vtkPolyData> poly;
@@ -171,7 +172,8 @@ inline std::filesystem::path writeTriangles(const kxtest::TempDir& dir, const st
 }
 
 /** Writes the sample microstructure (image, grain boundaries, centroids) as a host file. */
-inline std::filesystem::path writeSample(const kxtest::TempDir& dir, const std::string& name = "sample.voxelia")
+inline std::filesystem::path writeSample(const kxtest::TempDir& dir,
+                                         const std::string& name = "sample.voxelia")
 {
   kxvtk::sample::MicrostructureGenerator generator(8);
   const auto path = dir / name;
@@ -186,27 +188,27 @@ inline std::shared_ptr<kx::core::DataStructure> hostResult(bool withSeeds)
   using namespace kx::core;
   auto ds = std::make_shared<DataStructure>();
   auto* image = ImageGeom::Create(*ds, "Grains");
-  image->setDimensions({3, 2, 1});
-  auto* cells = AttributeMatrix::Create(*ds, "Cell Data", {1, 2, 3}, image->getId());
+  image->setDimensions({ 3, 2, 1 });
+  auto* cells = AttributeMatrix::Create(*ds, "Cell Data", { 1, 2, 3 }, image->getId());
   image->setCellData(cells->getId());
-  auto store = std::make_shared<DataStore<int32>>(ShapeType{1, 2, 3}, ShapeType{1}, 1);
+  auto store = std::make_shared<DataStore<int32>>(ShapeType{ 1, 2, 3 }, ShapeType{ 1 }, 1);
   Int32Array::Create(*ds, "FeatureIds", store, cells->getId());
-  if(withSeeds)
+  if (withSeeds)
   {
     auto* seeds = VertexGeom::Create(*ds, "Seeds");
-    auto xyz = std::make_shared<DataStore<float>>(ShapeType{2}, ShapeType{3}, 0.5f);
+    auto xyz = std::make_shared<DataStore<float>>(ShapeType{ 2 }, ShapeType{ 3 }, 0.5f);
     seeds->setVertexListId(Float32Array::Create(*ds, "Vertices", xyz, seeds->getId())->getId());
   }
   return ds;
 }
 
 /** Runs the event loop until the condition holds or the time is up. */
-template <typename Condition>
+template<typename Condition>
 bool waitFor(Condition condition, int milliseconds = 5000)
 {
   QElapsedTimer timer;
   timer.start();
-  while(!condition() && timer.elapsed() < milliseconds)
+  while (!condition() && timer.elapsed() < milliseconds)
     QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
   return condition();
 }
@@ -218,10 +220,11 @@ inline void flushDeletes()
 }
 
 /** The index of the row reached by following @p rows from the top (column as given). */
-inline QModelIndex indexAt(const QAbstractItemModel& model, const std::vector<int>& rows, int column = 0)
+inline QModelIndex indexAt(const QAbstractItemModel& model, const std::vector<int>& rows,
+                           int column = 0)
 {
   QModelIndex index;
-  for(size_t i = 0; i < rows.size(); i++)
+  for (size_t i = 0; i < rows.size(); i++)
     index = model.index(rows[i], i + 1 == rows.size() ? column : 0, index);
   return index;
 }
@@ -268,7 +271,8 @@ public:
     filter = new PassFilter();
     const QModelIndex filterIndex = model->addFilter(model->helperIndex(surfaceSource), filter);
     ASSERT_TRUE(filterIndex.isValid());
-    const QModelIndex surfaceIndex = model->addRepresentation(filterIndex, VXRepresentation::Surface);
+    const QModelIndex surfaceIndex =
+      model->addRepresentation(filterIndex, VXRepresentation::Surface);
     ASSERT_TRUE(surfaceIndex.isValid());
     surfaceView = model->getRepresentation(surfaceIndex);
     caption = new CaptionSource();

@@ -23,20 +23,25 @@ TEST(PipelineModelCheckState, WithoutAnActiveViewThereIsNoCheckState)
   QSignalSpy visibility(&model, &VXPipelineModel::itemVisibilityChanged);
   QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
 
-  for(QObject* item : std::initializer_list<QObject*>{scene.surfaceBridge, scene.surfaceSource, scene.filter, scene.surfaceView,
-                                                      scene.caption.data()})
+  for (QObject* item :
+       std::initializer_list<QObject*>{ scene.surfaceBridge, scene.surfaceSource, scene.filter,
+                                        scene.surfaceView, scene.caption.data() })
   {
-    EXPECT_FALSE(model.data(model.helperIndex(item).siblingAtColumn(1), k_CheckStateRole).isValid());
+    EXPECT_FALSE(
+      model.data(model.helperIndex(item).siblingAtColumn(1), k_CheckStateRole).isValid());
   }
-  EXPECT_FALSE(model.setData(model.helperIndex(scene.surfaceView).siblingAtColumn(1), Qt::Unchecked, k_CheckStateRole));
-  EXPECT_FALSE(model.setData(model.helperIndex(scene.caption).siblingAtColumn(1), false, k_CheckStateRole));
+  EXPECT_FALSE(model.setData(model.helperIndex(scene.surfaceView).siblingAtColumn(1), Qt::Unchecked,
+                             k_CheckStateRole));
+  EXPECT_FALSE(
+    model.setData(model.helperIndex(scene.caption).siblingAtColumn(1), false, k_CheckStateRole));
   EXPECT_EQ(visibility.count(), 0);
   EXPECT_EQ(changed.count(), 0);
 
   // back in the view, the data view is as it was
   scene.pipeline->setActiveViewWidget(&scene.view);
   EXPECT_TRUE(scene.surfaceView->isVisible());
-  EXPECT_EQ(model.data(model.helperIndex(scene.surfaceView), k_CheckStateRole).toInt(), Qt::Checked);
+  EXPECT_EQ(model.data(model.helperIndex(scene.surfaceView), k_CheckStateRole).toInt(),
+            Qt::Checked);
 }
 
 TEST(PipelineModelCheckState, UncheckingHidesTheItemAndTellsTheView)
@@ -59,7 +64,7 @@ TEST(PipelineModelCheckState, UncheckingHidesTheItemAndTellsTheView)
   EXPECT_FALSE(visibility.at(0).at(1).toBool());
   ASSERT_EQ(changed.count(), 1);
   EXPECT_EQ(changed.at(0).at(0).value<QModelIndex>().row(), surfaceIndex.row());
-  EXPECT_EQ(rolesOf(changed, 0), QList<int>{k_CheckStateRole});
+  EXPECT_EQ(rolesOf(changed, 0), QList<int>{ k_CheckStateRole });
 
   // the sister under the data source leaves its parent alone
   const QModelIndex outlineIndex = model.index(0, 1, model.helperIndex(scene.surfaceSource));
@@ -81,7 +86,8 @@ TEST(PipelineModelCheckState, UncheckingHidesTheItemAndTellsTheView)
   EXPECT_EQ(visibility.at(3).at(0).value<QModelIndex>(), captionIndex);
 
   // a bridge has nothing to show or hide
-  EXPECT_FALSE(model.setData(model.helperIndex(scene.surfaceBridge), Qt::Unchecked, k_CheckStateRole));
+  EXPECT_FALSE(
+    model.setData(model.helperIndex(scene.surfaceBridge), Qt::Unchecked, k_CheckStateRole));
   EXPECT_EQ(visibility.count(), 4);
 }
 
@@ -93,7 +99,8 @@ TEST(PipelineModelCheckState, SettingsPageButtonGoesThroughTheModel)
   Q_EMIT scene.surfaceView->settingsWidgetVisibilityButtonClicked(false);
   EXPECT_FALSE(scene.surfaceView->isVisible());
   ASSERT_EQ(visibility.count(), 1);
-  EXPECT_EQ(visibility.at(0).at(0).value<QModelIndex>(), scene.model->helperIndex(scene.surfaceView));
+  EXPECT_EQ(visibility.at(0).at(0).value<QModelIndex>(),
+            scene.model->helperIndex(scene.surfaceView));
   Q_EMIT scene.surfaceView->settingsWidgetVisibilityButtonClicked(true);
   EXPECT_TRUE(scene.surfaceView->isVisible());
 }
@@ -111,12 +118,12 @@ TEST(PipelineModelCheckState, AnotherActiveViewReportsEachItemsState)
   const QList<VXCoreObject*> objects = model.getAllCoreObjects();
   ASSERT_EQ(visibility.count(), objects.size());
   QList<VXCoreObject*> reported;
-  for(const QList<QVariant>& emission : visibility)
+  for (const QList<QVariant>& emission : visibility)
   {
     reported.append(model.getCoreObject(emission.at(0).value<QModelIndex>()));
     EXPECT_FALSE(emission.at(1).toBool());
   }
-  for(VXCoreObject* object : objects)
+  for (VXCoreObject* object : objects)
     EXPECT_TRUE(reported.contains(object)) << object->name().toStdString();
 
   // the data view has no instance in the new view yet: checking it makes one
@@ -137,7 +144,8 @@ TEST(PipelineModelRename, SisterNamesAreRefused)
   scene.buildSurfaceTree();
   VXPipelineModel& model = *scene.model;
   const QModelIndex sourceIndex = model.helperIndex(scene.surfaceSource);
-  const QModelIndex secondIndex = model.addRepresentation(sourceIndex, VXRepresentation::Outline).siblingAtColumn(1);
+  const QModelIndex secondIndex =
+    model.addRepresentation(sourceIndex, VXRepresentation::Outline).siblingAtColumn(1);
   ASSERT_TRUE(secondIndex.isValid());
   VXRepresentation* second = model.getRepresentation(secondIndex);
   EXPECT_EQ(second->name(), "Outline View 1");
@@ -163,13 +171,14 @@ TEST(PipelineModelRename, SisterNamesAreRefused)
   EXPECT_EQ(second->getNameSuffixCounter(), 0);
   EXPECT_EQ(model.data(secondIndex, Qt::DisplayRole).toString(), "Edges");
   EXPECT_EQ(model.data(secondIndex, Qt::ToolTipRole).toString(),
-            "Name: Edges\nType: Data View\nClick on the parent of this item in the tree to add another DataView or additional Visual "
+            "Name: Edges\nType: Data View\nClick on the parent of this item in the tree to add "
+            "another DataView or additional Visual "
             "Filters.");
   bool sawNameChange = false;
-  for(int i = 0; i < changed.count(); i++)
+  for (int i = 0; i < changed.count(); i++)
   {
     const QList<int> roles = rolesOf(changed, i);
-    if(roles.contains(Qt::EditRole) && roles.contains(Qt::DisplayRole))
+    if (roles.contains(Qt::EditRole) && roles.contains(Qt::DisplayRole))
       sawNameChange = changed.at(i).at(0).value<QModelIndex>().row() == secondIndex.row();
   }
   EXPECT_TRUE(sawNameChange);
@@ -197,7 +206,8 @@ TEST(PipelineModelRename, BridgesCompareAmongBridges)
   EXPECT_EQ(again->name(), "mesh");
   EXPECT_EQ(again->getNameSuffixCounter(), 0);
   EXPECT_EQ(model.data(againIndex, Qt::DisplayRole).toString(), "mesh");
-  EXPECT_EQ(model.data(againIndex, Qt::ToolTipRole).toString(), "Name: mesh\nType: Pipeline or File");
+  EXPECT_EQ(model.data(againIndex, Qt::ToolTipRole).toString(),
+            "Name: mesh\nType: Pipeline or File");
   // the data source's path follows its bridge
   ASSERT_GE(paths.count(), 1);
   EXPECT_EQ(paths.last().at(0).toString(), "mesh > surface");
@@ -210,31 +220,38 @@ TEST(PipelineModelFlags, ItemsUnderAVanishedFileShowLightRed)
   scene.buildSurfaceTree();
   VXPipelineModel& model = *scene.model;
   QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-  const QList<QObject*> subtree = {scene.surfaceBridge, scene.surfaceSource, scene.filter, scene.surfaceView,
-                                   model.getRepresentation(model.index(0, 0, model.helperIndex(scene.surfaceSource)))};
+  const QList<QObject*> subtree = {
+    scene.surfaceBridge, scene.surfaceSource, scene.filter, scene.surfaceView,
+    model.getRepresentation(model.index(0, 0, model.helperIndex(scene.surfaceSource)))
+  };
 
-  for(QObject* item : subtree)
-    EXPECT_EQ(model.data(model.helperIndex(item), Qt::ForegroundRole).value<QColor>(), KXStyle::getDefaultTextColor());
+  for (QObject* item : subtree)
+    EXPECT_EQ(model.data(model.helperIndex(item), Qt::ForegroundRole).value<QColor>(),
+              KXStyle::getDefaultTextColor());
 
   std::filesystem::remove(scene.surfaceFile);
   ASSERT_TRUE(waitFor([&] { return scene.surfaceBridge->autoReloadFlagged(); }));
 
-  for(QObject* item : subtree)
+  for (QObject* item : subtree)
   {
-    EXPECT_EQ(model.data(model.helperIndex(item).siblingAtColumn(1), Qt::ForegroundRole).value<QColor>(), KXStyle::getLightRedColor())
+    EXPECT_EQ(
+      model.data(model.helperIndex(item).siblingAtColumn(1), Qt::ForegroundRole).value<QColor>(),
+      KXStyle::getLightRedColor())
       << model.data(model.helperIndex(item).siblingAtColumn(1)).toString().toStdString();
   }
   EXPECT_TRUE(scene.surfaceSource->autoReloadFlagged());
   EXPECT_TRUE(scene.surfaceView->autoReloadFlagged());
   // the global source has nothing to do with the file
-  EXPECT_EQ(model.data(model.helperIndex(scene.caption), Qt::ForegroundRole).value<QColor>(), KXStyle::getDefaultTextColor());
+  EXPECT_EQ(model.data(model.helperIndex(scene.caption), Qt::ForegroundRole).value<QColor>(),
+            KXStyle::getDefaultTextColor());
   int foregroundChanges = 0;
-  for(int i = 0; i < changed.count(); i++)
+  for (int i = 0; i < changed.count(); i++)
     foregroundChanges += rolesOf(changed, i).contains(Qt::ForegroundRole) ? 1 : 0;
   EXPECT_EQ(foregroundChanges, subtree.size());
 
   // a located file clears the flag down the tree
   model.onFileObjectFlagged(scene.surfaceBridge, false);
-  for(QObject* item : subtree.mid(1))
-    EXPECT_EQ(model.data(model.helperIndex(item), Qt::ForegroundRole).value<QColor>(), KXStyle::getDefaultTextColor());
+  for (QObject* item : subtree.mid(1))
+    EXPECT_EQ(model.data(model.helperIndex(item), Qt::ForegroundRole).value<QColor>(),
+              KXStyle::getDefaultTextColor());
 }

@@ -13,8 +13,9 @@ public:
   explicit RemovalLog(VXPipelineModel& model)
   {
     QObject::connect(&model, &QAbstractItemModel::rowsAboutToBeRemoved, &m_Context,
-                     [this, &model](const QModelIndex& parent, int first, int last) {
-                       for(int row = first; row <= last; row++)
+                     [this, &model](const QModelIndex& parent, int first, int last)
+                     {
+                       for (int row = first; row <= last; row++)
                        {
                          const QModelIndex index = model.index(row, 1, parent);
                          names.append(model.data(index, Qt::DisplayRole).toString());
@@ -44,8 +45,8 @@ TEST(PipelineModelRemoval, ChildrenGoBeforeTheirParent)
   model.removeItem(model.helperIndex(scene.surfaceSource));
 
   EXPECT_EQ(aboutToBeRemoved.count(), 4);
-  EXPECT_EQ(log.names, (QStringList{"Outline View", "Surface View", "Pass Filter", "surface"}));
-  EXPECT_EQ(log.childrenLeft, (QList<int>{0, 0, 0, 0}));
+  EXPECT_EQ(log.names, (QStringList{ "Outline View", "Surface View", "Pass Filter", "surface" }));
+  EXPECT_EQ(log.childrenLeft, (QList<int>{ 0, 0, 0, 0 }));
   EXPECT_EQ(model.rowCount(model.helperIndex(scene.surfaceBridge)), 0);
   EXPECT_FALSE(model.helperIndex(scene.surfaceView).isValid());
   // the bridge forgets the source and the pipeline announces it
@@ -68,8 +69,9 @@ TEST(PipelineModelRemoval, AListMayHoldAParentAndItsChild)
   RemovalLog log(model);
 
   // the filter first: the data view below it is gone by the time its turn comes
-  model.removeItems({model.helperIndex(scene.filter), model.helperIndex(scene.surfaceView), model.helperIndex(scene.caption)});
-  EXPECT_EQ(log.names, (QStringList{"Surface View", "Pass Filter", "Caption"}));
+  model.removeItems({ model.helperIndex(scene.filter), model.helperIndex(scene.surfaceView),
+                      model.helperIndex(scene.caption) });
+  EXPECT_EQ(log.names, (QStringList{ "Surface View", "Pass Filter", "Caption" }));
   EXPECT_EQ(model.rowCount(), 1);
   EXPECT_EQ(model.rowCount(model.helperIndex(scene.surfaceSource)), 1);
   EXPECT_TRUE(scene.pipeline->globalSources().isEmpty());
@@ -77,8 +79,8 @@ TEST(PipelineModelRemoval, AListMayHoldAParentAndItsChild)
   // the child first, then its parent
   const QModelIndex outline = model.index(0, 0, model.helperIndex(scene.surfaceSource));
   log.names.clear();
-  model.removeItems({outline, model.helperIndex(scene.surfaceSource)});
-  EXPECT_EQ(log.names, (QStringList{"Outline View", "surface"}));
+  model.removeItems({ outline, model.helperIndex(scene.surfaceSource) });
+  EXPECT_EQ(log.names, (QStringList{ "Outline View", "surface" }));
   EXPECT_EQ(model.rowCount(model.helperIndex(scene.surfaceBridge)), 0);
   flushDeletes();
 }
@@ -119,7 +121,7 @@ TEST(PipelineModelRemoval, RemovingAHostBridgeIsAnnounced)
 
   EXPECT_EQ(hostRemoved.count(), 1);
   EXPECT_EQ(removedSources.count(), 2);
-  EXPECT_EQ(log.names, (QStringList{"Outline View", "Grains", "Outline View 1", "Seeds", "Run"}));
+  EXPECT_EQ(log.names, (QStringList{ "Outline View", "Grains", "Outline View 1", "Seeds", "Run" }));
   EXPECT_EQ(model.rowCount(), 0);
   EXPECT_TRUE(scene.pipeline->bridges().isEmpty());
   flushDeletes();
@@ -141,7 +143,7 @@ TEST(PipelineModelRemoval, AVanishedHostGeometryTakesItsRows)
   auto second = hostResult(false);
   scene.pipeline->reloadPipelineOutput(&run, second);
 
-  EXPECT_EQ(log.names, (QStringList{"Outline View 1", "Seeds"}));
+  EXPECT_EQ(log.names, (QStringList{ "Outline View 1", "Seeds" }));
   ASSERT_EQ(model.rowCount(model.helperIndex(bridge)), 1);
   EXPECT_EQ(model.data(model.index(0, 1, model.helperIndex(bridge))).toString(), "Grains");
   EXPECT_EQ(removedSources.count(), 1);
@@ -162,8 +164,9 @@ TEST(PipelineModelRemoval, ReimportReplacesTheRowsOfDeletedDataSources)
   scene.surfaceBridge->import(qpath(sample));
 
   EXPECT_TRUE(old.isNull());
-  // the rows below go while their objects still live; the dying data source's own row answers nothing
-  EXPECT_EQ(log.names, (QStringList{"Outline View", "Surface View", "Pass Filter", ""}));
+  // the rows below go while their objects still live; the dying data source's own row answers
+  // nothing
+  EXPECT_EQ(log.names, (QStringList{ "Outline View", "Surface View", "Pass Filter", "" }));
   const QModelIndex bridgeIndex = model.helperIndex(scene.surfaceBridge);
   ASSERT_EQ(model.rowCount(bridgeIndex), 3);
   EXPECT_EQ(model.getChildDataSources(bridgeIndex), scene.surfaceBridge->dataSources());

@@ -14,8 +14,10 @@ namespace
 constexpr int k_CheckStateRole = 10;
 constexpr int k_InvalidCheck = -1;
 
-const QString k_SourceHint = "With this item selected, use the above toolbar to add a DataView or add a Visual Filter to see your data.";
-const QString k_ViewHint = "Click on the parent of this item in the tree to add another DataView or additional Visual Filters.";
+const QString k_SourceHint = "With this item selected, use the above toolbar to add a DataView or "
+                             "add a Visual Filter to see your data.";
+const QString k_ViewHint = "Click on the parent of this item in the tree to add another DataView "
+                           "or additional Visual Filters.";
 
 /** What one row of the surface tree must answer. */
 struct RowCase
@@ -39,17 +41,73 @@ void PrintTo(const RowCase& row, std::ostream* os)
 }
 
 const std::vector<RowCase> k_SurfaceTreeRows = {
-  {"bridge", {0}, 0, "surface.vtp", "Name: surface.vtp\nType: Pipeline or File", k_InvalidCheck, "PipelineFileBridgeObj", 1, false, true, false},
-  {"dataSource", {0, 0}, 1, "surface", "Name: surface\nType: DataSource\n" + k_SourceHint, k_InvalidCheck, "DataSource", 2,
-   true, false, true},
-  {"outlineView", {0, 0, 0}, 3, "Outline View", "Name: Outline View\nType: Data View\n" + k_ViewHint, Qt::Checked, "Visualization", 0,
-   false, false, true},
-  {"filter", {0, 0, 1}, 2, "Pass Filter", "Name: Pass Filter\nType: Visual Filter\n" + k_SourceHint, k_InvalidCheck, "Filter", 1, true,
-   false, true},
-  {"surfaceView", {0, 0, 1, 0}, 3, "Surface View", "Name: Surface View\nType: Data View\n" + k_ViewHint, Qt::Checked, "TriangleGeometry",
-   0, false, false, true},
+  { "bridge",
+    { 0 },
+    0,
+    "surface.vtp",
+    "Name: surface.vtp\nType: Pipeline or File",
+    k_InvalidCheck,
+    "PipelineFileBridgeObj",
+    1,
+    false,
+    true,
+    false },
+  { "dataSource",
+    { 0, 0 },
+    1,
+    "surface",
+    "Name: surface\nType: DataSource\n" + k_SourceHint,
+    k_InvalidCheck,
+    "DataSource",
+    2,
+    true,
+    false,
+    true },
+  { "outlineView",
+    { 0, 0, 0 },
+    3,
+    "Outline View",
+    "Name: Outline View\nType: Data View\n" + k_ViewHint,
+    Qt::Checked,
+    "Visualization",
+    0,
+    false,
+    false,
+    true },
+  { "filter",
+    { 0, 0, 1 },
+    2,
+    "Pass Filter",
+    "Name: Pass Filter\nType: Visual Filter\n" + k_SourceHint,
+    k_InvalidCheck,
+    "Filter",
+    1,
+    true,
+    false,
+    true },
+  { "surfaceView",
+    { 0, 0, 1, 0 },
+    3,
+    "Surface View",
+    "Name: Surface View\nType: Data View\n" + k_ViewHint,
+    Qt::Checked,
+    "TriangleGeometry",
+    0,
+    false,
+    false,
+    true },
   // no icon of its own: the tree's icon stands in
-  {"globalSource", {1}, 4, "Caption", "Name: Caption\nType: Global Source", Qt::Checked, "VXPipelineTreeIcon", 0, false, false, true},
+  { "globalSource",
+    { 1 },
+    4,
+    "Caption",
+    "Name: Caption\nType: Global Source",
+    Qt::Checked,
+    "VXPipelineTreeIcon",
+    0,
+    false,
+    false,
+    true },
 };
 
 class SurfaceTreeRows : public ::testing::TestWithParam<RowCase>
@@ -81,7 +139,7 @@ TEST_P(SurfaceTreeRows, AnswersRolesFlagsAndKindQueries)
   EXPECT_FALSE(model.data(index0, Qt::ToolTipRole).isValid());
 
   const QVariant check = model.data(index1, k_CheckStateRole);
-  if(row.checkState == k_InvalidCheck)
+  if (row.checkState == k_InvalidCheck)
   {
     EXPECT_FALSE(check.isValid());
   }
@@ -91,7 +149,8 @@ TEST_P(SurfaceTreeRows, AnswersRolesFlagsAndKindQueries)
     EXPECT_EQ(check.toInt(), row.checkState);
   }
 
-  EXPECT_TRUE(sameIcon(model.data(index1, Qt::DecorationRole).value<QIcon>(), row.iconName)) << row.iconName;
+  EXPECT_TRUE(sameIcon(model.data(index1, Qt::DecorationRole).value<QIcon>(), row.iconName))
+    << row.iconName;
   EXPECT_EQ(model.data(index1, Qt::ForegroundRole).value<QColor>(), KXStyle::getDefaultTextColor());
 
   EXPECT_EQ(static_cast<int>(model.flags(index0)), 0x21);
@@ -117,7 +176,8 @@ TEST_P(SurfaceTreeRows, AnswersRolesFlagsAndKindQueries)
 }
 
 INSTANTIATE_TEST_SUITE_P(PipelineModel, SurfaceTreeRows, ::testing::ValuesIn(k_SurfaceTreeRows),
-                         [](const ::testing::TestParamInfo<RowCase>& info) { return std::string(info.param.label); });
+                         [](const ::testing::TestParamInfo<RowCase>& info)
+                         { return std::string(info.param.label); });
 
 TEST(PipelineModelStructure, IndicesParentsAndLookupsRoundTrip)
 {
@@ -134,11 +194,12 @@ TEST(PipelineModelStructure, IndicesParentsAndLookupsRoundTrip)
   EXPECT_EQ(model.data(model.index(2, 1), Qt::DisplayRole).toString(), "sample.voxelia");
 
   int visited = 0;
-  std::function<void(const QModelIndex&)> walk = [&](const QModelIndex& parent) {
+  std::function<void(const QModelIndex&)> walk = [&](const QModelIndex& parent)
+  {
     EXPECT_EQ(model.columnCount(parent), 2);
-    for(int row = 0; row < model.rowCount(parent); row++)
+    for (int row = 0; row < model.rowCount(parent); row++)
     {
-      for(int column = 0; column < 2; column++)
+      for (int column = 0; column < 2; column++)
       {
         const QModelIndex index = model.index(row, column, parent);
         ASSERT_TRUE(index.isValid());
@@ -146,7 +207,7 @@ TEST(PipelineModelStructure, IndicesParentsAndLookupsRoundTrip)
         EXPECT_EQ(index.column(), column);
         EXPECT_EQ(model.parent(index), parent);
         // children hang from column 0 only
-        if(column == 1)
+        if (column == 1)
         {
           EXPECT_EQ(model.rowCount(index), 0);
         }
@@ -154,12 +215,13 @@ TEST(PipelineModelStructure, IndicesParentsAndLookupsRoundTrip)
       const QModelIndex index = model.index(row, 0, parent);
       visited++;
       QObject* object = model.getPipelineObject(index);
-      if(object == nullptr)
+      if (object == nullptr)
         object = model.getCoreObject(index);
       ASSERT_NE(object, nullptr);
       EXPECT_EQ(model.helperIndex(object), index);
-      const QString path = model.getPipelineObject(index) != nullptr ? model.getPipelineObject(index)->name()
-                                                                     : model.getCoreObject(index)->pathName();
+      const QString path = model.getPipelineObject(index) != nullptr
+                             ? model.getPipelineObject(index)->name()
+                             : model.getCoreObject(index)->pathName();
       EXPECT_EQ(model.pathIndex(path), index) << path.toStdString();
       walk(index);
     }
@@ -168,7 +230,8 @@ TEST(PipelineModelStructure, IndicesParentsAndLookupsRoundTrip)
   };
   walk(QModelIndex());
 
-  // the surface subtree has 5 rows, the global source 1, and the sample 1 + 3 sources + 3 data views
+  // the surface subtree has 5 rows, the global source 1, and the sample 1 + 3 sources + 3 data
+  // views
   EXPECT_EQ(visited, 5 + 1 + 7);
   EXPECT_FALSE(model.helperIndex(nullptr).isValid());
   EXPECT_FALSE(model.helperIndex(scene.pipeline.get()).isValid());
@@ -185,11 +248,13 @@ TEST(PipelineModelStructure, CollectionsFollowTheTree)
   VXBridgeObject* sampleBridge = scene.pipeline->bridges().last();
 
   EXPECT_EQ(model.getAllBridgeObjects(), scene.pipeline->bridges());
-  EXPECT_EQ(model.getAllFilters(), QList<VXFilter*>{scene.filter});
-  EXPECT_EQ(model.getChildDataSources(model.helperIndex(sampleBridge)), sampleBridge->dataSources());
-  EXPECT_EQ(model.getChildDataSources(model.helperIndex(scene.surfaceSource)), QList<VXDataSource*>{});
-  EXPECT_EQ(model.getChildDataSources(QList<VXBridgeObject*>{scene.surfaceBridge, sampleBridge}),
-            QList<VXDataSource*>{scene.surfaceSource} + sampleBridge->dataSources());
+  EXPECT_EQ(model.getAllFilters(), QList<VXFilter*>{ scene.filter });
+  EXPECT_EQ(model.getChildDataSources(model.helperIndex(sampleBridge)),
+            sampleBridge->dataSources());
+  EXPECT_EQ(model.getChildDataSources(model.helperIndex(scene.surfaceSource)),
+            QList<VXDataSource*>{});
+  EXPECT_EQ(model.getChildDataSources(QList<VXBridgeObject*>{ scene.surfaceBridge, sampleBridge }),
+            QList<VXDataSource*>{ scene.surfaceSource } + sampleBridge->dataSources());
 
   const QList<VXDataSource*> sources = model.getAllDataSources();
   ASSERT_EQ(sources.size(), 4);
@@ -199,15 +264,16 @@ TEST(PipelineModelStructure, CollectionsFollowTheTree)
   EXPECT_TRUE(names.contains("sample.voxelia > Microstructure"));
   EXPECT_TRUE(names.contains("sample.voxelia > Grain Boundaries"));
   EXPECT_TRUE(names.contains("sample.voxelia > Grain Centroids"));
-  for(int i = 0; i < names.size(); i++)
+  for (int i = 0; i < names.size(); i++)
     EXPECT_EQ(model.getDataSource(names[i]), sources[i]);
   EXPECT_EQ(model.getDataSource("surface"), nullptr);
 
   // each new default data view takes the first free suffix over the whole tree
   QStringList viewNames;
-  for(VXRepresentation* view : model.getAllRepresentations())
+  for (VXRepresentation* view : model.getAllRepresentations())
     viewNames.append(view->name());
-  EXPECT_EQ(viewNames, (QStringList{"Outline View", "Surface View", "Outline View 1", "Outline View 2", "Outline View 3"}));
+  EXPECT_EQ(viewNames, (QStringList{ "Outline View", "Surface View", "Outline View 1",
+                                     "Outline View 2", "Outline View 3" }));
 
   const QList<VXCoreObject*> all = model.getAllCoreObjects();
   EXPECT_EQ(all.size(), 4 + 1 + 5 + 1);
@@ -225,7 +291,7 @@ TEST(PipelineModelStructure, EmptyModelAndHeader)
   EXPECT_FALSE(model.data(QModelIndex(), Qt::DisplayRole).isValid());
   EXPECT_FALSE(model.data(QModelIndex(), k_CheckStateRole).isValid());
 
-  for(int section = 0; section <= 2; section++)
+  for (int section = 0; section <= 2; section++)
   {
     const QVariant header = model.headerData(section, Qt::Horizontal, Qt::DisplayRole);
     ASSERT_TRUE(header.isValid()) << section;
@@ -247,8 +313,12 @@ TEST(PipelineModelStructure, AddOperationsRefuseWhatTheyCannotPlace)
   EXPECT_FALSE(model.addFilter(QModelIndex(), &stray).isValid());
   EXPECT_EQ(stray.pipeline(), nullptr);
   // a bridge row holds no core object to hang a data view from
-  EXPECT_FALSE(model.addRepresentation(model.helperIndex(scene.surfaceBridge), VXRepresentation::Outline).isValid());
-  EXPECT_FALSE(model.addRepresentation(model.helperIndex(scene.surfaceSource), VXRepresentation::None).isValid());
+  EXPECT_FALSE(
+    model.addRepresentation(model.helperIndex(scene.surfaceBridge), VXRepresentation::Outline)
+      .isValid());
+  EXPECT_FALSE(
+    model.addRepresentation(model.helperIndex(scene.surfaceSource), VXRepresentation::None)
+      .isValid());
   EXPECT_FALSE(model.loadRepresentation(QModelIndex(), nullptr).isValid());
   EXPECT_FALSE(model.addGlobalSource(nullptr).isValid());
   EXPECT_FALSE(model.addBridgeObject(nullptr).isValid());
@@ -273,7 +343,8 @@ TEST(PipelineModelStructure, AddedItemsAnnounceThemselves)
 
   // data source, then filter
   ASSERT_EQ(presets.count(), 2);
-  EXPECT_EQ(scene.model->getCoreObject(presets.at(0).at(0).value<QModelIndex>()), scene.surfaceSource);
+  EXPECT_EQ(scene.model->getCoreObject(presets.at(0).at(0).value<QModelIndex>()),
+            scene.surfaceSource);
   EXPECT_EQ(scene.model->getCoreObject(presets.at(1).at(0).value<QModelIndex>()), scene.filter);
   // bridge, data source, outline, filter, surface view, caption
   EXPECT_EQ(inserted.count(), 6);
@@ -284,7 +355,8 @@ TEST(PipelineModelStructure, AddedItemsAnnounceThemselves)
   auto result = hostResult(true);
   scene.pipeline->importPipelineOutput(&run, result);
   ASSERT_EQ(hostAdded.count(), 1);
-  EXPECT_EQ(static_cast<VXBridgeObject*>(hostAdded.at(0).at(0).value<KXToVXBridge*>()), scene.pipeline->bridges().last());
+  EXPECT_EQ(static_cast<VXBridgeObject*>(hostAdded.at(0).at(0).value<KXToVXBridge*>()),
+            scene.pipeline->bridges().last());
 
   QSignalSpy instances(scene.model, &VXPipelineModel::representationViewInstanceAdded);
   Q_EMIT scene.pipeline->representationViewInstanceAdded();
@@ -340,7 +412,7 @@ namespace
 QStringList g_TesterFailures;
 void collectFailures(QtMsgType, const QMessageLogContext&, const QString& message)
 {
-  if(message.contains("FAIL"))
+  if (message.contains("FAIL"))
     g_TesterFailures.append(message);
 }
 } // namespace
@@ -351,11 +423,14 @@ TEST(PipelineModelStructure, PassesTheQtModelTesterThroughChanges)
   g_TesterFailures.clear();
   const QtMessageHandler previous = qInstallMessageHandler(collectFailures);
   {
-    QAbstractItemModelTester tester(scene.model, QAbstractItemModelTester::FailureReportingMode::Warning);
+    QAbstractItemModelTester tester(scene.model,
+                                    QAbstractItemModelTester::FailureReportingMode::Warning);
     scene.buildSurfaceTree();
     scene.pipeline->importFile(qpath(writeSample(scene.dir)));
-    scene.model->setData(scene.model->helperIndex(scene.surfaceView), Qt::Unchecked, k_CheckStateRole);
-    scene.model->setData(scene.model->helperIndex(scene.filter).siblingAtColumn(1), "Renamed Filter", Qt::EditRole);
+    scene.model->setData(scene.model->helperIndex(scene.surfaceView), Qt::Unchecked,
+                         k_CheckStateRole);
+    scene.model->setData(scene.model->helperIndex(scene.filter).siblingAtColumn(1),
+                         "Renamed Filter", Qt::EditRole);
     scene.model->removeItem(scene.model->helperIndex(scene.filter));
     scene.model->removePipeline(scene.pipeline->bridges().last());
     flushDeletes();

@@ -14,9 +14,9 @@ namespace
 {
 QMenu* submenu(QMenu* menu, const QString& title)
 {
-  for(QAction* action : menu->actions())
+  for (QAction* action : menu->actions())
   {
-    if(action->menu() != nullptr && action->text() == title)
+    if (action->menu() != nullptr && action->text() == title)
       return action->menu();
   }
   return nullptr;
@@ -24,9 +24,9 @@ QMenu* submenu(QMenu* menu, const QString& title)
 
 QAction* action(QMenu* menu, const QString& text)
 {
-  for(QAction* entry : menu->actions())
+  for (QAction* entry : menu->actions())
   {
-    if(entry->text() == text)
+    if (entry->text() == text)
       return entry;
   }
   return nullptr;
@@ -35,9 +35,9 @@ QAction* action(QMenu* menu, const QString& text)
 QStringList texts(QMenu* menu)
 {
   QStringList list;
-  for(QAction* entry : menu->actions())
+  for (QAction* entry : menu->actions())
   {
-    if(!entry->isSeparator())
+    if (!entry->isSeparator())
       list << entry->text();
   }
   return list;
@@ -62,9 +62,9 @@ protected:
   {
     nlohmann::json bridge;
     bridge["item_type"] = "FileToVXBridge";
-    bridge["item_data"] = {{"bridge_object_file_path", m_Sample.string()}};
+    bridge["item_data"] = { { "bridge_object_file_path", m_Sample.string() } };
     bridge["item_children"] = children;
-    return nlohmann::json::array({bridge});
+    return nlohmann::json::array({ bridge });
   }
 
   std::filesystem::path m_Sample;
@@ -76,13 +76,14 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
   std::unique_ptr<QMenu> sourceMenu(info()->createContextMenu(sourceIndex(0)));
   QMenu* views = submenu(sourceMenu.get(), "Add Data View");
   ASSERT_NE(views, nullptr);
-  EXPECT_EQ(texts(views), (QStringList{"Outline", "Points", "Wireframe", "Surface"}));
+  EXPECT_EQ(texts(views), (QStringList{ "Outline", "Points", "Wireframe", "Surface" }));
   QMenu* filters = submenu(sourceMenu.get(), "Add Visual Filter");
   ASSERT_NE(filters, nullptr);
-  EXPECT_EQ(texts(filters), (QStringList{"Clip", "Slice", "Threshold"}));
-  for(QAction* entry : filters->actions())
+  EXPECT_EQ(texts(filters), (QStringList{ "Clip", "Slice", "Threshold" }));
+  for (QAction* entry : filters->actions())
     EXPECT_FALSE(entry->isEnabled()) << entry->text().toStdString();
-  for(const char* entry : {"Show Data Set Information", "Copy Settings", "Paste Settings", "Save as Visualization Preset...", "Rename", "Remove"})
+  for (const char* entry : { "Show Data Set Information", "Copy Settings", "Paste Settings",
+                             "Save as Visualization Preset...", "Rename", "Remove" })
     EXPECT_NE(action(sourceMenu.get(), entry), nullptr) << entry;
   EXPECT_EQ(action(sourceMenu.get(), "Reload File"), nullptr);
 
@@ -94,8 +95,9 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
   EXPECT_EQ(submenu(bridgeMenu.get(), "Add Data View"), nullptr);
 
   std::unique_ptr<QMenu> emptyMenu(info()->createContextMenu(QModelIndex()));
-  EXPECT_EQ(texts(emptyMenu.get()), (QStringList{"Open File...", "Load State File...", "Save State File...", "Export Visualization Presets...",
-                                                 "Import Visualization Presets..."}));
+  EXPECT_EQ(texts(emptyMenu.get()),
+            (QStringList{ "Open File...", "Load State File...", "Save State File...",
+                          "Export Visualization Presets...", "Import Visualization Presets..." }));
 }
 
 TEST_F(InfoWidgetFixture, AddingADataViewFromTheMenuPutsItUnderTheSourceAndSelectsIt)
@@ -142,7 +144,7 @@ TEST_F(InfoWidgetFixture, RemovingItemsDeletesThemAndTheirRows)
 TEST_F(InfoWidgetFixture, TreeStateWritesEveryItemWithTypeDataAndChildren)
 {
   nlohmann::json tree;
-  QMap<VXAbstractViewWidget*, int> indices{{grid()->allViews().front(), 0}};
+  QMap<VXAbstractViewWidget*, int> indices{ { grid()->allViews().front(), 0 } };
   info()->saveState(tree, indices);
   ASSERT_TRUE(tree.is_array());
   ASSERT_EQ(tree.size(), 1u);
@@ -150,14 +152,16 @@ TEST_F(InfoWidgetFixture, TreeStateWritesEveryItemWithTypeDataAndChildren)
   EXPECT_EQ(tree[0]["item_data"]["bridge_object_file_path"], m_Sample.string());
   const auto& sources = tree[0]["item_children"];
   ASSERT_EQ(sources.size(), static_cast<size_t>(model()->rowCount(bridgeIndex())));
-  for(const auto& source : sources)
+  for (const auto& source : sources)
   {
     EXPECT_EQ(source["item_type"], "VXDataSource");
     EXPECT_TRUE(source["item_data"].contains("imported_data_path"));
     ASSERT_TRUE(source.contains("item_children"));
-    for(const auto& view : source["item_children"])
+    for (const auto& view : source["item_children"])
     {
-      EXPECT_NE(VXStateItemFactory::KnownItemTypes().indexOf(QString::fromStdString(view["item_type"].get<std::string>())), -1);
+      EXPECT_NE(VXStateItemFactory::KnownItemTypes().indexOf(
+                  QString::fromStdString(view["item_type"].get<std::string>())),
+                -1);
       EXPECT_FALSE(view.contains("item_children"));
     }
   }
@@ -168,36 +172,42 @@ TEST_F(InfoWidgetFixture, TreeReaderReportsBadItemsAndKeepsLoadingTheirSisters)
   // a fresh module, so the bridge comes from the state
   makeModule();
   const std::string firstPath = "Microstructure";
-  nlohmann::json points = {{"item_type", "VXPointsRep"}, {"item_data", nlohmann::json::object()}};
+  nlohmann::json points = { { "item_type", "VXPointsRep" },
+                            { "item_data", nlohmann::json::object() } };
   nlohmann::json viewUnderView = points;
-  viewUnderView["item_children"] = nlohmann::json::array({points});
+  viewUnderView["item_children"] = nlohmann::json::array({ points });
   nlohmann::json source;
   source["item_type"] = "VXDataSource";
-  source["item_data"] = {{"imported_data_path", firstPath}};
+  source["item_data"] = { { "imported_data_path", firstPath } };
   source["item_children"] = nlohmann::json::array({
-      {{"item_data", nlohmann::json::object()}},
-      {{"item_type", "VXMystery"}, {"item_data", nlohmann::json::object()}},
-      {{"item_type", "VXFClip"}, {"item_data", nlohmann::json::object()}},
-      points,
+    { { "item_data", nlohmann::json::object() } },
+    { { "item_type", "VXMystery" }, { "item_data", nlohmann::json::object() } },
+    { { "item_type", "VXFClip" }, { "item_data", nlohmann::json::object() } },
+    points,
   });
-  nlohmann::json stray = {{"item_type", "VXDataSource"}, {"item_data", nlohmann::json::object()}};
-  nlohmann::json tree = bridgeState(nlohmann::json::array({source}));
+  nlohmann::json stray = { { "item_type", "VXDataSource" },
+                           { "item_data", nlohmann::json::object() } };
+  nlohmann::json tree = bridgeState(nlohmann::json::array({ source }));
   tree.push_back(stray);
 
-  QMap<VXAbstractViewWidget*, int> indices{{grid()->allViews().front(), 0}};
+  QMap<VXAbstractViewWidget*, int> indices{ { grid()->allViews().front(), 0 } };
   QSignalSpy messages(info(), &VXInfoWidget::sendOutputMessage);
   info()->loadState(tree, indices);
 
   QStringList reported;
-  for(const auto& message : messages)
+  for (const auto& message : messages)
     reported << message.at(0).toString();
-  EXPECT_TRUE(reported.contains("Error reading state file; tree view item is missing the 'item_type' key"));
-  EXPECT_TRUE(reported.contains(
-      "Error reading state file; found VXBridgeObject item type VXMystery but the model index for insertion is not at the top level of the tree."));
+  EXPECT_TRUE(
+    reported.contains("Error reading state file; tree view item is missing the 'item_type' key"));
+  EXPECT_TRUE(
+    reported.contains("Error reading state file; found VXBridgeObject item type VXMystery but the "
+                      "model index for insertion is not at the top level of the tree."));
   // filters are not available in this build: reported as unknown
-  EXPECT_TRUE(reported.contains(
-      "Error reading state file; found VXBridgeObject item type VXFClip but the model index for insertion is not at the top level of the tree."));
-  EXPECT_TRUE(reported.contains("Error reading state file; found item type VXDataSource but top level tree view items must be of type VXBridgeObject"));
+  EXPECT_TRUE(
+    reported.contains("Error reading state file; found VXBridgeObject item type VXFClip but the "
+                      "model index for insertion is not at the top level of the tree."));
+  EXPECT_TRUE(reported.contains("Error reading state file; found item type VXDataSource but top "
+                                "level tree view items must be of type VXBridgeObject"));
 
   // the one named source stays, the others of the file go; the sister data view loaded
   ASSERT_EQ(model()->rowCount(bridgeIndex()), 1);
@@ -205,5 +215,6 @@ TEST_F(InfoWidgetFixture, TreeReaderReportsBadItemsAndKeepsLoadingTheirSisters)
   ASSERT_NE(kept, nullptr);
   EXPECT_EQ(kept->importedDataPath().toString("/"), firstPath);
   ASSERT_EQ(model()->rowCount(sourceIndex(0)), 1);
-  EXPECT_EQ(model()->getRepresentation(model()->index(0, 1, sourceIndex(0)))->type(), VXRepresentation::Points);
+  EXPECT_EQ(model()->getRepresentation(model()->index(0, 1, sourceIndex(0)))->type(),
+            VXRepresentation::Points);
 }

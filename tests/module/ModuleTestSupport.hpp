@@ -23,7 +23,7 @@ using pipelinetest::waitFor;
 
 inline void pump()
 {
-  for(int i = 0; i < 5; ++i)
+  for (int i = 0; i < 5; ++i)
   {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -37,19 +37,24 @@ class ScriptedDialogs : public pipelinetest::ScriptedPrompts
 public:
   ScriptedDialogs()
   {
-    VXUserPrompt::setSaveFileHandler([this](const QString& title, const QString& filter) {
-      saveTitles.push_back(title);
-      saveFilters.push_back(filter);
-      return saveAnswer;
-    });
-    VXUserPrompt::setTextHandler([this](const QString&, const QString&, const QString&) { return textAnswer; });
-    VXUserPrompt::setBoxHandler([this](QMessageBox& box) {
-      boxTitles.push_back(box.windowTitle());
-      boxTexts.push_back(box.text());
-      for(QAbstractButton* button : box.buttons())
-        boxButtons.push_back(button->text());
-      return boxResult;
-    });
+    VXUserPrompt::setSaveFileHandler(
+      [this](const QString& title, const QString& filter)
+      {
+        saveTitles.push_back(title);
+        saveFilters.push_back(filter);
+        return saveAnswer;
+      });
+    VXUserPrompt::setTextHandler([this](const QString&, const QString&, const QString&)
+                                 { return textAnswer; });
+    VXUserPrompt::setBoxHandler(
+      [this](QMessageBox& box)
+      {
+        boxTitles.push_back(box.windowTitle());
+        boxTexts.push_back(box.text());
+        for (QAbstractButton* button : box.buttons())
+          boxButtons.push_back(button->text());
+        return boxResult;
+      });
   }
   ~ScriptedDialogs()
   {
@@ -79,7 +84,8 @@ protected:
   {
     m_Module.reset();
     m_Module = std::make_unique<VXVisualizationModuleWidget>();
-    QObject::connect(m_Module.get(), &VXVisualizationModuleWidget::printOutput, [this](const QString& message) { output << message; });
+    QObject::connect(m_Module.get(), &VXVisualizationModuleWidget::printOutput,
+                     [this](const QString& message) { output << message; });
     m_Module->resize(1000, 600);
     m_Module->show();
     pump();
@@ -93,16 +99,16 @@ protected:
   QList<VXDataSource*> dataSources() const
   {
     QList<VXDataSource*> sources;
-    for(VXBridgeObject* bridge : m_Module->pipeline()->bridges())
+    for (VXBridgeObject* bridge : m_Module->pipeline()->bridges())
       sources += bridge->dataSources();
     return sources;
   }
 
   bool outputContains(const QString& text) const
   {
-    for(const QString& line : output)
+    for (const QString& line : output)
     {
-      if(line.contains(text))
+      if (line.contains(text))
         return true;
     }
     return false;

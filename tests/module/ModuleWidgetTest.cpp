@@ -16,7 +16,8 @@ using namespace moduletest;
 
 namespace
 {
-/** Opens the protected drop handler to the test, as a drop from the window system would reach it. */
+/** Opens the protected drop handler to the test, as a drop from the window system would reach it.
+ */
 struct DropAccess : VXVisualizationModuleWidget
 {
   using VXVisualizationModuleWidget::dropEvent;
@@ -26,7 +27,7 @@ void dropFiles(VXVisualizationModuleWidget* target, const QStringList& paths)
 {
   QMimeData mime;
   QList<QUrl> urls;
-  for(const QString& path : paths)
+  for (const QString& path : paths)
     urls << QUrl::fromLocalFile(path);
   mime.setUrls(urls);
   QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
@@ -55,17 +56,17 @@ void storePresetValue(const QString& name, const QJsonValue& value)
 nlohmann::json renderWindowIndices(const nlohmann::json& items)
 {
   nlohmann::json found = nlohmann::json::array();
-  for(const auto& item : items)
+  for (const auto& item : items)
   {
     const nlohmann::json& data = item.at("item_data");
-    if(data.contains("render_window_index"))
-      for(const auto& entry : data.at("render_window_index"))
+    if (data.contains("render_window_index"))
+      for (const auto& entry : data.at("render_window_index"))
         found.push_back(entry.at("render_window_index"));
-    if(data.contains("rep_view_implementations"))
-      for(const auto& entry : data.at("rep_view_implementations"))
+    if (data.contains("rep_view_implementations"))
+      for (const auto& entry : data.at("rep_view_implementations"))
         found.push_back(entry.at("render_window_index"));
-    if(item.contains("item_children"))
-      for(const auto& index : renderWindowIndices(item.at("item_children")))
+    if (item.contains("item_children"))
+      for (const auto& index : renderWindowIndices(item.at("item_children")))
         found.push_back(index);
   }
   return found;
@@ -124,24 +125,25 @@ TEST_F(ModuleFixture, ActiveViewFollowsClicksSplitsAndCloses)
 TEST_F(ModuleFixture, DroppingAFileTwiceOffersAReloadAndImportsNothingNew)
 {
   const auto sample = pipelinetest::writeSample(m_Dir);
-  dropFiles(m_Module.get(), {qpath(sample)});
+  dropFiles(m_Module.get(), { qpath(sample) });
   ASSERT_EQ(m_Module->pipeline()->bridges().size(), 1);
   const int sources = dataSources().size();
   EXPECT_GT(sources, 0);
 
-  m_Dialogs.answers = {QMessageBox::No};
-  dropFiles(m_Module.get(), {qpath(sample)});
+  m_Dialogs.answers = { QMessageBox::No };
+  dropFiles(m_Module.get(), { qpath(sample) });
   EXPECT_EQ(m_Module->pipeline()->bridges().size(), 1);
   EXPECT_EQ(dataSources().size(), sources);
   ASSERT_EQ(m_Dialogs.asked.size(), 1u);
   EXPECT_EQ(m_Dialogs.asked[0].title, "File Already Imported");
-  EXPECT_EQ(m_Dialogs.asked[0].text,
-            QString("The file at %1 has already been imported. Would you like to reload the existing file data instead?").arg(qpath(sample)));
+  EXPECT_EQ(m_Dialogs.asked[0].text, QString("The file at %1 has already been imported. Would you "
+                                             "like to reload the existing file data instead?")
+                                       .arg(qpath(sample)));
 
   // Yes reloads the bridge in place
   QSignalSpy reloaded(m_Module->pipeline(), &VXPipeline::pipelineOutputReloaded);
-  m_Dialogs.answers = {QMessageBox::Yes};
-  dropFiles(m_Module.get(), {qpath(sample)});
+  m_Dialogs.answers = { QMessageBox::Yes };
+  dropFiles(m_Module.get(), { qpath(sample) });
   EXPECT_EQ(m_Module->pipeline()->bridges().size(), 1);
   EXPECT_GE(reloaded.count(), 1);
 }
@@ -150,7 +152,7 @@ TEST_F(ModuleFixture, DroppingAStateFileOnlyAsksTheHost)
 {
   QSignalSpy requested(m_Module.get(), &VXVisualizationModuleWidget::loadStateRequested);
   const QString statePath = qpath(m_Dir / "scene.vlxstate");
-  dropFiles(m_Module.get(), {statePath});
+  dropFiles(m_Module.get(), { statePath });
   ASSERT_EQ(requested.count(), 1);
   EXPECT_EQ(requested.at(0).at(0).toString(), statePath);
   EXPECT_TRUE(m_Module->pipeline()->bridges().isEmpty());
@@ -185,7 +187,8 @@ TEST_F(ModuleFixture, WriteSettingsActsOnTheBoxResultAsStored)
 {
   grid()->addRow(grid()->allViews().front());
   pump();
-  auto stored = [] {
+  auto stored = []
+  {
     QtKXSettings settings;
     settings.beginGroup("VisualizationSettings");
     settings.beginGroup("RenderWindowSettings");
@@ -197,9 +200,12 @@ TEST_F(ModuleFixture, WriteSettingsActsOnTheBoxResultAsStored)
   EXPECT_TRUE(stored().isEmpty());
   ASSERT_EQ(m_Dialogs.boxTitles.size(), 1u);
   EXPECT_EQ(m_Dialogs.boxTitles[0], "Save Default Render Window Settings");
-  EXPECT_EQ(m_Dialogs.boxTexts[0], "Do you want to save the current render window state as the default?");
-  for(const char* label : {"Save", "Don't Save", "Reset to Default"})
-    EXPECT_NE(std::find(m_Dialogs.boxButtons.begin(), m_Dialogs.boxButtons.end(), QString(label)), m_Dialogs.boxButtons.end()) << label;
+  EXPECT_EQ(m_Dialogs.boxTexts[0],
+            "Do you want to save the current render window state as the default?");
+  for (const char* label : { "Save", "Don't Save", "Reset to Default" })
+    EXPECT_NE(std::find(m_Dialogs.boxButtons.begin(), m_Dialogs.boxButtons.end(), QString(label)),
+              m_Dialogs.boxButtons.end())
+      << label;
 
   // the standard Save button (0x800) writes nothing: that is how the result is read
   m_Dialogs.boxResult = QMessageBox::Save;
@@ -231,13 +237,13 @@ TEST_F(ModuleFixture, LinkAllViewsSharesOneCameraAndUnlinkAllSeparatesThem)
   m_Module->linkAllViews();
   const QList<VXAbstractViewWidget*> views = grid()->allViews();
   vtkCamera* shared = views[0]->getVisualizationWidget()->getRenderer()->GetActiveCamera();
-  for(VXAbstractViewWidget* view : views)
+  for (VXAbstractViewWidget* view : views)
   {
     EXPECT_EQ(view->getVisualizationWidget()->getRenderer()->GetActiveCamera(), shared);
     EXPECT_EQ(view->getVisualizationWidget()->getLinkedWidgets().size(), 3u);
   }
   m_Module->unlinkAllViews();
-  for(VXAbstractViewWidget* view : views)
+  for (VXAbstractViewWidget* view : views)
     EXPECT_FALSE(view->getVisualizationWidget()->isLinked());
   EXPECT_NE(views[0]->getVisualizationWidget()->getRenderer()->GetActiveCamera(),
             views[1]->getVisualizationWidget()->getRenderer()->GetActiveCamera());
@@ -254,7 +260,8 @@ TEST_F(ModuleFixture, AllViewsScreenshotPutsEachPaneWhereItStands)
   pump();
   const QImage image = m_Module->grabAllViewsImage();
   ASSERT_EQ(image.size(), grid()->size());
-  auto centreOf = [this](VXAbstractViewWidget* view) {
+  auto centreOf = [this](VXAbstractViewWidget* view)
+  {
     VXVisualizationWidget* renderWidget = view->getVisualizationWidget();
     return renderWidget->mapTo(grid(), renderWidget->rect().center());
   };
@@ -269,7 +276,8 @@ TEST_F(ModuleFixture, AllViewsScreenshotPutsEachPaneWhereItStands)
   m_Dialogs.saveAnswer = qpath(m_Dir / "views.png");
   m_Module->saveAllViewsScreenshot();
   ASSERT_EQ(m_Dialogs.saveTitles.back(), "Save Screenshot of All Views");
-  EXPECT_EQ(m_Dialogs.saveFilters.back(), "PNG Image (*.png);;JPEG Image (*.jpg *.jpeg);;Bitmap Image (*.bmp)");
+  EXPECT_EQ(m_Dialogs.saveFilters.back(),
+            "PNG Image (*.png);;JPEG Image (*.jpg *.jpeg);;Bitmap Image (*.bmp)");
   const QImage written(qpath(m_Dir / "views.png"));
   EXPECT_EQ(written.size(), image.size());
   EXPECT_TRUE(m_Dialogs.asked.empty());
@@ -280,7 +288,9 @@ TEST_F(ModuleFixture, AllViewsScreenshotPutsEachPaneWhereItStands)
   ASSERT_EQ(m_Dialogs.asked.size(), 1u);
   EXPECT_EQ(m_Dialogs.asked[0].title, "Save Failed");
   EXPECT_EQ(m_Dialogs.asked[0].text,
-            QString("Failed to save the screenshot to:\n%1\nCheck that the file path is valid and you have write permissions.").arg(badPath));
+            QString("Failed to save the screenshot to:\n%1\nCheck that the file path is valid and "
+                    "you have write permissions.")
+              .arg(badPath));
 }
 
 TEST_F(ModuleFixture, PresetWithoutViewsBindsItsItemsToNoWindowAndAppliesToAnotherSource)
@@ -299,13 +309,14 @@ TEST_F(ModuleFixture, PresetWithoutViewsBindsItsItemsToNoWindowAndAppliesToAnoth
   EXPECT_TRUE(outputContains("Successfully saved preset Grains to the visualization presets"));
   const QJsonObject presets = storedPresets();
   ASSERT_TRUE(presets.value("Grains").isString());
-  const nlohmann::json preset = nlohmann::json::parse(presets.value("Grains").toString().toStdString());
+  const nlohmann::json preset =
+    nlohmann::json::parse(presets.value("Grains").toString().toStdString());
   EXPECT_FALSE(preset.contains("split_view_state"));
   ASSERT_TRUE(preset["tree_view_state"].is_array());
   ASSERT_EQ(preset["tree_view_state"].size(), static_cast<size_t>(viewsUnderFirst));
   const nlohmann::json indices = renderWindowIndices(preset["tree_view_state"]);
   ASSERT_FALSE(indices.empty());
-  for(const auto& index : indices)
+  for (const auto& index : indices)
     EXPECT_EQ(index.get<int>(), -1);
 
   // applied under the second source it adds the same data views there, in the active view
@@ -327,23 +338,25 @@ TEST_F(ModuleFixture, PresetWithViewsAsksBeforeClearingTheLayout)
   pump();
   const QModelIndex first = model()->helperIndex(dataSources()[0]);
   m_Module->createPreset(first, "Two Views", true);
-  const nlohmann::json preset = nlohmann::json::parse(storedPresets().value("Two Views").toString().toStdString());
+  const nlohmann::json preset =
+    nlohmann::json::parse(storedPresets().value("Two Views").toString().toStdString());
   ASSERT_TRUE(preset.contains("split_view_state"));
 
   grid()->addRow(grid()->allViews().front());
   pump();
   ASSERT_EQ(grid()->viewCount(), 3);
-  m_Dialogs.answers = {QMessageBox::Cancel};
+  m_Dialogs.answers = { QMessageBox::Cancel };
   m_Module->applyPreset(first, "Two Views");
   ASSERT_EQ(m_Dialogs.asked.size(), 1u);
   EXPECT_EQ(m_Dialogs.asked[0].title, "Loading Preset Possible Loss of Data");
   EXPECT_EQ(m_Dialogs.asked[0].text,
-            "The existing render window split view state will be cleared while loading preset 'Two Views'. This may result in a loss of existing "
+            "The existing render window split view state will be cleared while loading preset 'Two "
+            "Views'. This may result in a loss of existing "
             "data.\n\n Would you like to continue opening the preset?)");
   EXPECT_EQ(m_Dialogs.asked[0].defaultButton, QMessageBox::Cancel);
   EXPECT_EQ(grid()->viewCount(), 3);
 
-  m_Dialogs.answers = {QMessageBox::Open};
+  m_Dialogs.answers = { QMessageBox::Open };
   m_Module->applyPreset(first, "Two Views");
   EXPECT_EQ(grid()->viewCount(), 2);
 }
@@ -360,9 +373,12 @@ TEST_F(ModuleFixture, BrokenPresetsAreReportedOneByOne)
   m_Module->applyPreset(nowhere, "Broken");
   ASSERT_EQ(output.size(), 4);
   EXPECT_EQ(output[0], "Error reading visualization presets; missing Missing key");
-  EXPECT_EQ(output[1], "Error reading visualization preset Number. Expected json formatted string not found.");
-  EXPECT_EQ(output[2], "Error reading visualization preset Empty. No json formatted strings found.");
-  EXPECT_TRUE(output[3].startsWith("Error reading visualization preset 'Broken': malformed JSON ("));
+  EXPECT_EQ(output[1],
+            "Error reading visualization preset Number. Expected json formatted string not found.");
+  EXPECT_EQ(output[2],
+            "Error reading visualization preset Empty. No json formatted strings found.");
+  EXPECT_TRUE(
+    output[3].startsWith("Error reading visualization preset 'Broken': malformed JSON ("));
   EXPECT_TRUE(output[3].endsWith("). Delete the preset and recreate it."));
 }
 
@@ -371,12 +387,12 @@ TEST_F(ModuleFixture, PresetsExportAndImportThroughFiles)
   storePresetValue("A", QString("{\"tree_view_state\": []}"));
   storePresetValue("B", QString("{\"tree_view_state\": [], \"split_view_state\": {}}"));
   const QString exported = qpath(m_Dir / "presets.json");
-  m_Module->exportPresets(exported, {"A", "B"});
+  m_Module->exportPresets(exported, { "A", "B" });
   EXPECT_EQ(output.last(), QString("Presets successfully written to file at '%1'").arg(exported));
 
   // a failed export leaves an existing file as it was
   const QString folder = qpath(m_Dir.path());
-  m_Module->exportPresets(folder, {"A"});
+  m_Module->exportPresets(folder, { "A" });
   EXPECT_EQ(output.last(), QString("Failed to open preset export file '%1'").arg(folder));
 
   {
@@ -388,18 +404,23 @@ TEST_F(ModuleFixture, PresetsExportAndImportThroughFiles)
   m_Module->importPresets(exported);
   EXPECT_EQ(output.last(), QString("Successfully imported preset(s) from file %1").arg(exported));
   const QJsonObject presets = storedPresets();
-  EXPECT_EQ(presets.keys(), (QStringList{"A", "B"}));
+  EXPECT_EQ(presets.keys(), (QStringList{ "A", "B" }));
   // an import overwrites a preset of the same name
-  EXPECT_EQ(nlohmann::json::parse(presets.value("A").toString().toStdString()), nlohmann::json::parse("{\"tree_view_state\": []}"));
+  EXPECT_EQ(nlohmann::json::parse(presets.value("A").toString().toStdString()),
+            nlohmann::json::parse("{\"tree_view_state\": []}"));
 
   m_Module->importPresets(qpath(m_Dir / "absent.json"));
-  EXPECT_EQ(output.last(), QString("Error opening visualization preset file %1").arg(qpath(m_Dir / "absent.json")));
+  EXPECT_EQ(
+    output.last(),
+    QString("Error opening visualization preset file %1").arg(qpath(m_Dir / "absent.json")));
   QFile broken(qpath(m_Dir / "broken.json"));
   ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
   broken.write("{\"A\": ");
   broken.close();
   m_Module->importPresets(qpath(m_Dir / "broken.json"));
-  EXPECT_TRUE(output.last().startsWith(QString("Error importing presets from '%1': malformed JSON (").arg(qpath(m_Dir / "broken.json"))));
+  EXPECT_TRUE(
+    output.last().startsWith(QString("Error importing presets from '%1': malformed JSON (")
+                               .arg(qpath(m_Dir / "broken.json"))));
   EXPECT_TRUE(output.last().endsWith("). The file may be corrupt or not a valid preset file."));
 }
 
@@ -408,9 +429,9 @@ TEST_F(ModuleFixture, BlockRenderReachesEveryView)
   grid()->addColumn(grid()->allViews().front());
   pump();
   m_Module->setBlockRender(true);
-  for(VXAbstractViewWidget* view : grid()->allViews())
+  for (VXAbstractViewWidget* view : grid()->allViews())
     EXPECT_TRUE(view->isRenderBlocked());
   m_Module->setBlockRender(false);
-  for(VXAbstractViewWidget* view : grid()->allViews())
+  for (VXAbstractViewWidget* view : grid()->allViews())
     EXPECT_FALSE(view->isRenderBlocked());
 }

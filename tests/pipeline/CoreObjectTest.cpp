@@ -37,8 +37,10 @@ TEST(CoreObject, SmallestFreeSuffix)
   QObject owner;
   QList<VXCoreObject*> items;
   EXPECT_EQ(VXPipelineModel::GetNameSuffixCounter(items, "A"), 0);
-  const std::vector<std::pair<QString, int>> existing = {{"A", 0}, {"A", 1}, {"A", 3}, {"B", 2}};
-  for(const auto& [name, suffix] : existing)
+  const std::vector<std::pair<QString, int>> existing = {
+    { "A", 0 }, { "A", 1 }, { "A", 3 }, { "B", 2 }
+  };
+  for (const auto& [name, suffix] : existing)
   {
     auto* item = new VXDataSource(&owner);
     item->setBaseName(name);
@@ -107,10 +109,10 @@ TEST(CoreObject, StateKeysPerView)
   source.addViewWidget(&viewB);
   source.addViewWidget(&unsaved);
   nlohmann::json state;
-  source.VXCoreObject::write(state, {{&viewA, 0}, {&viewB, 1}});
+  source.VXCoreObject::write(state, { { &viewA, 0 }, { &viewB, 1 } });
   ASSERT_TRUE(state["render_window_index"].is_array());
   ASSERT_EQ(state["render_window_index"].size(), 2u); // the view without an index is left out
-  for(const auto& entry : state["render_window_index"])
+  for (const auto& entry : state["render_window_index"])
   {
     EXPECT_TRUE(entry["render_window_index"].is_number());
     EXPECT_EQ(entry["core_object_visibility"], true);
@@ -118,21 +120,27 @@ TEST(CoreObject, StateKeysPerView)
 
   VXDataSource restored;
   restored.addViewWidget(&viewA);
-  nlohmann::json input = {{"render_window_index",
-                           {{{"render_window_index", 0}, {"core_object_visibility", false}},
-                            {{"render_window_index", 7}, {"core_object_visibility", false}}}}};
-  restored.VXCoreObject::read(input, {{0, &viewA}, {1, &viewB}});
+  nlohmann::json input = {
+    { "render_window_index",
+      { { { "render_window_index", 0 }, { "core_object_visibility", false } },
+        { { "render_window_index", 7 }, { "core_object_visibility", false } } } }
+  };
+  restored.VXCoreObject::read(input, { { 0, &viewA }, { 1, &viewB } });
   EXPECT_FALSE(restored.viewWidgets().value(&viewA));
   EXPECT_EQ(restored.viewWidgets().size(), 1); // index 7 names no view
 
-  nlohmann::json wrongType = {{"render_window_index", {{{"render_window_index", "zero"}, {"core_object_visibility", true}}}}};
+  nlohmann::json wrongType = {
+    { "render_window_index",
+      { { { "render_window_index", "zero" }, { "core_object_visibility", true } } } }
+  };
   try
   {
-    restored.VXCoreObject::read(wrongType, {{0, &viewA}});
+    restored.VXCoreObject::read(wrongType, { { 0, &viewA } });
     FAIL() << "expected a type error";
   }
-  catch(const nlohmann::json::type_error& error)
+  catch (const nlohmann::json::type_error& error)
   {
-    EXPECT_NE(std::string(error.what()).find("type must be number, but is string"), std::string::npos);
+    EXPECT_NE(std::string(error.what()).find("type must be number, but is string"),
+              std::string::npos);
   }
 }

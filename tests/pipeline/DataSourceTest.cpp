@@ -23,7 +23,8 @@ vtkSmartPointer<vtkImageData> imageWithArrays()
 {
   auto image = vtkSmartPointer<vtkImageData>::New();
   image->SetDimensions(2, 2, 1);
-  auto addArray = [&](vtkDataArray* array, const char* name, int components) {
+  auto addArray = [&](vtkDataArray* array, const char* name, int components)
+  {
     array->SetName(name);
     array->SetNumberOfComponents(components);
     array->SetNumberOfTuples(4);
@@ -47,16 +48,18 @@ TEST(DataSource, ComponentNamesByArrayKind)
   EXPECT_EQ(source.name(), "Image");
   EXPECT_TRUE(source.isImageGeometrySource());
   EXPECT_TRUE(source.importedDataPath().empty());
-  EXPECT_EQ(source.getComponentNames("Color"), (QList<QString>{"R", "G", "B", "Magnitude"}));
-  EXPECT_EQ(source.getComponentNames("Velocity"), (QList<QString>{"X", "Y", "Z", "Magnitude"}));
-  EXPECT_EQ(source.getComponentNames("Scalar"), (QList<QString>{"Comp 0"}));
+  EXPECT_EQ(source.getComponentNames("Color"), (QList<QString>{ "R", "G", "B", "Magnitude" }));
+  EXPECT_EQ(source.getComponentNames("Velocity"), (QList<QString>{ "X", "Y", "Z", "Magnitude" }));
+  EXPECT_EQ(source.getComponentNames("Scalar"), (QList<QString>{ "Comp 0" }));
   EXPECT_EQ(source.getComponentNames("Tensor").size(), 7);
   EXPECT_EQ(source.getComponentNames("Tensor").last(), "Magnitude");
   // a host float array is not a vtkFloatArray: generic names
-  EXPECT_EQ(source.getComponentNames("HostVectors"), (QList<QString>{"Comp 0", "Comp 1", "Comp 2", "Magnitude"}));
+  EXPECT_EQ(source.getComponentNames("HostVectors"),
+            (QList<QString>{ "Comp 0", "Comp 1", "Comp 2", "Magnitude" }));
   EXPECT_TRUE(source.getComponentNames("Missing").isEmpty());
   EXPECT_TRUE(source.getComponentNames(QString()).isEmpty());
-  EXPECT_EQ(source.getImportedArrayNames().keys(), (QList<QString>{"Color", "HostVectors", "Scalar", "Tensor", "Velocity"}));
+  EXPECT_EQ(source.getImportedArrayNames().keys(),
+            (QList<QString>{ "Color", "HostVectors", "Scalar", "Tensor", "Velocity" }));
 }
 
 TEST(DataSource, ColorSignals)
@@ -65,28 +68,30 @@ TEST(DataSource, ColorSignals)
   VXDataSource source;
   QStringList order;
   QObject::connect(&source, &VXDataSource::restoreDefaultPresetColors, [&] { order << "default"; });
-  QObject::connect(&source, &VXDataSource::loadPresetColors, [&](const auto& preset) { order << "preset:" + QString::fromStdString(preset.name); });
+  QObject::connect(&source, &VXDataSource::loadPresetColors, [&](const auto& preset)
+                   { order << "preset:" + QString::fromStdString(preset.name); });
   QObject::connect(&source, &VXDataSource::solidColorChanged, [&](QColor) { order << "solid"; });
   QObject::connect(&source, &VXDataSource::nanColorChanged, [&](QColor) { order << "nan"; });
-  QObject::connect(&source, &VXDataSource::invertColorMap, [&](bool inverted) { order << QString("invert:%1").arg(inverted); });
+  QObject::connect(&source, &VXDataSource::invertColorMap,
+                   [&](bool inverted) { order << QString("invert:%1").arg(inverted); });
   QSignalSpy applied(&source, &VXDataSource::presetApplied);
 
   source.triggerColorSettingsChange();
-  EXPECT_EQ(order, (QStringList{"default", "solid", "nan", "invert:0"}));
+  EXPECT_EQ(order, (QStringList{ "default", "solid", "nan", "invert:0" }));
   order.clear();
 
   source.setColorsInverted();
   kx::core::ColorTableUtilities::ColorPreset viridis;
   viridis.name = "Viridis";
-  viridis.rgbPoints = {0, 0.267f, 0.005f, 0.329f, 1, 0.993f, 0.906f, 0.144f};
+  viridis.rgbPoints = { 0, 0.267f, 0.005f, 0.329f, 1, 0.993f, 0.906f, 0.144f };
   source.applyPreset(viridis);
-  EXPECT_EQ(order, (QStringList{"invert:1", "preset:Viridis", "invert:1"}));
+  EXPECT_EQ(order, (QStringList{ "invert:1", "preset:Viridis", "invert:1" }));
   ASSERT_EQ(applied.count(), 1);
   EXPECT_EQ(applied.at(0).at(0).toString(), "Viridis");
   EXPECT_FALSE(source.isUsingDefaultPreset());
   order.clear();
   source.setRestoreDefaultPreset();
-  EXPECT_EQ(order, (QStringList{"default", "invert:1"}));
+  EXPECT_EQ(order, (QStringList{ "default", "invert:1" }));
 }
 
 TEST(DataSource, PasteChangesSettingsNeverIdentity)
@@ -97,7 +102,8 @@ TEST(DataSource, PasteChangesSettingsNeverIdentity)
   first.setSolidColor(QColor(10, 20, 30));
   first.setNanColor(QColor(200, 0, 0));
   first.copyActiveSettings();
-  const nlohmann::json copied = nlohmann::json::parse(QGuiApplication::clipboard()->text().toStdString());
+  const nlohmann::json copied =
+    nlohmann::json::parse(QGuiApplication::clipboard()->text().toStdString());
   EXPECT_EQ(copied["data_source_solid_color_g"], 20);
   EXPECT_EQ(copied["core_object_name"], "Image");
 
@@ -141,7 +147,7 @@ TEST(DataSource, WriteSettingsFollowsTheAnswer)
   ScriptedPrompts prompts;
   VXDataSource source;
   source.setSolidColor(QColor(9, 8, 7));
-  prompts.answers = {QMessageBox::No, QMessageBox::Yes, QMessageBox::Reset};
+  prompts.answers = { QMessageBox::No, QMessageBox::Yes, QMessageBox::Reset };
   source.writeSettings();
   EXPECT_EQ(VXDataSource().getSolidColor(), QColor(255, 255, 255));
   source.writeSettings();
@@ -149,8 +155,8 @@ TEST(DataSource, WriteSettingsFollowsTheAnswer)
   source.writeSettings();
   EXPECT_EQ(VXDataSource().getSolidColor(), QColor(255, 255, 255));
   ASSERT_EQ(prompts.asked.size(), 3u);
-  EXPECT_EQ(prompts.asked[0].text,
-            "Do you want to save the current data source setting values as the default values for all data sources?");
+  EXPECT_EQ(prompts.asked[0].text, "Do you want to save the current data source setting values as "
+                                   "the default values for all data sources?");
   EXPECT_EQ(prompts.asked[0].defaultButton, QMessageBox::Yes);
 }
 

@@ -44,31 +44,31 @@ TEST(FileBridge, RealFilesBecomeDataSources)
 {
   ScopedSettings settings;
   const std::vector<Expected> files = {
-    {"hydrogen.vti", "vtkImageData", 262144, 250047, "probability_density", ""},
-    {"chombo3d_1.vti", "vtkImageData", 4913, 4096, "", "phi"},
-    {"RectilinearGrid.vtr", "vtkRectilinearGrid", 545025, 524288, "", "Pressure"},
-    {"StructuredGrid.vts", "vtkStructuredGrid", 648, 440, "Momentum", ""},
-    {"Tetrahedron.vtu", "vtkUnstructuredGrid", 35, 96, "DistanceToCenter", ""},
-    {"Hexahedron.vtu", "vtkUnstructuredGrid", 26, 7, "", "material"},
-    {"ex-blow_5_0_2.vtu", "vtkUnstructuredGrid", 96, 116, "THICKNESS", "ObjectId"},
-    {"Bunny.vtp", "vtkPolyData", 872, 1502, "Normals", ""},
-    {"disk_out_ref_surface.vtp", "vtkPolyData", 1990, 1988, "Temp", "GlobalElementId"},
-    {"plate.vtk", "vtkPolyData", 315, 312, "mode8", ""},
-    {"faults.vtk", "vtkPolyData", 1933, 78, "", ""},
-    {"matrix.vtk", "vtkStructuredPoints", 50, 36, "values", ""},
-    {"uGridEx.vtk", "vtkUnstructuredGrid", 27, 12, "scalars", ""},
-    {"office.binary.vtk", "vtkStructuredGrid", 8400, 7220, "vectors", ""},
-    {"greatWhite.stl", "vtkPolyData", 3155, 6264, "", ""},
-    {"InterpolatingOnSTL_final.stl", "vtkPolyData", 2669, 5131, "", ""},
-    {"TestPattern.png", "vtkImageData", 65536, 65025, "", "", 1},
-    {"alphachannel.png", "vtkImageData", 126000, 125281, "", "", 4},
-    {"beach.jpg", "vtkImageData", 40000, 39601, "", "", 3},
-    {"beach.tif", "vtkImageData", 40000, 39601, "", "", 3},
-    {"masonry.bmp", "vtkImageData", 65536, 65025, "", "", 3},
+    { "hydrogen.vti", "vtkImageData", 262144, 250047, "probability_density", "" },
+    { "chombo3d_1.vti", "vtkImageData", 4913, 4096, "", "phi" },
+    { "RectilinearGrid.vtr", "vtkRectilinearGrid", 545025, 524288, "", "Pressure" },
+    { "StructuredGrid.vts", "vtkStructuredGrid", 648, 440, "Momentum", "" },
+    { "Tetrahedron.vtu", "vtkUnstructuredGrid", 35, 96, "DistanceToCenter", "" },
+    { "Hexahedron.vtu", "vtkUnstructuredGrid", 26, 7, "", "material" },
+    { "ex-blow_5_0_2.vtu", "vtkUnstructuredGrid", 96, 116, "THICKNESS", "ObjectId" },
+    { "Bunny.vtp", "vtkPolyData", 872, 1502, "Normals", "" },
+    { "disk_out_ref_surface.vtp", "vtkPolyData", 1990, 1988, "Temp", "GlobalElementId" },
+    { "plate.vtk", "vtkPolyData", 315, 312, "mode8", "" },
+    { "faults.vtk", "vtkPolyData", 1933, 78, "", "" },
+    { "matrix.vtk", "vtkStructuredPoints", 50, 36, "values", "" },
+    { "uGridEx.vtk", "vtkUnstructuredGrid", 27, 12, "scalars", "" },
+    { "office.binary.vtk", "vtkStructuredGrid", 8400, 7220, "vectors", "" },
+    { "greatWhite.stl", "vtkPolyData", 3155, 6264, "", "" },
+    { "InterpolatingOnSTL_final.stl", "vtkPolyData", 2669, 5131, "", "" },
+    { "TestPattern.png", "vtkImageData", 65536, 65025, "", "", 1 },
+    { "alphachannel.png", "vtkImageData", 126000, 125281, "", "", 4 },
+    { "beach.jpg", "vtkImageData", 40000, 39601, "", "", 3 },
+    { "beach.tif", "vtkImageData", 40000, 39601, "", "", 3 },
+    { "masonry.bmp", "vtkImageData", 65536, 65025, "", "", 3 },
   };
   VXPipeline pipeline;
   QSignalSpy popups(&pipeline, &VXPipeline::sendPopupMessage);
-  for(const Expected& expected : files)
+  for (const Expected& expected : files)
   {
     SCOPED_TRACE(expected.file);
     FileToVXBridge* bridge = importInto(pipeline, kxtest::DataFile(expected.file));
@@ -77,25 +77,27 @@ TEST(FileBridge, RealFilesBecomeDataSources)
     ASSERT_EQ(bridge->dataSources().size(), 1);
     VXDataSource* source = bridge->dataSources().first();
     EXPECT_EQ(source->parent(), bridge);
-    EXPECT_EQ(source->name().toStdString(), QFileInfo(QString::fromStdString(expected.file)).completeBaseName().toStdString());
+    EXPECT_EQ(source->name().toStdString(),
+              QFileInfo(QString::fromStdString(expected.file)).completeBaseName().toStdString());
     EXPECT_TRUE(source->importedDataPath().empty());
     vtkDataSet* dataSet = source->getOutput();
     ASSERT_NE(dataSet, nullptr);
     EXPECT_EQ(std::string(dataSet->GetClassName()), expected.className);
     EXPECT_EQ(dataSet->GetNumberOfPoints(), expected.points);
     EXPECT_EQ(dataSet->GetNumberOfCells(), expected.cells);
-    if(!expected.pointArray.empty())
+    if (!expected.pointArray.empty())
     {
       EXPECT_NE(dataSet->GetPointData()->GetAbstractArray(expected.pointArray.c_str()), nullptr);
     }
-    if(!expected.cellArray.empty())
+    if (!expected.cellArray.empty())
     {
       EXPECT_NE(dataSet->GetCellData()->GetAbstractArray(expected.cellArray.c_str()), nullptr);
     }
-    if(expected.firstPointArrayComponents > 0)
+    if (expected.firstPointArrayComponents > 0)
     {
       ASSERT_GT(dataSet->GetPointData()->GetNumberOfArrays(), 0);
-      EXPECT_EQ(dataSet->GetPointData()->GetArray(0)->GetNumberOfComponents(), expected.firstPointArrayComponents);
+      EXPECT_EQ(dataSet->GetPointData()->GetArray(0)->GetNumberOfComponents(),
+                expected.firstPointArrayComponents);
     }
   }
   EXPECT_EQ(popups.count(), 0);
@@ -109,9 +111,10 @@ TEST(FileBridge, HostFileGivesOneDataSourcePerGeometry)
   VXPipeline pipeline;
   FileToVXBridge* bridge = importInto(pipeline, path);
   ASSERT_EQ(bridge->dataSources().size(), 3);
-  EXPECT_EQ(bridge->dataSourceNames(), (QStringList{"Microstructure", "Grain Boundaries", "Grain Centroids"}));
+  EXPECT_EQ(bridge->dataSourceNames(),
+            (QStringList{ "Microstructure", "Grain Boundaries", "Grain Centroids" }));
   VXDataSource* image = bridge->dataSources().first();
-  EXPECT_EQ(image->importedDataPath(), kx::core::DataPath({"Microstructure"}));
+  EXPECT_EQ(image->importedDataPath(), kx::core::DataPath({ "Microstructure" }));
   EXPECT_EQ(image->quadViewDisplayText(), "Microstructure");
   EXPECT_TRUE(image->isImageGeometrySource());
   EXPECT_EQ(image->getOutput()->GetNumberOfCells(), 12 * 12 * 12);
@@ -124,7 +127,8 @@ TEST(FileBridge, FailuresAreReportedAndLeaveNoChildren)
   ScopedSettings settings;
   kxtest::TempDir dir;
   kx::core::DataStructure tableOnly;
-  auto store = std::make_shared<kx::core::DataStore<int>>(kx::core::ShapeType{3}, kx::core::ShapeType{1}, 1);
+  auto store = std::make_shared<kx::core::DataStore<int>>(kx::core::ShapeType{ 3 },
+                                                          kx::core::ShapeType{ 1 }, 1);
   kx::core::DataArray<int>::Create(tableOnly, "Counts", store);
   const auto noGeometry = dir / "table.voxelia";
   ASSERT_TRUE(kx::core::VOXELIA::WriteFile(noGeometry, tableOnly).isValid());
@@ -145,9 +149,11 @@ TEST(FileBridge, FailuresAreReportedAndLeaveNoChildren)
   ASSERT_EQ(popups.count(), 2); // a file that fails to read as a VTK file says nothing
   EXPECT_EQ(popups.at(0).at(0).toString(), "Load File Error");
   EXPECT_EQ(popups.at(0).at(1).toString(),
-            QString("The file '%1' was read successfully but contains no geometries to visualize.").arg(qpath(noGeometry)));
+            QString("The file '%1' was read successfully but contains no geometries to visualize.")
+              .arg(qpath(noGeometry)));
   EXPECT_EQ(popups.at(1).at(1).toString(),
-            QString("Invalid file type for file at '%1'. Cannot load the file for visualization").arg(qpath(parallel)));
+            QString("Invalid file type for file at '%1'. Cannot load the file for visualization")
+              .arg(qpath(parallel)));
   EXPECT_TRUE(FileToVXBridge::FileFilterList().contains("*.pvti"));
   EXPECT_TRUE(FileToVXBridge::FileFilterList().startsWith("All Supported Files (*.voxelia *.vti"));
   EXPECT_TRUE(FileToVXBridge::FileFilterList().contains(";;VOXELIA-KX Files (*.voxelia);;"));
@@ -203,7 +209,8 @@ TEST(FileBridge, WatchedFileFollowsRewriteRenameAndDelete)
   QCoreApplication::processEvents();
   ASSERT_EQ(output.count(), 1);
   EXPECT_TRUE(output.at(0).at(0).toString().startsWith(
-    QString("File item mesh.vtu is no longer auto reloading because the source file at path %1 was renamed or deleted.\n")
+    QString("File item mesh.vtu is no longer auto reloading because the source file at path %1 was "
+            "renamed or deleted.\n")
       .arg(qpath(path))));
   ASSERT_GE(flags.count(), 1);
   EXPECT_TRUE(flags.last().at(1).toBool());
@@ -239,17 +246,18 @@ TEST(FileBridge, ReloadOfMissingFileAsksFirst)
   std::filesystem::remove(path);
 
   ScriptedPrompts prompts;
-  prompts.answers = {QMessageBox::No};
+  prompts.answers = { QMessageBox::No };
   QSignalSpy reloaded(bridge, &VXBridgeObject::pipelineOutputReloaded);
   bridge->reload();
   ASSERT_EQ(prompts.asked.size(), 1u);
   EXPECT_EQ(prompts.asked[0].title, "Source File Missing");
   EXPECT_EQ(prompts.asked[0].defaultButton, QMessageBox::No);
-  EXPECT_TRUE(prompts.asked[0].text.startsWith(QString("The source file (%1) has been renamed or deleted.").arg(qpath(path))));
+  EXPECT_TRUE(prompts.asked[0].text.startsWith(
+    QString("The source file (%1) has been renamed or deleted.").arg(qpath(path))));
   EXPECT_EQ(reloaded.count(), 0);
 
   // located elsewhere: reads that file into the same data source
-  prompts.answers = {QMessageBox::Yes};
+  prompts.answers = { QMessageBox::Yes };
   prompts.fileAnswer = qpath(kxtest::DataFile("Tetrahedron.vtu"));
   bridge->reload();
   ASSERT_EQ(prompts.fileTitles.size(), 1u);
@@ -266,7 +274,8 @@ TEST(FileBridge, ReloadWithoutDataIsNotAReload)
   QSignalSpy output(&bridge, &VXBridgeObject::sendOutputMessage);
   bridge.reload();
   ASSERT_EQ(output.count(), 1);
-  EXPECT_EQ(output.at(0).at(0).toString(), "The pipeline object doesn't have any data defined; not a reload.");
+  EXPECT_EQ(output.at(0).at(0).toString(),
+            "The pipeline object doesn't have any data defined; not a reload.");
 }
 
 TEST(FileBridge, HostFileReloadKeepsDataSourcesAndAnnouncesTwice)

@@ -24,15 +24,15 @@ std::shared_ptr<DataStructure> hostResult(int fill, bool withSeeds = true)
 {
   auto ds = std::make_shared<DataStructure>();
   auto* image = ImageGeom::Create(*ds, "Grains");
-  image->setDimensions({3, 2, 1});
-  auto* cells = AttributeMatrix::Create(*ds, "Cell Data", {1, 2, 3}, image->getId());
+  image->setDimensions({ 3, 2, 1 });
+  auto* cells = AttributeMatrix::Create(*ds, "Cell Data", { 1, 2, 3 }, image->getId());
   image->setCellData(cells->getId());
-  auto store = std::make_shared<DataStore<int32>>(ShapeType{1, 2, 3}, ShapeType{1}, fill);
+  auto store = std::make_shared<DataStore<int32>>(ShapeType{ 1, 2, 3 }, ShapeType{ 1 }, fill);
   Int32Array::Create(*ds, "FeatureIds", store, cells->getId());
-  if(withSeeds)
+  if (withSeeds)
   {
     auto* seeds = VertexGeom::Create(*ds, "Seeds");
-    auto xyz = std::make_shared<DataStore<float>>(ShapeType{2}, ShapeType{3}, 0.5f);
+    auto xyz = std::make_shared<DataStore<float>>(ShapeType{ 2 }, ShapeType{ 3 }, 0.5f);
     seeds->setVertexListId(Float32Array::Create(*ds, "Vertices", xyz, seeds->getId())->getId());
   }
   return ds;
@@ -98,7 +98,7 @@ TEST(HostBridge, VanishedGeometryTakesItsDataSource)
   ASSERT_EQ(removed.count(), 1);
   EXPECT_EQ(removed.at(0).at(0).value<VXDataSource*>(), seeds);
   EXPECT_EQ(bridge->dataSources().size(), 1);
-  EXPECT_EQ(bridge->dataSourceNames(), QStringList{"Grains"});
+  EXPECT_EQ(bridge->dataSourceNames(), QStringList{ "Grains" });
 }
 
 TEST(HostBridge, GeometryWithTwoParentsIsReportedAndSkipped)
@@ -114,12 +114,15 @@ TEST(HostBridge, GeometryWithTwoParentsIsReportedAndSkipped)
   // the next run puts the image under a second group too
   auto second = hostResult(5, false);
   auto* folder = DataGroup::Create(*second, "Folder");
-  ASSERT_TRUE(second->setAdditionalParent(second->getId(DataPath({"Grains"})).value(), folder->getId()));
+  ASSERT_TRUE(
+    second->setAdditionalParent(second->getId(DataPath({ "Grains" })).value(), folder->getId()));
   QSignalSpy popups(&pipeline, &VXPipeline::sendPopupMessage);
   QSignalSpy output(&pipeline, &VXPipeline::sendOutputMessage);
   pipeline.reloadPipelineOutput(&run, second);
-  const QString text = "The geometry named Grains has multiple parents but the visualization currently does not support "
-                       "multiple parenting. This geometry will NOT be added to your visualization pipeline.";
+  const QString text =
+    "The geometry named Grains has multiple parents but the visualization currently does not "
+    "support "
+    "multiple parenting. This geometry will NOT be added to your visualization pipeline.";
   ASSERT_GE(popups.count(), 1);
   EXPECT_EQ(popups.at(0).at(0).toString(), "Geometry Not Loaded");
   EXPECT_EQ(popups.at(0).at(1).toString(), text);
@@ -150,7 +153,8 @@ TEST(HostBridge, StateKeysAndFallbackOnRead)
   restored.read(state, {});
   ASSERT_EQ(output.count(), 1);
   EXPECT_EQ(output.at(0).at(0).toString(),
-            "Error: Cannot read in state file to a visualization pipeline sourced from a VOXELIA-KX pipeline, state files "
+            "Error: Cannot read in state file to a visualization pipeline sourced from a "
+            "VOXELIA-KX pipeline, state files "
             "must be read in to visualization pipelines sourced from a file.");
   // falls back on the pipeline's output file
   EXPECT_EQ(restored.dataSources().size(), 3);

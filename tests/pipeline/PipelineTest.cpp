@@ -21,24 +21,24 @@ vtkSmartPointer<vtkPolyData> polyWith(int verts, int lines, int cellType)
 {
   auto poly = vtkSmartPointer<vtkPolyData>::New();
   vtkNew<vtkPoints> points;
-  for(int i = 0; i < 8; i++)
+  for (int i = 0; i < 8; i++)
     points->InsertNextPoint(i & 1, (i >> 1) & 1, (i >> 2) & 1);
   poly->SetPoints(points);
   vtkNew<vtkCellArray> vertCells;
-  for(vtkIdType i = 0; i < verts; i++)
+  for (vtkIdType i = 0; i < verts; i++)
     vertCells->InsertNextCell(1, &i);
   poly->SetVerts(vertCells);
   vtkNew<vtkCellArray> lineCells;
-  for(int i = 0; i < lines; i++)
+  for (int i = 0; i < lines; i++)
   {
-    const vtkIdType ids[2] = {0, 1};
+    const vtkIdType ids[2] = { 0, 1 };
     lineCells->InsertNextCell(2, ids);
   }
   poly->SetLines(lineCells);
-  if(cellType != 0)
+  if (cellType != 0)
   {
     vtkNew<vtkCellArray> polys;
-    const vtkIdType ids[4] = {0, 1, 3, 2};
+    const vtkIdType ids[4] = { 0, 1, 3, 2 };
     polys->InsertNextCell(cellType == VTK_TRIANGLE ? 3 : 4, ids);
     poly->SetPolys(polys);
   }
@@ -49,11 +49,12 @@ vtkSmartPointer<vtkUnstructuredGrid> gridWith(int cellType)
 {
   auto grid = vtkSmartPointer<vtkUnstructuredGrid>::New();
   vtkNew<vtkPoints> points;
-  for(int i = 0; i < 8; i++)
+  for (int i = 0; i < 8; i++)
     points->InsertNextPoint(i & 1, (i >> 1) & 1, (i >> 2) & 1);
   grid->SetPoints(points);
-  const vtkIdType ids[8] = {0, 1, 3, 2, 4, 5, 7, 6};
-  grid->InsertNextCell(cellType, cellType == VTK_TETRA ? 4 : (cellType == VTK_HEXAHEDRON ? 8 : 3), ids);
+  const vtkIdType ids[8] = { 0, 1, 3, 2, 4, 5, 7, 6 };
+  grid->InsertNextCell(cellType, cellType == VTK_TETRA ? 4 : (cellType == VTK_HEXAHEDRON ? 8 : 3),
+                       ids);
   return grid;
 }
 
@@ -74,10 +75,11 @@ public:
   }
   ~DistinctDefaults()
   {
-    for(auto setter : {&VXPipeline::setDefaultImageGeomRepType, &VXPipeline::setDefaultRectGridRepType,
-                       &VXPipeline::setDefaultVertexRepType, &VXPipeline::setDefaultEdgeRepType,
-                       &VXPipeline::setDefaultTriangleRepType, &VXPipeline::setDefaultQuadRepType,
-                       &VXPipeline::setDefaultTetRepType, &VXPipeline::setDefaultHexRepType})
+    for (auto setter :
+         { &VXPipeline::setDefaultImageGeomRepType, &VXPipeline::setDefaultRectGridRepType,
+           &VXPipeline::setDefaultVertexRepType, &VXPipeline::setDefaultEdgeRepType,
+           &VXPipeline::setDefaultTriangleRepType, &VXPipeline::setDefaultQuadRepType,
+           &VXPipeline::setDefaultTetRepType, &VXPipeline::setDefaultHexRepType })
       setter(VXRepresentation::Outline);
   }
 };
@@ -91,14 +93,20 @@ TEST(Pipeline, DefaultDataViewByDataSetType)
   auto structured = vtkSmartPointer<vtkStructuredGrid>::New();
   EXPECT_EQ(VXPipeline::DefaultRepresentationType(image), VXRepresentation::Volume);
   EXPECT_EQ(VXPipeline::DefaultRepresentationType(rect), VXRepresentation::Surface);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(2, 1, VTK_TRIANGLE)), VXRepresentation::Points);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 1, VTK_TRIANGLE)), VXRepresentation::Wireframe);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, VTK_TRIANGLE)), VXRepresentation::Glyph);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, VTK_QUAD)), VXRepresentation::ImageSlice);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(2, 1, VTK_TRIANGLE)),
+            VXRepresentation::Points);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 1, VTK_TRIANGLE)),
+            VXRepresentation::Wireframe);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, VTK_TRIANGLE)),
+            VXRepresentation::Glyph);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, VTK_QUAD)),
+            VXRepresentation::ImageSlice);
   EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, 0)), VXRepresentation::Outline);
   EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_TETRA)), VXRepresentation::Surface);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_HEXAHEDRON)), VXRepresentation::Wireframe);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_TRIANGLE)), VXRepresentation::Outline);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_HEXAHEDRON)),
+            VXRepresentation::Wireframe);
+  EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_TRIANGLE)),
+            VXRepresentation::Outline);
   EXPECT_EQ(VXPipeline::DefaultRepresentationType(structured), VXRepresentation::Outline);
   EXPECT_EQ(VXPipeline::DefaultRepresentationType(nullptr), VXRepresentation::Outline);
 }
@@ -113,12 +121,14 @@ TEST(Pipeline, DataSourcesGetTheirDefaultDataView)
   pipeline.setActiveViewWidget(&view);
   QSignalSpy added(&pipeline, &VXPipeline::representationAdded);
   QStringList order;
-  QObject::connect(&pipeline, &VXPipeline::dataSourceAdded, [&](VXDataSource*) { order << "source"; });
-  QObject::connect(&pipeline, &VXPipeline::representationAdded, [&](VXRepresentation*) { order << "view"; });
+  QObject::connect(&pipeline, &VXPipeline::dataSourceAdded,
+                   [&](VXDataSource*) { order << "source"; });
+  QObject::connect(&pipeline, &VXPipeline::representationAdded,
+                   [&](VXRepresentation*) { order << "view"; });
 
   pipeline.importFile(qpath(kxtest::DataFile("hydrogen.vti")));
   ASSERT_EQ(added.count(), 1);
-  EXPECT_EQ(order, (QStringList{"source", "view"})); // the model has the source before its view
+  EXPECT_EQ(order, (QStringList{ "source", "view" })); // the model has the source before its view
   auto* rep = dynamic_cast<RecordingRep*>(added.at(0).at(0).value<VXRepresentation*>());
   ASSERT_NE(rep, nullptr);
   EXPECT_EQ(rep->type(), VXRepresentation::Volume);
@@ -190,8 +200,10 @@ TEST(Pipeline, AddRepresentationMessages)
   EXPECT_FALSE(pipeline.addRepresentation(nullptr, VXRepresentation::Surface));
   EXPECT_FALSE(pipeline.addRepresentation(&source, VXRepresentation::Surface));
   ASSERT_EQ(output.count(), 2);
-  EXPECT_EQ(output.at(0).at(0).toString(), "Cannot add representation view because the selected parent item does not exist!");
-  EXPECT_EQ(output.at(1).at(0).toString(), "Cannot add representation view because no active render window is selected!");
+  EXPECT_EQ(output.at(0).at(0).toString(),
+            "Cannot add representation view because the selected parent item does not exist!");
+  EXPECT_EQ(output.at(1).at(0).toString(),
+            "Cannot add representation view because no active render window is selected!");
 
   TestView view;
   pipeline.setActiveViewWidget(&view);
@@ -210,7 +222,8 @@ TEST(Pipeline, ActiveViewSignalComesBeforeTheChange)
   pipeline.setActiveViewWidget(&first);
   VXAbstractViewWidget* seenDuringSignal = nullptr;
   QObject::connect(&pipeline, &VXPipeline::activeViewChanged,
-                   [&](VXAbstractViewWidget*, VXAbstractViewWidget*) { seenDuringSignal = pipeline.activeViewWidget(); });
+                   [&](VXAbstractViewWidget*, VXAbstractViewWidget*)
+                   { seenDuringSignal = pipeline.activeViewWidget(); });
   QSignalSpy spy(&pipeline, &VXPipeline::activeViewChanged);
   pipeline.setActiveViewWidget(&second);
   ASSERT_EQ(spy.count(), 1);

@@ -34,9 +34,9 @@ class FakeController : public KX::IPipelineController
 {
 public:
   FakeController(QString name, QString uuid, QString file = "/tmp/pipeline.kxpipe")
-  : m_Name(std::move(name))
-  , m_Uuid(std::move(uuid))
-  , m_File(std::move(file))
+    : m_Name(std::move(name))
+    , m_Uuid(std::move(uuid))
+    , m_File(std::move(file))
   {
   }
   QString getPipelineName() const override { return m_Name; }
@@ -54,8 +54,8 @@ class RecordingRep : public VXRepresentation
 {
 public:
   RecordingRep(VXPipeline* pipeline, Type type)
-  : VXRepresentation(pipeline, k_RepresentationTypeToString.value(type) + " View")
-  , m_Type(type)
+    : VXRepresentation(pipeline, k_RepresentationTypeToString.value(type) + " View")
+    , m_Type(type)
   {
   }
   QString humanTypeName() override { return "Recording"; }
@@ -69,7 +69,8 @@ public:
   void addViewWidgetCopy(VXAbstractViewWidget*, VXAbstractViewWidget*) override {}
   Type type() const override { return m_Type; }
   void initializeImplementations(vtkAlgorithmOutput* port) override { initializedWith = port; }
-  bool addViewInstance(VXAbstractViewWidget*, VXAbstractViewWidget* view, vtkAlgorithmOutput* port, bool) override
+  bool addViewInstance(VXAbstractViewWidget*, VXAbstractViewWidget* view, vtkAlgorithmOutput* port,
+                       bool) override
   {
     addViewWidget(view);
     initializedWith = port;
@@ -87,10 +88,11 @@ private:
 /** Registers recording data views for every type, for the test's lifetime. */
 inline void registerRecordingViews()
 {
-  for(std::uint32_t t = VXRepresentation::Outline; t <= VXRepresentation::Glyph; t++)
+  for (std::uint32_t t = VXRepresentation::Outline; t <= VXRepresentation::Glyph; t++)
   {
     const auto type = static_cast<VXRepresentation::Type>(t);
-    VXRepresentation::RegisterType(type, [type](VXPipeline* pipeline) { return new RecordingRep(pipeline, type); });
+    VXRepresentation::RegisterType(type, [type](VXPipeline* pipeline)
+                                   { return new RecordingRep(pipeline, type); });
   }
 }
 
@@ -99,7 +101,7 @@ class ScopedSettings
 {
 public:
   ScopedSettings()
-  : m_Previous(QtKXSettings::FilePath())
+    : m_Previous(QtKXSettings::FilePath())
   {
     QtKXSettings::SetFilePath(QString::fromStdString((m_Dir / "settings.ini").string()));
   }
@@ -116,18 +118,22 @@ class ScriptedPrompts
 public:
   ScriptedPrompts()
   {
-    VXUserPrompt::setAskHandler([this](const VXUserPrompt::Question& question) {
-      asked.push_back(question);
-      if(answers.empty())
-        return QMessageBox::No;
-      const auto answer = answers.front();
-      answers.pop_front();
-      return answer;
-    });
-    VXUserPrompt::setOpenFileHandler([this](const QString& title, const QString&) {
-      fileTitles.push_back(title);
-      return fileAnswer;
-    });
+    VXUserPrompt::setAskHandler(
+      [this](const VXUserPrompt::Question& question)
+      {
+        asked.push_back(question);
+        if (answers.empty())
+          return QMessageBox::No;
+        const auto answer = answers.front();
+        answers.pop_front();
+        return answer;
+      });
+    VXUserPrompt::setOpenFileHandler(
+      [this](const QString& title, const QString&)
+      {
+        fileTitles.push_back(title);
+        return fileAnswer;
+      });
   }
   ~ScriptedPrompts()
   {
@@ -142,7 +148,8 @@ public:
 };
 
 /** Writes the sample microstructure at a small size. */
-inline std::filesystem::path writeSample(const kxtest::TempDir& dir, const std::string& name = "sample.voxelia")
+inline std::filesystem::path writeSample(const kxtest::TempDir& dir,
+                                         const std::string& name = "sample.voxelia")
 {
   kxvtk::sample::MicrostructureGenerator generator(12);
   const auto path = dir / name;
@@ -152,12 +159,12 @@ inline std::filesystem::path writeSample(const kxtest::TempDir& dir, const std::
 }
 
 /** Runs the event loop until the condition holds or the time is up. */
-template <typename Condition>
+template<typename Condition>
 bool waitFor(Condition condition, int milliseconds = 5000)
 {
   QElapsedTimer timer;
   timer.start();
-  while(!condition() && timer.elapsed() < milliseconds)
+  while (!condition() && timer.elapsed() < milliseconds)
     QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
   return condition();
 }

@@ -56,9 +56,10 @@ struct SnapCase
   std::array<double, 3> viewUp;
 };
 
-void expectNear3(const std::array<double, 3>& actual, const std::array<double, 3>& expected, double tolerance)
+void expectNear3(const std::array<double, 3>& actual, const std::array<double, 3>& expected,
+                 double tolerance)
 {
-  for(int i = 0; i < 3; ++i)
+  for (int i = 0; i < 3; ++i)
     EXPECT_NEAR(actual[i], expected[i], tolerance) << "component " << i;
 }
 } // namespace
@@ -67,19 +68,28 @@ TEST_F(CameraView, SnapsPlaceTheCameraOnTheOppositeSideOfTheAxisItLooksAlong)
 {
   addBox();
   const std::vector<SnapCase> cases = {
-    {"camXPlus", [](VXVisualizationWidget& v) { v.camXPlus(); }, {-1, 0, 0}, {0, 0, 1}},
-    {"camYPlus", [](VXVisualizationWidget& v) { v.camYPlus(); }, {0, -1, 0}, {0, 0, 1}},
-    {"camZPlus", [](VXVisualizationWidget& v) { v.camZPlus(); }, {0, 0, -1}, {0, 1, 0}},
-    {"camXMinus", [](VXVisualizationWidget& v) { v.camXMinus(); }, {1, 0, 0}, {0, 0, 1}},
-    {"camYMinus", [](VXVisualizationWidget& v) { v.camYMinus(); }, {0, 1, 0}, {0, 0, 1}},
-    {"camZMinus", [](VXVisualizationWidget& v) { v.camZMinus(); }, {0, 0, 1}, {0, 1, 0}},
-    {"camImageView", [](VXVisualizationWidget& v) { v.camImageView(); }, {0, 0, -1}, {0, -1, 0}},
-    {"XPlus", [](VXVisualizationWidget& v) { v.setCameraView(VXVisualizationWidget::CameraPosition::XPlus); },
-      {-1, 0, 0}, {0, 0, 1}},
-    {"ZMinus", [](VXVisualizationWidget& v) { v.setCameraView(VXVisualizationWidget::CameraPosition::ZMinus); },
-      {0, 0, 1}, {0, 1, 0}},
+    { "camXPlus", [](VXVisualizationWidget& v) { v.camXPlus(); }, { -1, 0, 0 }, { 0, 0, 1 } },
+    { "camYPlus", [](VXVisualizationWidget& v) { v.camYPlus(); }, { 0, -1, 0 }, { 0, 0, 1 } },
+    { "camZPlus", [](VXVisualizationWidget& v) { v.camZPlus(); }, { 0, 0, -1 }, { 0, 1, 0 } },
+    { "camXMinus", [](VXVisualizationWidget& v) { v.camXMinus(); }, { 1, 0, 0 }, { 0, 0, 1 } },
+    { "camYMinus", [](VXVisualizationWidget& v) { v.camYMinus(); }, { 0, 1, 0 }, { 0, 0, 1 } },
+    { "camZMinus", [](VXVisualizationWidget& v) { v.camZMinus(); }, { 0, 0, 1 }, { 0, 1, 0 } },
+    { "camImageView",
+      [](VXVisualizationWidget& v) { v.camImageView(); },
+      { 0, 0, -1 },
+      { 0, -1, 0 } },
+    { "XPlus",
+      [](VXVisualizationWidget& v)
+      { v.setCameraView(VXVisualizationWidget::CameraPosition::XPlus); },
+      { -1, 0, 0 },
+      { 0, 0, 1 } },
+    { "ZMinus",
+      [](VXVisualizationWidget& v)
+      { v.setCameraView(VXVisualizationWidget::CameraPosition::ZMinus); },
+      { 0, 0, 1 },
+      { 0, 1, 0 } },
   };
-  for(const SnapCase& c : cases)
+  for (const SnapCase& c : cases)
   {
     SCOPED_TRACE(c.name);
     // start from an oblique camera so that every snap really moves it
@@ -93,8 +103,10 @@ TEST_F(CameraView, SnapsPlaceTheCameraOnTheOppositeSideOfTheAxisItLooksAlong)
     EXPECT_NEAR(fd[1], 2.0, 1e-9);
     EXPECT_NEAR(fd[2], 3.0, 1e-9);
     ASSERT_GT(fd[3], 0.0);
-    expectNear3(position(),
-      {fd[0] + c.offset[0] * fd[3], fd[1] + c.offset[1] * fd[3], fd[2] + c.offset[2] * fd[3]}, 1e-9);
+    expectNear3(
+      position(),
+      { fd[0] + c.offset[0] * fd[3], fd[1] + c.offset[1] * fd[3], fd[2] + c.offset[2] * fd[3] },
+      1e-9);
     expectNear3(viewUp(), c.viewUp, 1e-9);
   }
 }
@@ -112,10 +124,10 @@ TEST_F(CameraView, RollsTurnTheViewUpByQuarterTurns)
   addBox();
   m_View->camZMinus(); // view up (0, 1, 0), looking along -Z
   m_View->rotateCamClockwise();
-  expectNear3(viewUp(), {-1, 0, 0}, 1e-9);
+  expectNear3(viewUp(), { -1, 0, 0 }, 1e-9);
   m_View->rotateCamCounterClockwise();
   m_View->rotateCamCounterClockwise();
-  expectNear3(viewUp(), {1, 0, 0}, 1e-9);
+  expectNear3(viewUp(), { 1, 0, 0 }, 1e-9);
 }
 
 TEST_F(CameraView, AddingActorsRecentresRotationOnceThePropsAreIn)
@@ -153,7 +165,7 @@ TEST_F(CameraView, PickedCentreSurvivesAddAndRemoveUntilReset)
   auto a = makeBox(0, 2, 0, 2, 0, 2);
   m_View->addActor(a);
   pump();
-  double picked[3] = {0.5, 1.5, 0.25};
+  double picked[3] = { 0.5, 1.5, 0.25 };
   // the toolbar's button enters the pick mode, as a user would
   m_View->getToolbar()->centerOfRotationButton()->setChecked(true);
   ASSERT_TRUE(m_View->pickCenterOfRotationModeOn());
@@ -184,7 +196,7 @@ TEST_F(CameraView, PickWithoutCellPickModeLeavesTheCentre)
 {
   addBox();
   const std::array<double, 3> before = m_View->getCenterOfRotation();
-  double picked[3] = {100, 100, 100};
+  double picked[3] = { 100, 100, 100 };
   Q_EMIT m_View->pickEvent(picked, true, false);
   EXPECT_EQ(m_View->getCenterOfRotation(), before);
   EXPECT_FALSE(m_View->isCenterOfRotationLocked());
@@ -210,7 +222,7 @@ TEST_F(CameraView, CentreOfRotationPickingTurnsHoverCellsOnAndOff)
 TEST_F(CameraView, ResetCameraRecentresUnlessLocked)
 {
   addBox();
-  double picked[3] = {-3, -3, -3};
+  double picked[3] = { -3, -3, -3 };
   m_View->getInteractorStyle()->setCellPickMode(true);
   Q_EMIT m_View->pickEvent(picked, true, false);
   m_View->resetCamera();
@@ -273,7 +285,7 @@ TEST_F(CameraView, ClearRenderWindowDropsPropsAndOrientationWidget)
 TEST_F(CameraView, CopyTakesCameraAndCentre)
 {
   addBox();
-  double picked[3] = {7, 8, 9};
+  double picked[3] = { 7, 8, 9 };
   m_View->getInteractorStyle()->setCellPickMode(true);
   Q_EMIT m_View->pickEvent(picked, true, false);
   m_View->getRenderer()->GetActiveCamera()->SetPosition(1, 2, 30);

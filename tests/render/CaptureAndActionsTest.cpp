@@ -111,14 +111,14 @@ TEST_F(Capture, HooksHideTheToolbarAndPutOutlinesOnLayerZero)
   {
     CaptureObserver* seen;
     VXVisualizationWidget* view;
-  } context{&seen, m_View.get()};
+  } context{ &seen, m_View.get() };
   command->SetClientData(&context);
   command->SetCallback(
     [](vtkObject*, unsigned long, void* clientData, void*)
     {
       auto* c = static_cast<Context*>(clientData);
       // only the first frame of the capture is the one captured
-      if(c->seen->frames++ > 0)
+      if (c->seen->frames++ > 0)
         return;
       c->seen->toolbarVisible = c->view->getToolbar()->isVisible();
       c->seen->outlineLayer = c->view->getOutlineRenderer()->GetLayer();
@@ -169,7 +169,8 @@ TEST_F(Capture, SaveScreenshotWritesTheChosenFile)
   controller()->getSaveScreenshotAction()->trigger();
 
   EXPECT_EQ(askedTitle, QStringLiteral("Save Screenshot"));
-  EXPECT_EQ(askedFilter, QStringLiteral("PNG Image (*.png);;JPEG Image (*.jpg *.jpeg);;Bitmap Image (*.bmp)"));
+  EXPECT_EQ(askedFilter,
+            QStringLiteral("PNG Image (*.png);;JPEG Image (*.jpg *.jpeg);;Bitmap Image (*.bmp)"));
   EXPECT_EQ(offeredColor, QColor(255, 255, 0));
   EXPECT_EQ(output.count(), 0);
   QImage written(fileName);
@@ -181,9 +182,10 @@ TEST_F(Capture, SaveScreenshotWritesTheChosenFile)
 TEST_F(Capture, UnwritableScreenshotIsReported)
 {
   const QString fileName = QStringLiteral("/nonexistent-folder-of-kxvtk/shot.png");
-  controller()->setSaveFileNameProvider([&](QWidget*, const QString&, const QString&, const QString&)
-    { return fileName; });
-  controller()->setScreenshotOptionsProvider([](const QColor&, QWidget*, bool& transparent, QColor& color)
+  controller()->setSaveFileNameProvider(
+    [&](QWidget*, const QString&, const QString&, const QString&) { return fileName; });
+  controller()->setScreenshotOptionsProvider(
+    [](const QColor&, QWidget*, bool& transparent, QColor& color)
     {
       transparent = false;
       color = Qt::black;
@@ -192,7 +194,8 @@ TEST_F(Capture, UnwritableScreenshotIsReported)
   QSignalSpy output(m_View.get(), &VXVisualizationWidget::printOutput);
   controller()->saveScreenshot();
   ASSERT_EQ(output.count(), 1);
-  EXPECT_EQ(output.at(0).at(0).toString(),
+  EXPECT_EQ(
+    output.at(0).at(0).toString(),
     QStringLiteral("Failed to write screenshot to '/nonexistent-folder-of-kxvtk/shot.png'."));
 }
 
@@ -200,8 +203,9 @@ TEST_F(Capture, CancelledScreenshotDialogsWriteNothing)
 {
   int optionsAsked = 0;
   controller()->setSaveFileNameProvider([](QWidget*, const QString&, const QString&, const QString&)
-    { return QString(); });
-  controller()->setScreenshotOptionsProvider([&](const QColor&, QWidget*, bool&, QColor&)
+                                        { return QString(); });
+  controller()->setScreenshotOptionsProvider(
+    [&](const QColor&, QWidget*, bool&, QColor&)
     {
       ++optionsAsked;
       return false;
@@ -210,10 +214,11 @@ TEST_F(Capture, CancelledScreenshotDialogsWriteNothing)
   controller()->saveScreenshot();
   EXPECT_EQ(optionsAsked, 0);
 
-  const QString fileName = QStringLiteral(KXVTK_TEST_TMP_DIR) + QStringLiteral("/cancelled_shot.png");
+  const QString fileName =
+    QStringLiteral(KXVTK_TEST_TMP_DIR) + QStringLiteral("/cancelled_shot.png");
   QFile::remove(fileName);
-  controller()->setSaveFileNameProvider([&](QWidget*, const QString&, const QString&, const QString&)
-    { return fileName; });
+  controller()->setSaveFileNameProvider(
+    [&](QWidget*, const QString&, const QString&, const QString&) { return fileName; });
   controller()->saveScreenshot();
   EXPECT_EQ(optionsAsked, 1);
   EXPECT_FALSE(QFileInfo::exists(fileName));
@@ -223,7 +228,8 @@ TEST_F(Capture, CancelledScreenshotDialogsWriteNothing)
 TEST_F(Capture, ChangeBackgroundColourAsksAndColoursBothRenderers)
 {
   QString askedTitle;
-  controller()->setColorProvider([&](const QColor&, QWidget*, const QString& title)
+  controller()->setColorProvider(
+    [&](const QColor&, QWidget*, const QString& title)
     {
       askedTitle = title;
       return QColor(0, 0, 255);
@@ -254,12 +260,12 @@ TEST_F(Capture, ChangeBackgroundColourAsksAndColoursBothRenderers)
 TEST_F(Capture, LoadedBackgroundComponentsAreClampedWithAMessage)
 {
   QSignalSpy output(m_View.get(), &VXVisualizationWidget::printOutput);
-  controller()->setBackgroundColorComponents({1.5, 0.25, -0.5});
+  controller()->setBackgroundColorComponents({ 1.5, 0.25, -0.5 });
   ASSERT_EQ(output.count(), 2);
-  EXPECT_EQ(
-    output.at(0).at(0).toString(), QStringLiteral("Background color component 1.5 out of range; clamped to [0, 1]."));
-  EXPECT_EQ(
-    output.at(1).at(0).toString(), QStringLiteral("Background color component -0.5 out of range; clamped to [0, 1]."));
+  EXPECT_EQ(output.at(0).at(0).toString(),
+            QStringLiteral("Background color component 1.5 out of range; clamped to [0, 1]."));
+  EXPECT_EQ(output.at(1).at(0).toString(),
+            QStringLiteral("Background color component -0.5 out of range; clamped to [0, 1]."));
   double scene[3];
   m_View->getRenderer()->GetBackground(scene);
   EXPECT_DOUBLE_EQ(scene[0], 1.0);
@@ -297,15 +303,15 @@ TEST(PickText, PointValuesListIdsCoordsThenArrays)
   data->AddArray(original);
   data->AddArray(shortArray);
 
-  const std::string text = VXPickerCallback::printDataValues(data, 1, "Point", "", "(1, 2, 3)", "\n");
-  EXPECT_EQ(text,
-    "Unnamed Geometry\n"
-    "    Point Id: 1\n"
-    "    vtkOriginalPointIds: 41\n"
-    "    Coords: (1, 2, 3)\n"
-    "    Velocity[0]: 3\n"
-    "    Velocity[1]: 4\n"
-    "    Velocity[2]: 5.25\n"
-    "    Phase: Idx = 1 - Not Valid Max = 0\n");
+  const std::string text =
+    VXPickerCallback::printDataValues(data, 1, "Point", "", "(1, 2, 3)", "\n");
+  EXPECT_EQ(text, "Unnamed Geometry\n"
+                  "    Point Id: 1\n"
+                  "    vtkOriginalPointIds: 41\n"
+                  "    Coords: (1, 2, 3)\n"
+                  "    Velocity[0]: 3\n"
+                  "    Velocity[1]: 4\n"
+                  "    Velocity[2]: 5.25\n"
+                  "    Phase: Idx = 1 - Not Valid Max = 0\n");
   EXPECT_EQ(VXPickerCallback::printDataValues(data, -1, "Cell", "Grains", "", "\n"), "Idx = -1");
 }

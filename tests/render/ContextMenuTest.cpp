@@ -18,18 +18,19 @@ using rendertest::pump;
 
 namespace
 {
-/** The entries of a menu: texts, "-" for separators, "Title>" and the submenu's entries for submenus. */
+/** The entries of a menu: texts, "-" for separators, "Title>" and the submenu's entries for
+ * submenus. */
 QStringList entries(const QMenu* menu)
 {
   QStringList result;
-  for(QAction* action : menu->actions())
+  for (QAction* action : menu->actions())
   {
-    if(action->isSeparator())
+    if (action->isSeparator())
       result << QStringLiteral("-");
-    else if(action->menu() != nullptr)
+    else if (action->menu() != nullptr)
     {
       result << action->text() + QStringLiteral(">");
-      for(const QString& sub : entries(action->menu()))
+      for (const QString& sub : entries(action->menu()))
         result << QStringLiteral("  ") + sub;
     }
     else
@@ -53,7 +54,8 @@ protected:
   }
   void send(QEvent::Type type, Qt::MouseButton button, Qt::MouseButtons buttons, QPoint pos)
   {
-    QMouseEvent event(type, QPointF(pos), QPointF(m_View->mapToGlobal(pos)), button, buttons, Qt::NoModifier);
+    QMouseEvent event(type, QPointF(pos), QPointF(m_View->mapToGlobal(pos)), button, buttons,
+                      Qt::NoModifier);
     QCoreApplication::sendEvent(m_View.get(), &event);
   }
   int m_Shown = 0;
@@ -63,24 +65,24 @@ protected:
 
 TEST_F(ContextMenu, RightClickOpensTheMenu)
 {
-  send(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton, {150, 150});
-  send(QEvent::MouseButtonRelease, Qt::RightButton, Qt::NoButton, {150, 150});
+  send(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton, { 150, 150 });
+  send(QEvent::MouseButtonRelease, Qt::RightButton, Qt::NoButton, { 150, 150 });
   EXPECT_EQ(m_Shown, 1);
 }
 
 TEST_F(ContextMenu, RightDragOpensNoMenu)
 {
-  send(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton, {150, 150});
-  send(QEvent::MouseMove, Qt::NoButton, Qt::RightButton, {160, 180});
-  send(QEvent::MouseButtonRelease, Qt::RightButton, Qt::NoButton, {160, 180});
+  send(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton, { 150, 150 });
+  send(QEvent::MouseMove, Qt::NoButton, Qt::RightButton, { 160, 180 });
+  send(QEvent::MouseButtonRelease, Qt::RightButton, Qt::NoButton, { 160, 180 });
   EXPECT_EQ(m_Shown, 0);
 }
 
 TEST_F(ContextMenu, LeftClickOpensNoMenuButSignalsThePress)
 {
   QSignalSpy pressed(m_View.get(), &VXVisualizationWidget::mousePressed);
-  send(QEvent::MouseButtonPress, Qt::LeftButton, Qt::LeftButton, {150, 150});
-  send(QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton, {150, 150});
+  send(QEvent::MouseButtonPress, Qt::LeftButton, Qt::LeftButton, { 150, 150 });
+  send(QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton, { 150, 150 });
   EXPECT_EQ(m_Shown, 0);
   EXPECT_EQ(pressed.count(), 1);
 }
@@ -88,16 +90,16 @@ TEST_F(ContextMenu, LeftClickOpensNoMenuButSignalsThePress)
 TEST_F(ContextMenu, ViewWithoutOwnMenuShowsNone)
 {
   m_View->setOwnContextMenu(false);
-  send(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton, {150, 150});
-  send(QEvent::MouseButtonRelease, Qt::RightButton, Qt::NoButton, {150, 150});
+  send(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton, { 150, 150 });
+  send(QEvent::MouseButtonRelease, Qt::RightButton, Qt::NoButton, { 150, 150 });
   EXPECT_EQ(m_Shown, 0);
 }
 
 TEST_F(ContextMenu, DoubleClickWithLeftButtonIsReported)
 {
   QSignalSpy doubleClicked(m_View.get(), &VXVisualizationWidget::doubleClicked);
-  send(QEvent::MouseButtonDblClick, Qt::LeftButton, Qt::LeftButton, {40, 50});
-  send(QEvent::MouseButtonDblClick, Qt::RightButton, Qt::RightButton, {40, 50});
+  send(QEvent::MouseButtonDblClick, Qt::LeftButton, Qt::LeftButton, { 40, 50 });
+  send(QEvent::MouseButtonDblClick, Qt::RightButton, Qt::RightButton, { 40, 50 });
   ASSERT_EQ(doubleClicked.count(), 1);
   EXPECT_EQ(doubleClicked.at(0).at(0).toPoint(), QPoint(40, 50));
 }
@@ -211,11 +213,13 @@ TEST_F(ContextMenu, MenuActionsEmitTheirRequests)
 TEST_F(ContextMenu, PressInHoverModeCopiesThePickTextFlat)
 {
   QSignalSpy output(m_View.get(), &VXVisualizationWidget::printOutput);
-  m_View->getPickerCallback()->setPickedDataText(QStringLiteral("Grains\n    Point Id: 3\n    Phase: 2\n"));
+  m_View->getPickerCallback()->setPickedDataText(
+    QStringLiteral("Grains\n    Point Id: 3\n    Phase: 2\n"));
   m_View->toggleHoverPoints(true);
-  send(QEvent::MouseButtonPress, Qt::LeftButton, Qt::LeftButton, {150, 150});
-  send(QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton, {150, 150});
-  EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("Grains\nPoint Id: 3\nPhase: 2\n"));
+  send(QEvent::MouseButtonPress, Qt::LeftButton, Qt::LeftButton, { 150, 150 });
+  send(QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton, { 150, 150 });
+  EXPECT_EQ(QGuiApplication::clipboard()->text(),
+            QStringLiteral("Grains\nPoint Id: 3\nPhase: 2\n"));
   ASSERT_GE(output.count(), 1);
   EXPECT_EQ(output.last().at(0).toString(), QStringLiteral("Picked item data copied to clipboard"));
   m_View->toggleHoverPoints(false);

@@ -41,7 +41,8 @@ protected:
   void setSpacing(double x, double y, double z)
   {
     const VXGridAxesConfig c = controller()->gridAxesConfig();
-    controller()->setGridAxesConfig({x, y, z}, c.showGrid, c.color, c.opacity, c.showLabels, c.titles);
+    controller()->setGridAxesConfig({ x, y, z }, c.showGrid, c.color, c.opacity, c.showLabels,
+                                    c.titles);
   }
 };
 } // namespace
@@ -59,7 +60,7 @@ TEST_F(GridAxes, GridWithoutVisibleGeometryHasZeroBounds)
   m_View->addActor(hidden);
   controller()->setGridAxesEnabled(true);
   ASSERT_NE(controller()->getGridAxesActor(), nullptr);
-  EXPECT_EQ(gridBounds(), (std::array<double, 6>{0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(gridBounds(), (std::array<double, 6>{ 0, 0, 0, 0, 0, 0 }));
   EXPECT_TRUE(controller()->getGridAxesActor()->GetVisibility());
   EXPECT_TRUE(controller()->getGridAxesAction()->isChecked());
 }
@@ -68,10 +69,10 @@ TEST_F(GridAxes, GridFitsTheVisibleGeometryAndIgnoresItself)
 {
   m_View->addActor(makeBox(-1, 3, 0, 2, 5, 6));
   controller()->setGridAxesEnabled(true);
-  EXPECT_EQ(gridBounds(), (std::array<double, 6>{-1, 3, 0, 2, 5, 6}));
+  EXPECT_EQ(gridBounds(), (std::array<double, 6>{ -1, 3, 0, 2, 5, 6 }));
   // a second fit with the grid visible must not grow from the grid's own bounds
   m_View->updateGridAxesBounds(false);
-  EXPECT_EQ(gridBounds(), (std::array<double, 6>{-1, 3, 0, 2, 5, 6}));
+  EXPECT_EQ(gridBounds(), (std::array<double, 6>{ -1, 3, 0, 2, 5, 6 }));
   controller()->setGridAxesEnabled(false);
   EXPECT_FALSE(controller()->getGridAxesActor()->GetVisibility());
   EXPECT_FALSE(controller()->getGridAxesAction()->isChecked());
@@ -87,11 +88,11 @@ TEST_F(GridAxes, ImageActorsCountWithTheSliceTheyShow)
   slice->SetInputData(image);
   slice->SetDisplayExtent(0, 10, 0, 10, 4, 4);
   const std::array<double, 6> bounds = KXVtk::utils::GetImageActorRenderedBounds(slice);
-  EXPECT_EQ(bounds, (std::array<double, 6>{0, 5, 0, 5, 2, 2}));
+  EXPECT_EQ(bounds, (std::array<double, 6>{ 0, 5, 0, 5, 2, 2 }));
 
   m_View->addActor(slice);
   controller()->setGridAxesEnabled(true);
-  EXPECT_EQ(gridBounds(), (std::array<double, 6>{0, 5, 0, 5, 2, 2}));
+  EXPECT_EQ(gridBounds(), (std::array<double, 6>{ 0, 5, 0, 5, 2, 2 }));
 }
 
 TEST_F(GridAxes, SpacingGivesEvenlySpacedCustomLabelsFromTheMinimum)
@@ -100,7 +101,7 @@ TEST_F(GridAxes, SpacingGivesEvenlySpacedCustomLabelsFromTheMinimum)
   controller()->setGridAxesEnabled(true);
   setSpacing(0.5, 0, 0);
   EXPECT_TRUE(controller()->gridAxesUsesCustomLabels(0));
-  EXPECT_EQ(controller()->gridAxesLabels(0), (std::vector<double>{1.0, 1.5, 2.0, 2.5, 3.0}));
+  EXPECT_EQ(controller()->gridAxesLabels(0), (std::vector<double>{ 1.0, 1.5, 2.0, 2.5, 3.0 }));
   // 0 on the other axes: they label themselves
   EXPECT_FALSE(controller()->gridAxesUsesCustomLabels(1));
   EXPECT_FALSE(controller()->gridAxesUsesCustomLabels(2));
@@ -114,7 +115,7 @@ TEST_F(GridAxes, SpacingLargerThanTheExtentGivesOneLabelAtTheMinimum)
   setSpacing(0, 25, 0);
   EXPECT_FALSE(controller()->gridAxesUsesCustomLabels(0));
   EXPECT_TRUE(controller()->gridAxesUsesCustomLabels(1));
-  EXPECT_EQ(controller()->gridAxesLabels(1), (std::vector<double>{0.0}));
+  EXPECT_EQ(controller()->gridAxesLabels(1), (std::vector<double>{ 0.0 }));
 }
 
 TEST_F(GridAxes, InitializeAndAppearanceSetTheActorsLook)
@@ -126,7 +127,7 @@ TEST_F(GridAxes, InitializeAndAppearanceSetTheActorsLook)
   EXPECT_TRUE(actor->GetGenerateEdges());
   EXPECT_EQ(actor->GetLabelDisplayOffset()[0], 0);
   EXPECT_EQ(actor->GetLabelDisplayOffset()[1], -10);
-  for(int axis = 0; axis < 3; ++axis)
+  for (int axis = 0; axis < 3; ++axis)
     EXPECT_EQ(actor->GetTitleTextProperty(axis)->GetFontSize(), 18);
 
   KXVtk::utils::ApplyGridAxesAppearance(actor, QColor(255, 0, 0), 0.4, true);
@@ -147,7 +148,8 @@ TEST_F(GridAxes, ConfigReachesTheActor)
 {
   m_View->addActor(makeBox(0, 1, 0, 1, 0, 1));
   controller()->setGridAxesEnabled(true);
-  controller()->setGridAxesConfig({0, 0, 0}, true, QColor(0, 255, 0), 0.5, true, {"Depth", "", "H"});
+  controller()->setGridAxesConfig({ 0, 0, 0 }, true, QColor(0, 255, 0), 0.5, true,
+                                  { "Depth", "", "H" });
   vtkGridAxesActor3D* actor = controller()->getGridAxesActor();
   EXPECT_TRUE(actor->GetGenerateGrid());
   EXPECT_DOUBLE_EQ(actor->GetProperty()->GetColor()[1], 1.0);
@@ -166,23 +168,25 @@ TEST_F(GridAxes, DialogHasTheTitledControlsAndAppliesEdits)
   EXPECT_TRUE(dialog->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
   EXPECT_EQ(dialog->spacingEdit(1)->text(), QStringLiteral("0"));
   EXPECT_EQ(dialog->spacingEdit(1)->toolTip(),
-    QStringLiteral("Tick spacing along the Y axis. Set to 0 to use automatic spacing."));
-  EXPECT_EQ(dialog->titleEdit(2)->toolTip(),
+            QStringLiteral("Tick spacing along the Y axis. Set to 0 to use automatic spacing."));
+  EXPECT_EQ(
+    dialog->titleEdit(2)->toolTip(),
     QStringLiteral("Title text shown at the end of the Z axis. Leave empty to hide the title."));
   EXPECT_EQ(dialog->showGridCheckBox()->text(), QStringLiteral("Show Grid"));
   EXPECT_EQ(dialog->showLabelsCheckBox()->text(), QStringLiteral("Show Axis Labels"));
   EXPECT_EQ(dialog->colorButton()->toolTip(),
-    QStringLiteral("Color applied to grid lines, bounding edges, tick marks, tick-value labels, and axis titles."));
+            QStringLiteral("Color applied to grid lines, bounding edges, tick marks, tick-value "
+                           "labels, and axis titles."));
   EXPECT_EQ(dialog->opacitySlider()->maximum(), 100);
   QStringList labels;
-  for(QLabel* label : dialog->findChildren<QLabel*>())
+  for (QLabel* label : dialog->findChildren<QLabel*>())
     labels << label->text();
   EXPECT_TRUE(labels.contains(QStringLiteral("Spacing:")));
   EXPECT_TRUE(labels.contains(QStringLiteral("Axis Titles:")));
   EXPECT_TRUE(labels.contains(QStringLiteral("Grid Opacity:")));
   EXPECT_TRUE(labels.contains(QStringLiteral("Grid Color:")));
-  EXPECT_TRUE(labels.contains(
-    QStringLiteral("Setting a spacing value of 0 will reset that axis to the default automatic spacing behavior")));
+  EXPECT_TRUE(labels.contains(QStringLiteral("Setting a spacing value of 0 will reset that axis to "
+                                             "the default automatic spacing behavior")));
   QPushButton* apply = dialog->buttonBox()->button(QDialogButtonBox::Apply);
   ASSERT_NE(apply, nullptr);
   EXPECT_TRUE(apply->isDefault());
@@ -199,13 +203,13 @@ TEST_F(GridAxes, DialogHasTheTitledControlsAndAppliesEdits)
   EXPECT_DOUBLE_EQ(config.spacing[1], 0.0);
   EXPECT_EQ(config.titles[0], QStringLiteral("Width"));
   EXPECT_DOUBLE_EQ(config.opacity, 0.25);
-  EXPECT_EQ(controller()->gridAxesLabels(0), (std::vector<double>{0.0, 2.0, 4.0}));
+  EXPECT_EQ(controller()->gridAxesLabels(0), (std::vector<double>{ 0.0, 2.0, 4.0 }));
   dialog->close();
 }
 
 TEST_F(GridAxes, DialogReopensWithTheCachedConfigAndResets)
 {
-  controller()->setGridAxesConfig({3, 0, 0}, true, Qt::red, 0.7, false, {"a", "b", "c"});
+  controller()->setGridAxesConfig({ 3, 0, 0 }, true, Qt::red, 0.7, false, { "a", "b", "c" });
   controller()->editGridAxes();
   VXGridAxesWidget* dialog = controller()->getGridAxesWidget();
   ASSERT_NE(dialog, nullptr);

@@ -113,7 +113,8 @@ TEST_F(RenderScheduling, ConstructionBuildsLayeredRenderersSharingOneCamera)
   EXPECT_NEAR(rgb[0], background.redF(), 1e-6);
   EXPECT_NEAR(rgb[1], background.greenF(), 1e-6);
   EXPECT_NEAR(rgb[2], background.blueF(), 1e-6);
-  EXPECT_EQ(scene->GetActiveCamera()->GetParallelProjection() != 0, KXPreferences::getCameraParallelProjDefault());
+  EXPECT_EQ(scene->GetActiveCamera()->GetParallelProjection() != 0,
+            KXPreferences::getCameraParallelProjDefault());
 }
 
 TEST_F(RenderScheduling, ConstructionInstallsStyleCursorPickerAndOrientationWidget)
@@ -139,7 +140,7 @@ TEST_F(RenderScheduling, ConstructionInstallsStyleCursorPickerAndOrientationWidg
 
   VXPickerCallback* picker = m_View->getPickerCallback();
   ASSERT_NE(picker, nullptr);
-  for(vtkActor* highlight : {picker->getPointHighlightActor(), picker->getCellHighlightActor()})
+  for (vtkActor* highlight : { picker->getPointHighlightActor(), picker->getCellHighlightActor() })
   {
     ASSERT_NE(highlight, nullptr);
     EXPECT_TRUE(m_View->getRenderer()->HasViewProp(highlight));
@@ -158,11 +159,11 @@ TEST_F(RenderScheduling, ConstructionInstallsStyleCursorPickerAndOrientationWidg
 
 TEST_F(RenderScheduling, OrientationMarkerTextFollowsTheView)
 {
-  const QStringList labels = {"E", "W", "N", "S", "Up", "Down"};
+  const QStringList labels = { "E", "W", "N", "S", "Up", "Down" };
   m_View->setOrientationMarkerText(labels);
   EXPECT_EQ(m_View->getCameraOrientationWidget()->faceLabels(), labels);
   // anything but six texts is ignored
-  m_View->setOrientationMarkerText({"a", "b"});
+  m_View->setOrientationMarkerText({ "a", "b" });
   EXPECT_EQ(m_View->getCameraOrientationWidget()->faceLabels(), labels);
 }
 

@@ -24,7 +24,7 @@ namespace rendertest
 /** Lets queued calls and paint events run; several rounds so chained posts settle too. */
 inline void pump()
 {
-  for(int i = 0; i < 5; ++i)
+  for (int i = 0; i < 5; ++i)
   {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
@@ -36,11 +36,11 @@ class EventCounter
 {
 public:
   EventCounter(vtkObject* object, unsigned long event)
-  : m_Object(object)
+    : m_Object(object)
   {
     m_Command->SetClientData(&m_Count);
     m_Command->SetCallback([](vtkObject*, unsigned long, void* clientData, void*)
-      { ++*static_cast<int*>(clientData); });
+                           { ++*static_cast<int*>(clientData); });
     m_Tag = object->AddObserver(event, m_Command);
   }
   ~EventCounter() { m_Object->RemoveObserver(m_Tag); }
@@ -58,7 +58,8 @@ private:
 };
 
 /** A box actor spanning the given bounds. */
-inline vtkSmartPointer<vtkActor> makeBox(double x0, double x1, double y0, double y1, double z0, double z1)
+inline vtkSmartPointer<vtkActor> makeBox(double x0, double x1, double y0, double y1, double z0,
+                                         double z1)
 {
   vtkNew<vtkCubeSource> cube;
   cube->SetBounds(x0, x1, y0, y1, z0, z1);

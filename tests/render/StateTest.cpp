@@ -32,16 +32,37 @@ TEST_F(ViewState, SavedKeysAreExactlyTheViewKeys)
   nlohmann::json state = nlohmann::json::object();
   m_View->saveState(state);
   std::set<std::string> keys;
-  for(const auto& item : state.items())
+  for (const auto& item : state.items())
     keys.insert(item.key());
-  const std::set<std::string> expected = {"parallel_projection", "global_grid_axes", "global_grid_axes_spacingx",
-    "global_grid_axes_spacingy", "global_grid_axes_spacingz", "global_grid_axes_show_grid_lines",
-    "global_grid_axes_color", "global_grid_axes_opacity", "global_grid_axes_show_labels", "global_grid_axes_title_x",
-    "global_grid_axes_title_y", "global_grid_axes_title_z", "own_context_menu", "check_context_menu",
-    "num_render_layers", "camera_pos_x", "camera_pos_y", "camera_pos_z", "camera_view_up_x", "camera_view_up_y",
-    "camera_view_up_z", "camera_focal_pt_x", "camera_focal_pt_y", "camera_focal_pt_z", "camera_view_angle",
-    "camera_parallel_scale", "camera_center_of_rotation_x", "camera_center_of_rotation_y",
-    "camera_center_of_rotation_z"};
+  const std::set<std::string> expected = { "parallel_projection",
+                                           "global_grid_axes",
+                                           "global_grid_axes_spacingx",
+                                           "global_grid_axes_spacingy",
+                                           "global_grid_axes_spacingz",
+                                           "global_grid_axes_show_grid_lines",
+                                           "global_grid_axes_color",
+                                           "global_grid_axes_opacity",
+                                           "global_grid_axes_show_labels",
+                                           "global_grid_axes_title_x",
+                                           "global_grid_axes_title_y",
+                                           "global_grid_axes_title_z",
+                                           "own_context_menu",
+                                           "check_context_menu",
+                                           "num_render_layers",
+                                           "camera_pos_x",
+                                           "camera_pos_y",
+                                           "camera_pos_z",
+                                           "camera_view_up_x",
+                                           "camera_view_up_y",
+                                           "camera_view_up_z",
+                                           "camera_focal_pt_x",
+                                           "camera_focal_pt_y",
+                                           "camera_focal_pt_z",
+                                           "camera_view_angle",
+                                           "camera_parallel_scale",
+                                           "camera_center_of_rotation_x",
+                                           "camera_center_of_rotation_y",
+                                           "camera_center_of_rotation_z" };
   EXPECT_EQ(keys, expected);
   EXPECT_TRUE(state["parallel_projection"].is_number());
   EXPECT_TRUE(state["global_grid_axes"].is_boolean());
@@ -62,10 +83,11 @@ TEST_F(ViewState, RoundTripRestoresCameraGridAndFlags)
   camera()->SetViewUp(0, 1, 0);
   camera()->SetParallelScale(3.5);
   camera()->SetViewAngle(25);
-  const double center[3] = {0.5, 0.25, 0.125};
+  const double center[3] = { 0.5, 0.25, 0.125 };
   m_View->getInteractorStyle()->setCenterOfRotation(center);
   controller()->setGridAxesEnabled(true);
-  controller()->setGridAxesConfig({1, 2, 0}, true, QColor(255, 0, 0), 0.5, false, {"x", "y", "z"});
+  controller()->setGridAxesConfig({ 1, 2, 0 }, true, QColor(255, 0, 0), 0.5, false,
+                                  { "x", "y", "z" });
   m_View->setOwnContextMenu(false);
   nlohmann::json state = nlohmann::json::object();
   m_View->saveState(state);
@@ -95,34 +117,35 @@ TEST_F(ViewState, RoundTripRestoresCameraGridAndFlags)
   EXPECT_TRUE(actions->gridAxesEnabled());
   EXPECT_TRUE(actions->getGridAxesAction()->isChecked());
   const VXGridAxesConfig& grid = actions->gridAxesConfig();
-  EXPECT_EQ(grid.spacing, (std::array<double, 3>{1, 2, 0}));
+  EXPECT_EQ(grid.spacing, (std::array<double, 3>{ 1, 2, 0 }));
   EXPECT_TRUE(grid.showGrid);
   EXPECT_EQ(grid.color, QColor(255, 0, 0));
   EXPECT_DOUBLE_EQ(grid.opacity, 0.5);
   EXPECT_FALSE(grid.showLabels);
   EXPECT_EQ(grid.titles[2], QStringLiteral("z"));
-  EXPECT_EQ(actions->gridAxesLabels(0), (std::vector<double>{0, 1, 2, 3, 4}));
+  EXPECT_EQ(actions->gridAxesLabels(0), (std::vector<double>{ 0, 1, 2, 3, 4 }));
   EXPECT_TRUE(actions->getGridAxesActor()->GetGenerateGrid());
 }
 
 TEST_F(ViewState, PartialStateKeepsWhatItDoesNotName)
 {
-  controller()->setGridAxesConfig({5, 6, 7}, true, QColor(0, 255, 0), 0.9, true, {"a", "b", "c"});
+  controller()->setGridAxesConfig({ 5, 6, 7 }, true, QColor(0, 255, 0), 0.9, true,
+                                  { "a", "b", "c" });
   camera()->SetPosition(3, 3, 3);
   camera()->SetFocalPoint(0, 0, 0);
   const nlohmann::json partial = {
-    {"global_grid_axes_opacity", 0.2},
-    {"global_grid_axes_spacingx", 1.0}, // without y and z: ignored
-    {"global_grid_axes_title_y", "Height"},
-    {"global_grid_axes_color", {0.5, 0.5}}, // wrong length: ignored
-    {"camera_pos_x", 9.0},
-    {"camera_pos_y", 9.0}, // no z: the position stays
-    {"camera_view_angle", 40.0},
+    { "global_grid_axes_opacity", 0.2 },
+    { "global_grid_axes_spacingx", 1.0 }, // without y and z: ignored
+    { "global_grid_axes_title_y", "Height" },
+    { "global_grid_axes_color", { 0.5, 0.5 } }, // wrong length: ignored
+    { "camera_pos_x", 9.0 },
+    { "camera_pos_y", 9.0 }, // no z: the position stays
+    { "camera_view_angle", 40.0 },
   };
   m_View->loadState(partial);
   const VXGridAxesConfig& grid = controller()->gridAxesConfig();
   EXPECT_DOUBLE_EQ(grid.opacity, 0.2);
-  EXPECT_EQ(grid.spacing, (std::array<double, 3>{5, 6, 7}));
+  EXPECT_EQ(grid.spacing, (std::array<double, 3>{ 5, 6, 7 }));
   EXPECT_EQ(grid.titles[0], QStringLiteral("a"));
   EXPECT_EQ(grid.titles[1], QStringLiteral("Height"));
   EXPECT_EQ(grid.color, QColor(0, 255, 0));
@@ -130,13 +153,13 @@ TEST_F(ViewState, PartialStateKeepsWhatItDoesNotName)
   EXPECT_DOUBLE_EQ(camera()->GetPosition()[0], 3.0);
   EXPECT_DOUBLE_EQ(camera()->GetViewAngle(), 40.0);
   // no centre in the file: the camera's focal point
-  EXPECT_EQ(m_View->getCenterOfRotation(), (std::array<double, 3>{0, 0, 0}));
+  EXPECT_EQ(m_View->getCenterOfRotation(), (std::array<double, 3>{ 0, 0, 0 }));
   EXPECT_TRUE(m_View->ownContextMenu());
 }
 
 TEST_F(ViewState, GridColourComponentsAreClampedOnLoad)
 {
-  m_View->loadState({{"global_grid_axes_color", {1.5, -2.0, 0.5}}});
+  m_View->loadState({ { "global_grid_axes_color", { 1.5, -2.0, 0.5 } } });
   const QColor color = controller()->gridAxesConfig().color;
   EXPECT_DOUBLE_EQ(color.redF(), 1.0);
   EXPECT_DOUBLE_EQ(color.greenF(), 0.0);
@@ -146,7 +169,7 @@ TEST_F(ViewState, GridColourComponentsAreClampedOnLoad)
 TEST_F(ViewState, RenderLayerCountChangesOnlyTheField)
 {
   const int layersBefore = m_View->renderWindow()->GetNumberOfLayers();
-  m_View->loadState({{"num_render_layers", 5}, {"check_context_menu", true}});
+  m_View->loadState({ { "num_render_layers", 5 }, { "check_context_menu", true } });
   EXPECT_EQ(m_View->getNumRenderLayers(), 5);
   EXPECT_EQ(m_View->renderWindow()->GetNumberOfLayers(), layersBefore);
   nlohmann::json state = nlohmann::json::object();
@@ -158,10 +181,10 @@ TEST_F(ViewState, RenderLayerCountChangesOnlyTheField)
 TEST_F(ViewState, ParallelCameraRoundTripChecksTheAction)
 {
   camera()->SetParallelProjection(false);
-  m_View->loadState({{"parallel_projection", 1}});
+  m_View->loadState({ { "parallel_projection", 1 } });
   EXPECT_TRUE(camera()->GetParallelProjection());
   EXPECT_TRUE(m_View->getParallelProjectionAction()->isChecked());
-  m_View->loadState({{"parallel_projection", 0}});
+  m_View->loadState({ { "parallel_projection", 0 } });
   EXPECT_FALSE(camera()->GetParallelProjection());
   EXPECT_FALSE(m_View->getParallelProjectionAction()->isChecked());
 }

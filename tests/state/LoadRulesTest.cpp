@@ -13,20 +13,21 @@ namespace
 {
 json item(const std::string& type, json data = json::object(), json children = nullptr)
 {
-  json object = {{"item_type", type}, {"item_data", std::move(data)}};
-  if(!children.is_null())
+  json object = { { "item_type", type }, { "item_data", std::move(data) } };
+  if (!children.is_null())
     object["item_children"] = std::move(children);
   return object;
 }
 
 json fileBridge(const std::filesystem::path& file, json children)
 {
-  return item("FileToVXBridge", {{"bridge_object_file_path", file.string()}}, std::move(children));
+  return item("FileToVXBridge", { { "bridge_object_file_path", file.string() } },
+              std::move(children));
 }
 
 json voxeliaSource(const std::string& path, json children = nullptr)
 {
-  return item("VXDataSource", {{"imported_data_path", path}}, std::move(children));
+  return item("VXDataSource", { { "imported_data_path", path } }, std::move(children));
 }
 
 /** A file bridge that also makes a second, empty data source: a file of two data sets. */
@@ -74,9 +75,9 @@ protected:
 
   QModelIndex sourceNamed(const QString& name) const
   {
-    for(VXDataSource* source : dataSources())
+    for (VXDataSource* source : dataSources())
     {
-      if(source->name() == name)
+      if (source->name() == name)
         return model()->helperIndex(source);
     }
     return {};
@@ -85,7 +86,7 @@ protected:
   QStringList childTypes(const QModelIndex& parent) const
   {
     QStringList types;
-    for(VXRepresentation* representation : representationsUnder(parent))
+    for (VXRepresentation* representation : representationsUnder(parent))
       types << representation->typeName();
     return types;
   }
@@ -93,8 +94,8 @@ protected:
   std::filesystem::path m_Sample;
 };
 
-const QString k_NotTopLevel =
-    "Error reading state file; found VXBridgeObject item type %1 but the model index for insertion is not at the top level of the tree.";
+const QString k_NotTopLevel = "Error reading state file; found VXBridgeObject item type %1 but the "
+                              "model index for insertion is not at the top level of the tree.";
 } // namespace
 
 TEST_F(LoadRulesFixture, AMissingTopLevelKeyIsReportedAndChangesNothing)
@@ -103,22 +104,28 @@ TEST_F(LoadRulesFixture, AMissingTopLevelKeyIsReportedAndChangesNothing)
   ASSERT_FALSE(HasFatalFailure());
   const QStringList lines = treeLines();
   const QList<int> ids = splitIds();
-  const json full = stateWith(json::array({fileBridge(m_Sample, json::array())}));
+  const json full = stateWith(json::array({ fileBridge(m_Sample, json::array()) }));
 
-  json treeOnly = {{"tree_view_state", full["tree_view_state"]}};
+  json treeOnly = { { "tree_view_state", full["tree_view_state"] } };
   load(treeOnly);
-  EXPECT_EQ(output, QStringList{"Error reading visualization state from state file; missing split_view_state key"});
+  EXPECT_EQ(output,
+            QStringList{
+              "Error reading visualization state from state file; missing split_view_state key" });
 
   output.clear();
-  json splitOnly = {{"split_view_state", full["split_view_state"]}};
+  json splitOnly = { { "split_view_state", full["split_view_state"] } };
   load(splitOnly);
-  EXPECT_EQ(output, QStringList{"Error reading visualization state from state file; missing tree_view_state key"});
+  EXPECT_EQ(output,
+            QStringList{
+              "Error reading visualization state from state file; missing tree_view_state key" });
 
   // a document that is no object at all has neither key
   output.clear();
-  json list = json::array({full});
+  json list = json::array({ full });
   load(list);
-  EXPECT_EQ(output, QStringList{"Error reading visualization state from state file; missing split_view_state key"});
+  EXPECT_EQ(output,
+            QStringList{
+              "Error reading visualization state from state file; missing split_view_state key" });
 
   EXPECT_EQ(treeLines(), lines);
   EXPECT_EQ(splitIds(), ids);
@@ -127,18 +134,22 @@ TEST_F(LoadRulesFixture, AMissingTopLevelKeyIsReportedAndChangesNothing)
 
 TEST_F(LoadRulesFixture, UnknownAndNotYetAvailableTypesUnderASourceAreReportedAndTheirSistersLoad)
 {
-  // image slices, volumes and glyphs come with their own classes; until then their names are unknown here
+  // image slices, volumes and glyphs come with their own classes; until then their names are
+  // unknown here
   ASSERT_FALSE(VXRepresentation::IsRegistered(VXRepresentation::ImageSlice));
-  const QStringList unknown = {"VXMystery", "VXSliceRep", "VXImageSliceRep ", "VXDistanceSource", "VXFImageResample", "VXFQuadricClustering",
-                               "VXFThreshold"};
+  const QStringList unknown = { "VXMystery",        "VXSliceRep",       "VXImageSliceRep ",
+                                "VXDistanceSource", "VXFImageResample", "VXFQuadricClustering",
+                                "VXFThreshold" };
   json children = json::array();
   children.push_back(item("VXPointsRep"));
-  for(const QString& type : unknown)
-    children.push_back(item(type.toStdString(), json::object(), json::array({item("VXSurfaceRep")})));
+  for (const QString& type : unknown)
+    children.push_back(
+      item(type.toStdString(), json::object(), json::array({ item("VXSurfaceRep") })));
   children.push_back(item("VXOutlineRep"));
-  load(stateWith(json::array({fileBridge(m_Sample, json::array({voxeliaSource("Microstructure", children)}))})));
+  load(stateWith(json::array(
+    { fileBridge(m_Sample, json::array({ voxeliaSource("Microstructure", children) })) })));
 
-  for(const QString& type : unknown)
+  for (const QString& type : unknown)
     EXPECT_EQ(countOutput(k_NotTopLevel.arg(type)), 1) << type.toStdString();
   EXPECT_EQ(output.size(), unknown.size()) << output.join('\n').toStdString();
   // the older name is a name of its own: the trailing blank is kept in the message
@@ -147,22 +158,26 @@ TEST_F(LoadRulesFixture, UnknownAndNotYetAvailableTypesUnderASourceAreReportedAn
   // the unknown items' children never load; the known sisters do, in order
   const QModelIndex source = sourceNamed("Microstructure");
   ASSERT_TRUE(source.isValid());
-  EXPECT_EQ(childTypes(source), (QStringList{"VXPointsRep", "VXOutlineRep"}));
+  EXPECT_EQ(childTypes(source), (QStringList{ "VXPointsRep", "VXOutlineRep" }));
   // the sample's other geometries are not named by the state: they are gone
   EXPECT_EQ(dataSources().size(), 1);
 }
 
 TEST_F(LoadRulesFixture, ADataViewUnderADataViewIsRefusedWithItsChildren)
 {
-  json nested = item("VXPointsRep", json::object(), json::array({item("VXOutlineRep"), item("VXMystery")}));
-  json surface = item("VXSurfaceRep", json::object(), json::array({nested}));
-  load(stateWith(json::array({fileBridge(m_Sample, json::array({voxeliaSource("Grain Boundaries", json::array({surface, item("VXWireframeRep")}))}))})));
+  json nested =
+    item("VXPointsRep", json::object(), json::array({ item("VXOutlineRep"), item("VXMystery") }));
+  json surface = item("VXSurfaceRep", json::object(), json::array({ nested }));
+  load(stateWith(json::array({ fileBridge(
+    m_Sample, json::array({ voxeliaSource(
+                "Grain Boundaries", json::array({ surface, item("VXWireframeRep") })) })) })));
 
-  EXPECT_EQ(output, QStringList{"Error reading state file; found VXPointsRep representation item type must have a VXDataSource or VXFilter parent "
-                                "item."});
+  EXPECT_EQ(output, QStringList{ "Error reading state file; found VXPointsRep representation item "
+                                 "type must have a VXDataSource or VXFilter parent "
+                                 "item." });
   const QModelIndex source = sourceNamed("Grain Boundaries");
   ASSERT_TRUE(source.isValid());
-  EXPECT_EQ(childTypes(source), (QStringList{"VXSurfaceRep", "VXWireframeRep"}));
+  EXPECT_EQ(childTypes(source), (QStringList{ "VXSurfaceRep", "VXWireframeRep" }));
   // the surface kept no child
   EXPECT_EQ(model()->rowCount(model()->index(0, 0, source)), 0);
 }
@@ -170,19 +185,22 @@ TEST_F(LoadRulesFixture, ADataViewUnderADataViewIsRefusedWithItsChildren)
 TEST_F(LoadRulesFixture, VoxeliaSourcesAreMatchedByTheirPathInAnyOrder)
 {
   // reversed against the file's order; each source is known by the data view under it
-  json sources = json::array({voxeliaSource("Grain Centroids", json::array({item("VXPointsRep")})),
-                              voxeliaSource("Grain Boundaries", json::array({item("VXWireframeRep")})),
-                              voxeliaSource("Microstructure", json::array({item("VXOutlineRep")})),
-                              voxeliaSource("No Such Geometry", json::array({item("VXSurfaceRep")})),
-                              item("VXDataSource", {{"render_window_index", json::array()}})});
-  load(stateWith(json::array({fileBridge(m_Sample, sources)})));
+  json sources =
+    json::array({ voxeliaSource("Grain Centroids", json::array({ item("VXPointsRep") })),
+                  voxeliaSource("Grain Boundaries", json::array({ item("VXWireframeRep") })),
+                  voxeliaSource("Microstructure", json::array({ item("VXOutlineRep") })),
+                  voxeliaSource("No Such Geometry", json::array({ item("VXSurfaceRep") })),
+                  item("VXDataSource", { { "render_window_index", json::array() } }) });
+  load(stateWith(json::array({ fileBridge(m_Sample, sources) })));
 
-  EXPECT_EQ(output, (QStringList{"Error reading state file; found item type VXDataSource in state file but could not find a matching data source in "
-                                 "the model.",
-                                 "Error reading state file; found VOXELIA-KX file VXDataSource item type but missing the imported data path key."}));
-  EXPECT_EQ(childTypes(sourceNamed("Grain Centroids")), QStringList{"VXPointsRep"});
-  EXPECT_EQ(childTypes(sourceNamed("Grain Boundaries")), QStringList{"VXWireframeRep"});
-  EXPECT_EQ(childTypes(sourceNamed("Microstructure")), QStringList{"VXOutlineRep"});
+  EXPECT_EQ(output, (QStringList{ "Error reading state file; found item type VXDataSource in state "
+                                  "file but could not find a matching data source in "
+                                  "the model.",
+                                  "Error reading state file; found VOXELIA-KX file VXDataSource "
+                                  "item type but missing the imported data path key." }));
+  EXPECT_EQ(childTypes(sourceNamed("Grain Centroids")), QStringList{ "VXPointsRep" });
+  EXPECT_EQ(childTypes(sourceNamed("Grain Boundaries")), QStringList{ "VXWireframeRep" });
+  EXPECT_EQ(childTypes(sourceNamed("Microstructure")), QStringList{ "VXOutlineRep" });
   EXPECT_EQ(dataSources().size(), 3);
 }
 
@@ -191,19 +209,25 @@ TEST_F(LoadRulesFixture, AnotherFileTakesItsOnlyDataSourceAndNoneOfTwo)
   const auto hexahedra = kxtest::DataFile("Hexahedron.vtu");
   ASSERT_TRUE(std::filesystem::exists(hexahedra));
   // any path is ignored: the only data source of the file is the one
-  load(stateWith(json::array({fileBridge(hexahedra, json::array({item("VXDataSource", {{"imported_data_path", "Anything"}},
-                                                                      json::array({item("VXSurfaceRep")}))}))})));
+  load(stateWith(json::array({ fileBridge(
+    hexahedra, json::array({ item("VXDataSource", { { "imported_data_path", "Anything" } },
+                                  json::array({ item("VXSurfaceRep") })) })) })));
   EXPECT_TRUE(output.isEmpty()) << output.join('\n').toStdString();
   ASSERT_EQ(dataSources().size(), 1);
-  EXPECT_EQ(childTypes(model()->helperIndex(dataSources().front())), QStringList{"VXSurfaceRep"});
+  EXPECT_EQ(childTypes(model()->helperIndex(dataSources().front())), QStringList{ "VXSurfaceRep" });
 
   // no readable non-.voxelia file gives two data sets; a bridge that makes two stands for one
-  ASSERT_TRUE(VXStateItemFactory::Register("FileToVXBridge", [](VXPipeline*) -> QObject* { return new TwoSourceBridge(); }));
+  ASSERT_TRUE(VXStateItemFactory::Register("FileToVXBridge", [](VXPipeline*) -> QObject*
+                                           { return new TwoSourceBridge(); }));
   freshModule();
-  load(stateWith(json::array({fileBridge(hexahedra, json::array({item("VXDataSource", json::object(), json::array({item("VXSurfaceRep")}))}))})));
-  ASSERT_TRUE(VXStateItemFactory::Register("FileToVXBridge", [](VXPipeline*) -> QObject* { return new FileToVXBridge(); }));
-  EXPECT_EQ(output, QStringList{"Error reading state file; found item type VXDataSource in state file but could not find a matching data source in "
-                                "the model."});
+  load(stateWith(json::array(
+    { fileBridge(hexahedra, json::array({ item("VXDataSource", json::object(),
+                                               json::array({ item("VXSurfaceRep") })) })) })));
+  ASSERT_TRUE(VXStateItemFactory::Register("FileToVXBridge", [](VXPipeline*) -> QObject*
+                                           { return new FileToVXBridge(); }));
+  EXPECT_EQ(output, QStringList{ "Error reading state file; found item type VXDataSource in state "
+                                 "file but could not find a matching data source in "
+                                 "the model." });
   // nothing matched, so neither data source of the loaded bridge is kept
   EXPECT_EQ(m_Module->pipeline()->bridges().size(), 1);
   EXPECT_TRUE(dataSources().isEmpty());
@@ -214,20 +238,23 @@ TEST_F(LoadRulesFixture, TheDefaultDataViewTypeIsPutBackAndLoadedSourcesGetNoDat
   const VXRepresentation::Type saved = VXPipeline::getDefaultRepType();
   VXPipeline::setDefaultRepType(VXRepresentation::Surface);
   // a clean load, a load with bad items, a load whose split view state throws
-  load(stateWith(json::array({fileBridge(m_Sample, json::array({voxeliaSource("Microstructure"), voxeliaSource("Grain Boundaries")}))})));
+  load(stateWith(
+    json::array({ fileBridge(m_Sample, json::array({ voxeliaSource("Microstructure"),
+                                                     voxeliaSource("Grain Boundaries") })) })));
   EXPECT_TRUE(output.isEmpty()) << output.join('\n').toStdString();
   EXPECT_EQ(VXPipeline::getDefaultRepType(), VXRepresentation::Surface);
   ASSERT_EQ(dataSources().size(), 2);
-  for(VXDataSource* source : dataSources())
+  for (VXDataSource* source : dataSources())
     EXPECT_EQ(model()->rowCount(model()->helperIndex(source)), 0) << source->name().toStdString();
 
   freshModule();
-  load(stateWith(json::array({item("VXMystery"), fileBridge(m_Sample, json::array({item("VXPointsRep")}))})));
+  load(stateWith(json::array(
+    { item("VXMystery"), fileBridge(m_Sample, json::array({ item("VXPointsRep") })) })));
   EXPECT_FALSE(output.isEmpty());
   EXPECT_EQ(VXPipeline::getDefaultRepType(), VXRepresentation::Surface);
 
   freshModule();
-  json broken = stateWith(json::array({fileBridge(m_Sample, json::array())}));
+  json broken = stateWith(json::array({ fileBridge(m_Sample, json::array()) }));
   broken["split_view_state"]["grid_rows"] = "two";
   load(broken);
   EXPECT_FALSE(output.isEmpty());
@@ -244,9 +271,11 @@ TEST_F(LoadRulesFixture, TheDefaultDataViewTypeIsPutBackAndLoadedSourcesGetNoDat
 TEST_F(LoadRulesFixture, WithoutAViewNothingIsAdded)
 {
   QSignalSpy messages(info(), &VXInfoWidget::sendOutputMessage);
-  info()->loadState(json::array({fileBridge(m_Sample, json::array())}), QMap<VXAbstractViewWidget*, int>());
+  info()->loadState(json::array({ fileBridge(m_Sample, json::array()) }),
+                    QMap<VXAbstractViewWidget*, int>());
   ASSERT_EQ(messages.count(), 1);
-  EXPECT_EQ(messages.at(0).at(0).toString(), "Error reading state file; could not find a view widget to add items to");
+  EXPECT_EQ(messages.at(0).at(0).toString(),
+            "Error reading state file; could not find a view widget to add items to");
   EXPECT_TRUE(info()->modelIsEmpty());
   output.clear();
 
@@ -255,8 +284,9 @@ TEST_F(LoadRulesFixture, WithoutAViewNothingIsAdded)
   bridge["item_data"]["render_window_index"] = 7;
   json other = bridge;
   other["item_data"]["render_window_index"] = -1;
-  load(stateWith(json::array({bridge, other})));
-  EXPECT_EQ(output, QStringList{"Error reading state file; could not find a view widget to add items to"});
+  load(stateWith(json::array({ bridge, other })));
+  EXPECT_EQ(output, QStringList{
+                      "Error reading state file; could not find a view widget to add items to" });
   // the sister bound to -1 goes to the first view
   EXPECT_EQ(m_Module->pipeline()->bridges().size(), 1);
 }
@@ -264,33 +294,39 @@ TEST_F(LoadRulesFixture, WithoutAViewNothingIsAdded)
 TEST_F(LoadRulesFixture, TopLevelItemsMustBeBridgesAndSourcesMustHangUnderAFileBridge)
 {
   json tree = json::array({
-      voxeliaSource("Microstructure"),
-      item("VXPointsRep"),
-      // global sources come with their own classes; until then they are not bridges either
-      item("VXTextAnnotationSource"),
-      // a data source under a data source
-      fileBridge(m_Sample, json::array({voxeliaSource("Microstructure", json::array({voxeliaSource("Microstructure")}))})),
-      // a host pipeline's bridge has no file to match sources in
-      item("KXToVXBridge", json::object(), json::array({voxeliaSource("Microstructure")})),
+    voxeliaSource("Microstructure"),
+    item("VXPointsRep"),
+    // global sources come with their own classes; until then they are not bridges either
+    item("VXTextAnnotationSource"),
+    // a data source under a data source
+    fileBridge(m_Sample, json::array({ voxeliaSource(
+                           "Microstructure", json::array({ voxeliaSource("Microstructure") })) })),
+    // a host pipeline's bridge has no file to match sources in
+    item("KXToVXBridge", json::object(), json::array({ voxeliaSource("Microstructure") })),
   });
   load(stateWith(tree));
-  const QString topLevel = "Error reading state file; found item type %1 but top level tree view items must be of type VXBridgeObject";
+  const QString topLevel = "Error reading state file; found item type %1 but top level tree view "
+                           "items must be of type VXBridgeObject";
   EXPECT_EQ(output, (QStringList{
-                        topLevel.arg("VXDataSource"),
-                        topLevel.arg("VXPointsRep"),
-                        topLevel.arg("VXTextAnnotationSource"),
-                        "Error reading state file; found item type VXDataSource but the parent item is not a VXBridgeObject type.",
-                        "Error: Cannot read in state file to a visualization pipeline sourced from a VOXELIA-KX pipeline, state files must be read in to "
-                        "visualization pipelines sourced from a file.",
-                        "Error reading state file; cannot load the data source because the parent pipeline object does not have an associated .voxelia "
-                        "file.",
+                      topLevel.arg("VXDataSource"),
+                      topLevel.arg("VXPointsRep"),
+                      topLevel.arg("VXTextAnnotationSource"),
+                      "Error reading state file; found item type VXDataSource but the parent item "
+                      "is not a VXBridgeObject type.",
+                      "Error: Cannot read in state file to a visualization pipeline sourced from a "
+                      "VOXELIA-KX pipeline, state files must be read in to "
+                      "visualization pipelines sourced from a file.",
+                      "Error reading state file; cannot load the data source because the parent "
+                      "pipeline object does not have an associated .voxelia "
+                      "file.",
                     }));
   EXPECT_EQ(m_Module->pipeline()->bridges().size(), 2);
 }
 
 TEST_F(LoadRulesFixture, LoadingFromAPathAsksFirstAndReportsUnreadableFiles)
 {
-  const json state = stateWith(json::array({fileBridge(m_Sample, json::array({voxeliaSource("Grain Centroids")}))}));
+  const json state = stateWith(
+    json::array({ fileBridge(m_Sample, json::array({ voxeliaSource("Grain Centroids") })) }));
   const auto good = m_Dir / "good.vlxstate";
   writeBytes(good, state.dump(2, ' '));
 
@@ -313,22 +349,25 @@ TEST_F(LoadRulesFixture, LoadingFromAPathAsksFirstAndReportsUnreadableFiles)
   pump();
   const QStringList lines = treeLines();
   const QList<int> ids = splitIds();
-  m_Dialogs.answers = {QMessageBox::Cancel};
+  m_Dialogs.answers = { QMessageBox::Cancel };
   m_Module->loadState(qpath(good));
   pump();
   ASSERT_EQ(m_Dialogs.asked.size(), 1u);
   const VXUserPrompt::Question& question = m_Dialogs.asked[0];
   EXPECT_EQ(question.title, "Possible Loss of Data");
-  EXPECT_EQ(question.text, "The existing render window split view state will be cleared while loading the state file. This may result in a loss of "
-                           "existing data.\n\nWould you like to continue loading the state anyway?");
+  EXPECT_EQ(question.text,
+            "The existing render window split view state will be cleared while loading the state "
+            "file. This may result in a loss of "
+            "existing data.\n\nWould you like to continue loading the state anyway?");
   EXPECT_EQ(question.buttons, QMessageBox::Open | QMessageBox::Cancel);
   EXPECT_EQ(question.defaultButton, QMessageBox::Cancel);
   EXPECT_EQ(question.icon, QMessageBox::Warning);
   EXPECT_EQ(treeLines(), lines);
   EXPECT_EQ(splitIds(), ids);
 
-  // Open goes on: the split views are cleared to the state's one view and the tree gets a second bridge
-  m_Dialogs.answers = {QMessageBox::Open};
+  // Open goes on: the split views are cleared to the state's one view and the tree gets a second
+  // bridge
+  m_Dialogs.answers = { QMessageBox::Open };
   m_Module->loadState(qpath(good));
   pump();
   EXPECT_EQ(grid()->viewCount(), 1);
@@ -339,18 +378,22 @@ TEST_F(LoadRulesFixture, LoadingFromAPathAsksFirstAndReportsUnreadableFiles)
   freshModule();
   const QString missing = qpath(m_Dir / "missing.vlxstate");
   m_Module->loadState(missing);
-  EXPECT_EQ(output, QStringList{QString("Error opening visualization state from state file %1").arg(missing)});
+  EXPECT_EQ(
+    output,
+    QStringList{ QString("Error opening visualization state from state file %1").arg(missing) });
   std::filesystem::create_directories(m_Dir / "folder.vlxstate");
   output.clear();
   m_Module->loadState(qpath(m_Dir / "folder.vlxstate"));
-  EXPECT_EQ(output, QStringList{QString("Error opening visualization state from state file %1").arg(qpath(m_Dir / "folder.vlxstate"))});
+  EXPECT_EQ(output, QStringList{ QString("Error opening visualization state from state file %1")
+                                   .arg(qpath(m_Dir / "folder.vlxstate")) });
 
   const auto malformed = m_Dir / "malformed.vlxstate";
   writeBytes(malformed, "{\"split_view_state\": {}, \"tree_view_state\": [");
   output.clear();
   m_Module->loadState(qpath(malformed));
   ASSERT_EQ(output.size(), 1);
-  const QString prefix = QString("Error loading state from '%1': malformed JSON (").arg(qpath(malformed));
+  const QString prefix =
+    QString("Error loading state from '%1': malformed JSON (").arg(qpath(malformed));
   EXPECT_TRUE(output[0].startsWith(prefix)) << output[0].toStdString();
   EXPECT_TRUE(output[0].endsWith("). The file may be corrupt.")) << output[0].toStdString();
   // the parser's own words sit between the brackets

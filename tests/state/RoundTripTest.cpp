@@ -13,22 +13,24 @@ protected:
   /** The source of a bridge's geometry by name. */
   QModelIndex sourceIndex(const QString& name) const
   {
-    for(VXDataSource* source : dataSources())
+    for (VXDataSource* source : dataSources())
     {
-      if(source->name() == name)
+      if (source->name() == name)
         return model()->helperIndex(source);
     }
     return {};
   }
 
-  /** Adds a data view of the type under the source, shown in the active view, and returns its settings there. */
+  /** Adds a data view of the type under the source, shown in the active view, and returns its
+   * settings there. */
   VXPointsRepPimpl* addView(const QModelIndex& source, VXRepresentation::Type type)
   {
     const QModelIndex added = model()->addRepresentation(source, type);
     VXRepresentation* representation = model()->getRepresentation(added);
-    if(representation == nullptr)
+    if (representation == nullptr)
       return nullptr;
-    return dynamic_cast<VXPointsRepPimpl*>(representation->implementation(m_Module->getActiveViewWidget()));
+    return dynamic_cast<VXPointsRepPimpl*>(
+      representation->implementation(m_Module->getActiveViewWidget()));
   }
 
   /**
@@ -56,7 +58,8 @@ protected:
     ASSERT_EQ(grid()->viewCount(), 2);
     VXAbstractViewWidget* right = grid()->allViews().at(1);
 
-    // left view: the image coloured by phases, the centroids as big points, the hexahedra see-through and solid
+    // left view: the image coloured by phases, the centroids as big points, the hexahedra
+    // see-through and solid
     left->mousePressed();
     pump();
     ASSERT_EQ(module->getActiveViewWidget(), left);
@@ -69,7 +72,9 @@ protected:
     centroids->pointSizeEdited("9");
     centroids->setUseSolidColor(true);
     centroids->setSolidColor(QColor(250, 210, 20));
-    VXPointsRepPimpl* hexahedron = addView(model()->helperIndex(module->pipeline()->bridges().at(1)->dataSources().front()), VXRepresentation::Surface);
+    VXPointsRepPimpl* hexahedron =
+      addView(model()->helperIndex(module->pipeline()->bridges().at(1)->dataSources().front()),
+              VXRepresentation::Surface);
     ASSERT_NE(hexahedron, nullptr);
     hexahedron->setUseSolidColor(true);
     hexahedron->setSolidColor(QColor(40, 200, 90));
@@ -79,10 +84,13 @@ protected:
     right->mousePressed();
     pump();
     ASSERT_EQ(module->getActiveViewWidget(), right);
-    VXPointsRepPimpl* boundaries = addView(sourceIndex("Grain Boundaries"), VXRepresentation::Wireframe);
+    VXPointsRepPimpl* boundaries =
+      addView(sourceIndex("Grain Boundaries"), VXRepresentation::Wireframe);
     ASSERT_NE(boundaries, nullptr);
     boundaries->setActiveArray("FaceLabels");
-    VXPointsRepPimpl* redHexahedron = addView(model()->helperIndex(module->pipeline()->bridges().at(1)->dataSources().front()), VXRepresentation::Surface);
+    VXPointsRepPimpl* redHexahedron =
+      addView(model()->helperIndex(module->pipeline()->bridges().at(1)->dataSources().front()),
+              VXRepresentation::Surface);
     ASSERT_NE(redHexahedron, nullptr);
     redHexahedron->setUseSolidColor(true);
     redHexahedron->setSolidColor(QColor(255, 80, 80));
@@ -117,31 +125,31 @@ protected:
  */
 bool sameDocument(const nlohmann::json& a, const nlohmann::json& b)
 {
-  if(a.is_number() && b.is_number())
+  if (a.is_number() && b.is_number())
   {
     // a parsed count is unsigned, the same count in memory signed
-    if(!a.is_number_float() && !b.is_number_float())
+    if (!a.is_number_float() && !b.is_number_float())
       return a == b;
     const double x = a.get<double>();
     const double y = b.get<double>();
-    return std::abs(x - y) <= 1e-12 * std::max({1.0, std::abs(x), std::abs(y)});
+    return std::abs(x - y) <= 1e-12 * std::max({ 1.0, std::abs(x), std::abs(y) });
   }
-  if(a.type() != b.type() || a.size() != b.size())
+  if (a.type() != b.type() || a.size() != b.size())
     return false;
-  if(a.is_object())
+  if (a.is_object())
   {
-    for(auto iter = a.begin(); iter != a.end(); ++iter)
+    for (auto iter = a.begin(); iter != a.end(); ++iter)
     {
-      if(!b.contains(iter.key()) || !sameDocument(iter.value(), b.at(iter.key())))
+      if (!b.contains(iter.key()) || !sameDocument(iter.value(), b.at(iter.key())))
         return false;
     }
     return true;
   }
-  if(a.is_array())
+  if (a.is_array())
   {
-    for(std::size_t i = 0; i < a.size(); ++i)
+    for (std::size_t i = 0; i < a.size(); ++i)
     {
-      if(!sameDocument(a[i], b[i]))
+      if (!sameDocument(a[i], b[i]))
         return false;
     }
     return true;
@@ -153,7 +161,7 @@ bool sameDocument(const nlohmann::json& a, const nlohmann::json& b)
 std::string differingPaths(const nlohmann::json& a, const nlohmann::json& b)
 {
   std::string paths;
-  for(const auto& op : nlohmann::json::diff(a, b))
+  for (const auto& op : nlohmann::json::diff(a, b))
     paths += op["op"].get<std::string>() + " " + op["path"].get<std::string>() + "\n";
   return paths;
 }
@@ -204,7 +212,7 @@ TEST_F(RoundTripFixture, SavedSceneLoadsIntoAFreshModuleAndSavesTheSameDocumentA
   double b[3];
   camera(0)->GetPosition(a);
   camera(1)->GetPosition(b);
-  for(int i = 0; i < 3; ++i)
+  for (int i = 0; i < 3; ++i)
     EXPECT_NEAR(a[i], b[i], 1e-9);
 
   nlohmann::json second;

@@ -83,12 +83,12 @@ TEST_F(SaveFileFixture, AFailedOpenWriteOrCommitLeavesThePreviousFileAsItWas)
   const auto folder = m_Dir / "folder.vlxstate";
   std::filesystem::create_directories(folder);
   saveTo(folder);
-  EXPECT_EQ(output, QStringList{QString("Failed to open state file '%1'").arg(qpath(folder))});
+  EXPECT_EQ(output, QStringList{ QString("Failed to open state file '%1'").arg(qpath(folder)) });
   EXPECT_TRUE(std::filesystem::is_directory(folder));
   output.clear();
   const auto nowhere = m_Dir / "no-such-folder" / "state.vlxstate";
   saveTo(nowhere);
-  EXPECT_EQ(output, QStringList{QString("Failed to open state file '%1'").arg(qpath(nowhere))});
+  EXPECT_EQ(output, QStringList{ QString("Failed to open state file '%1'").arg(qpath(nowhere)) });
   EXPECT_FALSE(std::filesystem::exists(nowhere));
 
   // the text doesn't fit on the disk: the write fails (it is larger than the
@@ -100,12 +100,13 @@ TEST_F(SaveFileFixture, AFailedOpenWriteOrCommitLeavesThePreviousFileAsItWas)
     FileSizeCap cap(size / 2);
     saveTo(path);
   }
-  EXPECT_EQ(output, QStringList{QString("Failed to write out state file for '%1'").arg(qpath(path))});
+  EXPECT_EQ(output,
+            QStringList{ QString("Failed to write out state file for '%1'").arg(qpath(path)) });
   EXPECT_EQ(readBytes(path), previous);
 
   // no half-written copy stays beside it
   int files = 0;
-  for([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(m_Dir.path()))
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(m_Dir.path()))
     files++;
   EXPECT_EQ(files, 3) << "the sample, the kept state and the folder";
 
@@ -131,10 +132,10 @@ TEST_F(SaveFileFixture, ATextThatFitsTheBufferFailsInTheCommit)
     FileSizeCap cap(size / 2);
     saveTo(path);
   }
-  EXPECT_EQ(output, QStringList{QString("Failed to commit state file '%1'").arg(qpath(path))});
+  EXPECT_EQ(output, QStringList{ QString("Failed to commit state file '%1'").arg(qpath(path)) });
   EXPECT_EQ(readBytes(path), "old");
   int files = 0;
-  for([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(m_Dir.path()))
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(m_Dir.path()))
     files++;
   EXPECT_EQ(files, 2) << "the sample and the kept state";
 }

@@ -7,9 +7,11 @@
 namespace statetest
 {
 /** Replaces every occurrence of a placeholder. */
-inline std::string substitute(std::string text, const std::string& placeholder, const std::string& value)
+inline std::string substitute(std::string text, const std::string& placeholder,
+                              const std::string& value)
 {
-  for(std::size_t at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder, at + value.size()))
+  for (std::size_t at = text.find(placeholder); at != std::string::npos;
+       at = text.find(placeholder, at + value.size()))
     text.replace(at, placeholder.size(), value);
   return text;
 }

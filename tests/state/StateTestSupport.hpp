@@ -53,18 +53,19 @@ protected:
   {
     QStringList lines;
     const QList<VXAbstractViewWidget*> views = grid()->allViews();
-    for(int row = 0; row < model()->rowCount(parent); ++row)
+    for (int row = 0; row < model()->rowCount(parent); ++row)
     {
       const QModelIndex index = model()->index(row, 0, parent);
       QString line = QString(depth * 2, ' ');
-      if(VXBridgeObject* bridge = model()->getPipelineObject(index); bridge != nullptr && model()->isPipeline(index))
+      if (VXBridgeObject* bridge = model()->getPipelineObject(index);
+          bridge != nullptr && model()->isPipeline(index))
         line += bridge->typeName() + " " + bridge->name();
-      else if(VXCoreObject* object = model()->getCoreObject(index))
+      else if (VXCoreObject* object = model()->getCoreObject(index))
       {
         line += object->typeName() + " " + object->name();
         QStringList shown;
         const auto perView = object->viewWidgets();
-        for(VXAbstractViewWidget* view : views)
+        for (VXAbstractViewWidget* view : views)
           shown << (perView.contains(view) ? (perView.value(view) ? "on" : "off") : "-");
         line += " [" + shown.join(',') + "]";
       }
@@ -78,7 +79,7 @@ protected:
   QList<int> splitIds() const
   {
     QList<int> ids;
-    for(VXAbstractViewWidget* view : grid()->allViews())
+    for (VXAbstractViewWidget* view : grid()->allViews())
     {
       nlohmann::json state = nlohmann::json::object();
       view->saveState(state);
@@ -87,15 +88,18 @@ protected:
     return ids;
   }
 
-  vtkCamera* camera(int view) const { return grid()->allViews().at(view)->getVisualizationWidget()->getRenderer()->GetActiveCamera(); }
+  vtkCamera* camera(int view) const
+  {
+    return grid()->allViews().at(view)->getVisualizationWidget()->getRenderer()->GetActiveCamera();
+  }
 
   /** The messages that contain the text. */
   int countOutput(const QString& text) const
   {
     int count = 0;
-    for(const QString& line : output)
+    for (const QString& line : output)
     {
-      if(line.contains(text))
+      if (line.contains(text))
         count++;
     }
     return count;
@@ -105,9 +109,10 @@ protected:
   QList<VXRepresentation*> representationsUnder(const QModelIndex& parent) const
   {
     QList<VXRepresentation*> list;
-    for(int row = 0; row < model()->rowCount(parent); ++row)
+    for (int row = 0; row < model()->rowCount(parent); ++row)
     {
-      if(VXRepresentation* representation = model()->getRepresentation(model()->index(row, 1, parent)))
+      if (VXRepresentation* representation =
+            model()->getRepresentation(model()->index(row, 1, parent)))
         list << representation;
     }
     return list;
@@ -135,16 +140,16 @@ namespace statetest
 /** Root mean square difference of two images over RGB in 0..255; negative when the sizes differ. */
 inline double rmsDifference(const QImage& a, const QImage& b)
 {
-  if(a.size() != b.size() || a.isNull())
+  if (a.size() != b.size() || a.isNull())
     return -1.0;
   const QImage ca = a.convertToFormat(QImage::Format_RGB32);
   const QImage cb = b.convertToFormat(QImage::Format_RGB32);
   double sum = 0.0;
-  for(int y = 0; y < ca.height(); ++y)
+  for (int y = 0; y < ca.height(); ++y)
   {
     const auto* la = reinterpret_cast<const QRgb*>(ca.constScanLine(y));
     const auto* lb = reinterpret_cast<const QRgb*>(cb.constScanLine(y));
-    for(int x = 0; x < ca.width(); ++x)
+    for (int x = 0; x < ca.width(); ++x)
     {
       const double dr = qRed(la[x]) - qRed(lb[x]);
       const double dg = qGreen(la[x]) - qGreen(lb[x]);
@@ -166,10 +171,12 @@ constexpr double k_ImageTolerance = 6.0;
  */
 inline void compareWithBaseline(const QImage& image, const std::string& name)
 {
-  const std::filesystem::path baseline = std::filesystem::path(KXVTK_BASELINE_DIR) / "state" / (name + ".png");
-  const std::filesystem::path failed = std::filesystem::path(KXVTK_TEST_TMP_DIR) / "failed" / (name + ".png");
+  const std::filesystem::path baseline =
+    std::filesystem::path(KXVTK_BASELINE_DIR) / "state" / (name + ".png");
+  const std::filesystem::path failed =
+    std::filesystem::path(KXVTK_TEST_TMP_DIR) / "failed" / (name + ".png");
   const char* update = std::getenv("KXVTK_UPDATE_BASELINES");
-  if(update != nullptr && std::string(update) == "1")
+  if (update != nullptr && std::string(update) == "1")
   {
     std::filesystem::create_directories(baseline.parent_path());
     image.save(qpath(baseline));
@@ -178,17 +185,18 @@ inline void compareWithBaseline(const QImage& image, const std::string& name)
   }
   std::filesystem::create_directories(failed.parent_path());
   const QImage expected(qpath(baseline));
-  if(expected.isNull())
+  if (expected.isNull())
   {
     image.save(qpath(failed));
     ADD_FAILURE() << "missing baseline " << baseline << "; image written to " << failed;
     return;
   }
   const double rms = rmsDifference(image, expected);
-  if(rms < 0.0 || rms > k_ImageTolerance)
+  if (rms < 0.0 || rms > k_ImageTolerance)
   {
     image.save(qpath(failed));
-    ADD_FAILURE() << name << ": RMS difference " << rms << " above " << k_ImageTolerance << "; image written to " << failed;
+    ADD_FAILURE() << name << ": RMS difference " << rms << " above " << k_ImageTolerance
+                  << "; image written to " << failed;
   }
 }
 } // namespace statetest

@@ -31,13 +31,13 @@ protected:
   /** A data view by its name under a source of the given name. */
   VXRepresentation* representation(const QString& source, const QString& name) const
   {
-    for(VXDataSource* candidate : dataSources())
+    for (VXDataSource* candidate : dataSources())
     {
-      if(candidate->name() != source)
+      if (candidate->name() != source)
         continue;
-      for(VXRepresentation* view : representationsUnder(model()->helperIndex(candidate)))
+      for (VXRepresentation* view : representationsUnder(model()->helperIndex(candidate)))
       {
-        if(view->name() == name)
+        if (view->name() == name)
           return view;
       }
     }
@@ -46,7 +46,9 @@ protected:
 
   VXPointsRepPimpl* settings(VXRepresentation* view, int window) const
   {
-    return view != nullptr ? dynamic_cast<VXPointsRepPimpl*>(view->implementation(grid()->allViews().at(window))) : nullptr;
+    return view != nullptr
+             ? dynamic_cast<VXPointsRepPimpl*>(view->implementation(grid()->allViews().at(window)))
+             : nullptr;
   }
 
   nlohmann::json m_Stored;
@@ -63,29 +65,30 @@ TEST_F(StoredFileFixture, TwoFilesInTwoViewsLoadAsSaved)
 
   // two views with the stored ids, the first one active
   ASSERT_EQ(grid()->viewCount(), 2);
-  EXPECT_EQ(splitIds(), (QList<int>{1, 2}));
+  EXPECT_EQ(splitIds(), (QList<int>{ 1, 2 }));
   EXPECT_EQ(m_Module->getActiveViewWidget(), grid()->allViews().front());
 
   // bridges, data sources, data views with their names and where each shows
   EXPECT_EQ(treeLines(), (QStringList{
-                             "FileToVXBridge sample.voxelia",
-                             "  VXDataSource Microstructure [on,-]",
-                             "    VXOutlineRep Outline View [on,on]",
-                             "    VXSurfaceRep Surface View [on,-]",
-                             "  VXDataSource Grain Boundaries [on,-]",
-                             "    VXOutlineRep Outline View 1 [on,on]",
-                             "    VXWireframeRep Wireframe View [-,on]",
-                             "  VXDataSource Grain Centroids [on,-]",
-                             "    VXOutlineRep Outline View 2 [on,on]",
-                             "    VXPointsRep Points View [on,-]",
-                             "FileToVXBridge Hexahedron.vtu",
-                             "  VXDataSource Hexahedron [on,-]",
-                             "    VXOutlineRep Outline View 3 [on,off]",
-                             "    VXSurfaceRep Surface View 1 [on,-]",
-                             "    VXSurfaceRep Red Hexahedra [-,on]",
+                           "FileToVXBridge sample.voxelia",
+                           "  VXDataSource Microstructure [on,-]",
+                           "    VXOutlineRep Outline View [on,on]",
+                           "    VXSurfaceRep Surface View [on,-]",
+                           "  VXDataSource Grain Boundaries [on,-]",
+                           "    VXOutlineRep Outline View 1 [on,on]",
+                           "    VXWireframeRep Wireframe View [-,on]",
+                           "  VXDataSource Grain Centroids [on,-]",
+                           "    VXOutlineRep Outline View 2 [on,on]",
+                           "    VXPointsRep Points View [on,-]",
+                           "FileToVXBridge Hexahedron.vtu",
+                           "  VXDataSource Hexahedron [on,-]",
+                           "    VXOutlineRep Outline View 3 [on,off]",
+                           "    VXSurfaceRep Surface View 1 [on,-]",
+                           "    VXSurfaceRep Red Hexahedra [-,on]",
                          }));
   ASSERT_EQ(m_Module->pipeline()->bridges().size(), 2);
-  EXPECT_EQ(m_Module->pipeline()->bridges().at(1)->filePath(), qpath(kxtest::DataDir() / "Hexahedron.vtu"));
+  EXPECT_EQ(m_Module->pipeline()->bridges().at(1)->filePath(),
+            qpath(kxtest::DataDir() / "Hexahedron.vtu"));
 
   // the settings of the data views
   VXPointsRepPimpl* phases = settings(representation("Microstructure", "Surface View"), 0);
@@ -104,12 +107,14 @@ TEST_F(StoredFileFixture, TwoFilesInTwoViewsLoadAsSaved)
   ASSERT_NE(green, nullptr);
   EXPECT_EQ(green->solidColor(), QColor(40, 200, 90));
   EXPECT_NEAR(green->opacity(), 0.55, 1e-9);
-  EXPECT_EQ(settings(representation("Grain Boundaries", "Wireframe View"), 1)->activeArray(), "FaceLabels");
+  EXPECT_EQ(settings(representation("Grain Boundaries", "Wireframe View"), 1)->activeArray(),
+            "FaceLabels");
 
   // each view looks through the stored camera, not one fitted to the data
-  for(int view = 0; view < 2; ++view)
+  for (int view = 0; view < 2; ++view)
   {
-    const nlohmann::json& stored = m_Stored["split_view_state"]["grid_cells"][view]["widget_state"]["view_state"];
+    const nlohmann::json& stored =
+      m_Stored["split_view_state"]["grid_cells"][view]["widget_state"]["view_state"];
     double position[3];
     double focal[3];
     camera(view)->GetPosition(position);
@@ -118,7 +123,8 @@ TEST_F(StoredFileFixture, TwoFilesInTwoViewsLoadAsSaved)
     EXPECT_NEAR(position[1], stored["camera_pos_y"].get<double>(), 1e-9) << view;
     EXPECT_NEAR(position[2], stored["camera_pos_z"].get<double>(), 1e-9) << view;
     EXPECT_NEAR(focal[0], stored["camera_focal_pt_x"].get<double>(), 1e-9) << view;
-    EXPECT_NEAR(camera(view)->GetViewAngle(), stored["camera_view_angle"].get<double>(), 1e-9) << view;
+    EXPECT_NEAR(camera(view)->GetViewAngle(), stored["camera_view_angle"].get<double>(), 1e-9)
+      << view;
   }
 
   // saved again, it keeps the shape of the stored document

@@ -15,10 +15,11 @@ public:
   TempDir()
   {
     const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    std::string name = info != nullptr ? std::string(info->test_suite_name()) + "_" + info->name() : "tmp";
-    for(char& c : name)
+    std::string name =
+      info != nullptr ? std::string(info->test_suite_name()) + "_" + info->name() : "tmp";
+    for (char& c : name)
     {
-      if(c == '/')
+      if (c == '/')
         c = '_';
     }
     m_Path = std::filesystem::path(KXVTK_TEST_TMP_DIR) / (name + "_" + std::to_string(::getpid()));

@@ -38,13 +38,13 @@ using moduletest::pump;
 /** The menu action with this text (mnemonics ignored), or null. */
 QAction* menuAction(QMainWindow* window, const QString& menuTitle, const QString& text)
 {
-  for(QAction* menuEntry : window->menuBar()->actions())
+  for (QAction* menuEntry : window->menuBar()->actions())
   {
-    if(menuEntry->menu() == nullptr || menuEntry->text().remove('&') != menuTitle)
+    if (menuEntry->menu() == nullptr || menuEntry->text().remove('&') != menuTitle)
       continue;
-    for(QAction* action : menuEntry->menu()->actions())
+    for (QAction* action : menuEntry->menu()->actions())
     {
-      if(action->text().remove('&') == text)
+      if (action->text().remove('&') == text)
         return action;
     }
   }
@@ -56,10 +56,11 @@ class FrameCounter
 {
 public:
   explicit FrameCounter(vtkRenderer* renderer)
-  : m_Renderer(renderer)
+    : m_Renderer(renderer)
   {
     m_Callback->SetClientData(&frames);
-    m_Callback->SetCallback([](vtkObject*, unsigned long, void* clientData, void*) { ++*static_cast<int*>(clientData); });
+    m_Callback->SetCallback([](vtkObject*, unsigned long, void* clientData, void*)
+                            { ++*static_cast<int*>(clientData); });
     m_Tag = m_Renderer->AddObserver(vtkCommand::EndEvent, m_Callback);
   }
   ~FrameCounter() { m_Renderer->RemoveObserver(m_Tag); }
@@ -81,7 +82,7 @@ void dragAcross(VXVisualizationWidget* view, int dx, int dy)
   const int y = size[1] / 2;
   interactor->SetEventInformation(x, y, 0, 0);
   interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent, nullptr);
-  for(int step = 1; step <= 4; ++step)
+  for (int step = 1; step <= 4; ++step)
   {
     interactor->SetEventInformation(x + dx * step / 4, y + dy * step / 4, 0, 0);
     interactor->InvokeEvent(vtkCommand::MouseMoveEvent, nullptr);
@@ -117,19 +118,19 @@ double smallestShiftedDifference(const QImage& a, const QImage& b, int slack)
   const QImage first = a.convertToFormat(QImage::Format_RGB32);
   const QImage second = b.convertToFormat(QImage::Format_RGB32);
   double best = 255.0;
-  for(int dy = -slack; dy <= slack; ++dy)
+  for (int dy = -slack; dy <= slack; ++dy)
   {
-    for(int dx = -slack; dx <= slack; ++dx)
+    for (int dx = -slack; dx <= slack; ++dx)
     {
       double sum = 0.0;
       long count = 0;
-      for(int y = slack; y < first.height() - slack; ++y)
+      for (int y = slack; y < first.height() - slack; ++y)
       {
-        for(int x = slack; x < first.width() - slack; ++x)
+        for (int x = slack; x < first.width() - slack; ++x)
         {
           const QRgb p = first.pixel(x, y);
           const QRgb q = second.pixel(x + dx, y + dy);
-          for(const int d : {qRed(p) - qRed(q), qGreen(p) - qGreen(q), qBlue(p) - qBlue(q)})
+          for (const int d : { qRed(p) - qRed(q), qGreen(p) - qGreen(q), qBlue(p) - qBlue(q) })
             sum += double(d) * double(d);
           count += 3;
         }
@@ -151,7 +152,8 @@ std::filesystem::path baselineDir()
  * KXVTK_UPDATE_BASELINES=1 writes it and fails, a differing image is written
  * to tests/tmp/failed/ for a person to look at.
  */
-void compareWithBaseline(const QImage& screenshot, const kxtest::TempDir& dir, const std::string& name)
+void compareWithBaseline(const QImage& screenshot, const kxtest::TempDir& dir,
+                         const std::string& name)
 {
   const std::filesystem::path current = dir / (name + ".png");
   ASSERT_TRUE(screenshot.save(QString::fromStdString(current.string()), "PNG"));
@@ -160,24 +162,26 @@ void compareWithBaseline(const QImage& screenshot, const kxtest::TempDir& dir, c
   const std::filesystem::path baseline = baselineDir() / (name + ".png");
   const std::filesystem::path failed = dataviewtest::FailedDir() / ("viewer_" + name + ".png");
   const char* update = std::getenv("KXVTK_UPDATE_BASELINES");
-  if(update != nullptr && std::string(update) == "1")
+  if (update != nullptr && std::string(update) == "1")
   {
     std::filesystem::create_directories(baseline.parent_path());
-    std::filesystem::copy_file(current, baseline, std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::copy_file(current, baseline,
+                               std::filesystem::copy_options::overwrite_existing);
     ADD_FAILURE() << "baseline written, look at it before committing: " << baseline;
     return;
   }
-  if(!std::filesystem::exists(baseline))
+  if (!std::filesystem::exists(baseline))
   {
     dataviewtest::WritePng(image, failed);
     ADD_FAILURE() << "missing baseline " << baseline << "; image written to " << failed;
     return;
   }
   const double rms = dataviewtest::RmsDifference(image, readPng(baseline));
-  if(rms < 0.0 || rms > dataviewtest::k_ImageTolerance)
+  if (rms < 0.0 || rms > dataviewtest::k_ImageTolerance)
   {
     dataviewtest::WritePng(image, failed);
-    ADD_FAILURE() << name << ": RMS difference " << rms << " above " << dataviewtest::k_ImageTolerance << "; image written to " << failed;
+    ADD_FAILURE() << name << ": RMS difference " << rms << " above "
+                  << dataviewtest::k_ImageTolerance << "; image written to " << failed;
   }
 }
 
@@ -209,11 +213,11 @@ protected:
 /** The first data source whose name is @p name, in any bridge. */
 VXDataSource* findSource(VXPipeline* pipeline, const QString& name)
 {
-  for(VXBridgeObject* bridge : pipeline->bridges())
+  for (VXBridgeObject* bridge : pipeline->bridges())
   {
-    for(VXDataSource* source : bridge->dataSources())
+    for (VXDataSource* source : bridge->dataSources())
     {
-      if(source->baseName() == name)
+      if (source->baseName() == name)
         return source;
     }
   }
@@ -222,22 +226,22 @@ VXDataSource* findSource(VXPipeline* pipeline, const QString& name)
 
 std::array<double, 2> range(VXDataSource* source, const char* arrayName, int component)
 {
-  std::array<double, 2> values{0.0, 0.0};
+  std::array<double, 2> values{ 0.0, 0.0 };
   vtkDataArray* array = source->getOutput()->GetCellData()->GetArray(arrayName);
-  if(array != nullptr)
+  if (array != nullptr)
     array->GetRange(values.data(), component);
   return values;
 }
 
 /** The in-memory store of a host array; null when it lives elsewhere. */
-template <typename T>
+template<typename T>
 std::shared_ptr<kx::core::DataStore<T>> hostStore(kx::core::DataArray<T>* array)
 {
   return std::dynamic_pointer_cast<kx::core::DataStore<T>>(array->getDataStore());
 }
 
-const kx::core::DataPath k_FeatureIdsPath({"Microstructure", "Cell Data", "FeatureIds"});
-const kx::core::DataPath k_EulerAnglesPath({"Microstructure", "Cell Data", "EulerAngles"});
+const kx::core::DataPath k_FeatureIdsPath({ "Microstructure", "Cell Data", "FeatureIds" });
+const kx::core::DataPath k_EulerAnglesPath({ "Microstructure", "Cell Data", "EulerAngles" });
 } // namespace
 
 TEST_F(ViewerFixture, SplitViewsLinkedFollowARotationAndCompositeMatchesBaseline)
@@ -285,15 +289,20 @@ TEST_F(ViewerFixture, SplitViewsLinkedFollowARotationAndCompositeMatchesBaseline
   compareWithBaseline(composite, m_Dir, "split_linked_rotated");
 
   // one camera, the same data views, panes of (almost) equal size: both show the same picture
-  // (below left of the centre: the orientation marker in the top right corner follows the pane's own width)
+  // (below left of the centre: the orientation marker in the top right corner follows the pane's
+  // own width)
   const QRect probe(-120, -60, 160, 160);
-  auto paneOf = [&](VXAbstractViewWidget* view) {
+  auto paneOf = [&](VXAbstractViewWidget* view)
+  {
     VXVisualizationWidget* renderWidget = view->getVisualizationWidget();
-    return composite.copy(probe.translated(renderWidget->mapTo(grid(), renderWidget->rect().center())));
+    return composite.copy(
+      probe.translated(renderWidget->mapTo(grid(), renderWidget->rect().center())));
   };
   // compared at a quarter of the size, so that one-pixel cell edges half a pixel apart do not count
-  auto reduced = [](const QImage& pane) { return pane.scaled(pane.size() / 4, Qt::IgnoreAspectRatio, Qt::SmoothTransformation); };
-  EXPECT_LT(smallestShiftedDifference(reduced(paneOf(left)), reduced(paneOf(right)), 1), dataviewtest::k_ImageTolerance);
+  auto reduced = [](const QImage& pane)
+  { return pane.scaled(pane.size() / 4, Qt::IgnoreAspectRatio, Qt::SmoothTransformation); };
+  EXPECT_LT(smallestShiftedDifference(reduced(paneOf(left)), reduced(paneOf(right)), 1),
+            dataviewtest::k_ImageTolerance);
 }
 
 TEST_F(ViewerFixture, HostPipelineMenuShowsHostMemoryAndRerunUpdatesInPlace)
@@ -332,10 +341,13 @@ TEST_F(ViewerFixture, HostPipelineMenuShowsHostMemoryAndRerunUpdatesInPlace)
   EXPECT_EQ(shownEuler->GetVoidPointer(0), static_cast<void*>(hostStore(hostEuler)->data()));
   const std::array<double, 2> firstRange = range(volume, "EulerAngles", 0);
 
-  auto* centroids = firstRun->getDataAs<kx::core::VertexGeom>(kx::core::DataPath({"Grain Centroids"}));
+  auto* centroids =
+    firstRun->getDataAs<kx::core::VertexGeom>(kx::core::DataPath({ "Grain Centroids" }));
   ASSERT_NE(centroids, nullptr);
   const QString grains = QString::number(centroids->getNumberOfVertices());
-  EXPECT_TRUE(outputText().contains(QString("Sample Microstructure Pipeline: %1 grains shown from memory").arg(grains))) << outputText().toStdString();
+  EXPECT_TRUE(outputText().contains(
+    QString("Sample Microstructure Pipeline: %1 grains shown from memory").arg(grains)))
+    << outputText().toStdString();
 
   rerun->trigger();
   pump();
@@ -356,10 +368,11 @@ TEST_F(ViewerFixture, HostPipelineMenuShowsHostMemoryAndRerunUpdatesInPlace)
   EXPECT_NE(secondRange, firstRange);
   // the range is that of the new host values (first component of each tuple)
   float smallest = (*store)[0];
-  for(const float* value = store->begin(); value < store->end(); value += 3)
+  for (const float* value = store->begin(); value < store->end(); value += 3)
     smallest = std::min(smallest, *value);
   EXPECT_FLOAT_EQ(static_cast<float>(secondRange[0]), smallest);
-  EXPECT_TRUE(outputText().contains("Sample Microstructure Pipeline: run 2,")) << outputText().toStdString();
+  EXPECT_TRUE(outputText().contains("Sample Microstructure Pipeline: run 2,"))
+    << outputText().toStdString();
 }
 
 TEST_F(ViewerFixture, OutputDockShowsModuleMessages)
@@ -372,7 +385,9 @@ TEST_F(ViewerFixture, OutputDockShowsModuleMessages)
   exportPresets->trigger();
   pump();
   EXPECT_TRUE(QFileInfo(path).isFile());
-  EXPECT_TRUE(outputText().contains(QString("Presets successfully written to file at '%1'").arg(path))) << outputText().toStdString();
+  EXPECT_TRUE(
+    outputText().contains(QString("Presets successfully written to file at '%1'").arg(path)))
+    << outputText().toStdString();
 
   // an unreadable state file is reported in the dock too
   const QString broken = moduletest::qpath(m_Dir / "broken.vlxstate");
@@ -382,5 +397,7 @@ TEST_F(ViewerFixture, OutputDockShowsModuleMessages)
   file.close();
   module()->loadState(broken);
   pump();
-  EXPECT_TRUE(outputText().contains(QString("Error loading state from '%1': malformed JSON").arg(broken))) << outputText().toStdString();
+  EXPECT_TRUE(
+    outputText().contains(QString("Error loading state from '%1': malformed JSON").arg(broken)))
+    << outputText().toStdString();
 }

@@ -24,7 +24,10 @@ public:
   }
 
   QLabel* cell(const QString& name) const { return findChild<QLabel*>(name); }
-  QWidget* split(const QString& name, bool column) { return column ? addColumn(cell(name)) : addRow(cell(name)); }
+  QWidget* split(const QString& name, bool column)
+  {
+    return column ? addColumn(cell(name)) : addRow(cell(name));
+  }
 
   /** Loads a saved grid with the protected building blocks. */
   void load(const nlohmann::json& input)
@@ -33,10 +36,11 @@ public:
     ASSERT_TRUE(setGridShape(input.at("grid_rows").get<int>(), input.at("grid_cols").get<int>(),
                              input.at("col_widths").get<std::vector<double>>(),
                              input.at("row_heights").get<std::vector<double>>()));
-    for(const auto& entry : input.at("grid_cells"))
+    for (const auto& entry : input.at("grid_cells"))
     {
       auto* label = new QLabel(this);
-      ASSERT_TRUE(appendCell(label, entry.at("row_span").get<int>(), entry.at("col_span").get<int>()));
+      ASSERT_TRUE(
+        appendCell(label, entry.at("row_span").get<int>(), entry.at("col_span").get<int>()));
       loadWidgetState(label, entry.at("widget_state"));
       connectWidget(label);
       label->show();
@@ -63,7 +67,10 @@ protected:
     widget->setObjectName(QString::fromStdString(state.at("name").get<std::string>()));
   }
   void setWidgetClosable(QWidget* widget, bool value) override { closable[widget] = value; }
-  void onWidgetCreated(QWidget* source, QWidget* widget) override { created.emplace_back(source, widget); }
+  void onWidgetCreated(QWidget* source, QWidget* widget) override
+  {
+    created.emplace_back(source, widget);
+  }
   void onWidgetClosing(QWidget* widget) override { closing.push_back(widget); }
   void onActiveWidgetChanged(QWidget* previous, QWidget* current) override
   {
@@ -83,7 +90,7 @@ private:
 QStringList names(const QList<QWidget*>& widgets)
 {
   QStringList result;
-  for(QWidget* widget : widgets)
+  for (QWidget* widget : widgets)
     result << widget->objectName();
   return result;
 }
@@ -118,7 +125,7 @@ TEST(GridSplitter, SplitsAddColumnsBesideAndRowsBelowWithSpans)
   EXPECT_EQ(grid.rowCount(), 2);
   EXPECT_EQ(grid.cellOf(grid.cell("cell 1")), QRect(0, 0, 1, 1));
   EXPECT_EQ(grid.cellOf(fourth), QRect(0, 1, 1, 1));
-  EXPECT_EQ(names(grid.allWidgets()), QStringList({"cell 1", "cell 2", "cell 4", "cell 3"}));
+  EXPECT_EQ(names(grid.allWidgets()), QStringList({ "cell 1", "cell 2", "cell 4", "cell 3" }));
 
   // the halves share the width of the column that was split
   ASSERT_EQ(grid.columnWidths().size(), 2u);
@@ -183,7 +190,7 @@ TEST(GridSplitter, ClosingACellBetweenSpansKeepsEveryCellRectangular)
   EXPECT_EQ(grid.cellOf(grid.cell("cell 3")), QRect(1, 0, 1, 1));
   EXPECT_EQ(grid.cellOf(grid.cell("cell 4")), QRect(2, 0, 1, 1));
   EXPECT_EQ(grid.rowCount(), 1);
-  for(QWidget* widget : grid.allWidgets())
+  for (QWidget* widget : grid.allWidgets())
     EXPECT_EQ(grid.cellOf(widget).height(), 1) << widget->objectName().toStdString();
 }
 
@@ -196,7 +203,7 @@ TEST(GridSplitter, ResetKeepsTheActiveCellAndEqualizeSharesTheSpace)
   EXPECT_EQ(grid.columnCount(), 3);
   EXPECT_DOUBLE_EQ(grid.columnWidths()[0], 0.5);
   grid.equalizeColumnWidths();
-  for(double width : grid.columnWidths())
+  for (double width : grid.columnWidths())
     EXPECT_DOUBLE_EQ(width, 1.0 / 3.0);
   grid.equalizeRowHeights();
   EXPECT_DOUBLE_EQ(grid.rowHeights()[0], 0.5);
@@ -218,8 +225,8 @@ TEST(GridSplitter, DraggingAColumnHandleMovesTheLine)
   QWidget* first = grid.cell("cell 1");
   const int handleX = first->geometry().right() + 3;
   QTest::mousePress(&grid, Qt::LeftButton, Qt::NoModifier, QPoint(handleX, 150));
-  QMouseEvent move(QEvent::MouseMove, QPointF(100, 150), grid.mapToGlobal(QPointF(100, 150)), Qt::NoButton,
-                   Qt::LeftButton, Qt::NoModifier);
+  QMouseEvent move(QEvent::MouseMove, QPointF(100, 150), grid.mapToGlobal(QPointF(100, 150)),
+                   Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
   QCoreApplication::sendEvent(&grid, &move);
   QTest::mouseRelease(&grid, Qt::LeftButton, Qt::NoModifier, QPoint(100, 150));
   // the line's gap now starts at 100 - 2 pixels
@@ -231,8 +238,8 @@ TEST(GridSplitter, DraggingAColumnHandleMovesTheLine)
   // a press inside a cell's area is no drag
   const double before = grid.columnWidths()[0];
   QTest::mousePress(&grid, Qt::LeftButton, Qt::NoModifier, QPoint(300, 150));
-  QMouseEvent move2(QEvent::MouseMove, QPointF(350, 150), grid.mapToGlobal(QPointF(350, 150)), Qt::NoButton,
-                    Qt::LeftButton, Qt::NoModifier);
+  QMouseEvent move2(QEvent::MouseMove, QPointF(350, 150), grid.mapToGlobal(QPointF(350, 150)),
+                    Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
   QCoreApplication::sendEvent(&grid, &move2);
   EXPECT_DOUBLE_EQ(grid.columnWidths()[0], before);
 }
@@ -271,7 +278,7 @@ TEST(GridSplitter, SavedGridLoadsIntoAnEqualGrid)
 
   TestGrid other;
   other.load(saved);
-  EXPECT_EQ(names(other.allWidgets()), QStringList({"cell 1", "cell 2", "cell 3", "cell 4"}));
+  EXPECT_EQ(names(other.allWidgets()), QStringList({ "cell 1", "cell 2", "cell 3", "cell 4" }));
   EXPECT_EQ(other.cellOf(other.cell("cell 2")), QRect(1, 0, 2, 1));
   nlohmann::json again;
   other.saveGridState(again);

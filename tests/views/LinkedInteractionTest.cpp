@@ -13,13 +13,14 @@ namespace
 /** Presses the left button in the middle of the view and drags it sideways in steps. */
 void dragInView(VXAbstractViewWidget* view, int steps)
 {
-  vtkRenderWindowInteractor* interactor = view->getVisualizationWidget()->renderWindow()->GetInteractor();
+  vtkRenderWindowInteractor* interactor =
+    view->getVisualizationWidget()->renderWindow()->GetInteractor();
   const int* size = view->getVisualizationWidget()->renderWindow()->GetSize();
   int x = size[0] / 2;
   const int y = size[1] / 2;
   interactor->SetEventInformation(x, y);
   interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent);
-  for(int step = 0; step < steps; ++step)
+  for (int step = 0; step < steps; ++step)
   {
     x += 15;
     interactor->SetEventInformation(x, y);
@@ -39,9 +40,9 @@ TEST_F(GridTest, DraggingInALinkedViewRedrawsItsPartnersDuringTheDrag)
   ASSERT_EQ(views.size(), 3);
   VXAbstractViewWidget* linkedPartner = nullptr;
   VXAbstractViewWidget* loner = nullptr;
-  for(VXAbstractViewWidget* view : views)
+  for (VXAbstractViewWidget* view : views)
   {
-    if(view == left)
+    if (view == left)
       continue;
     (linkedPartner == nullptr ? linkedPartner : loner) = view;
   }
@@ -52,7 +53,8 @@ TEST_F(GridTest, DraggingInALinkedViewRedrawsItsPartnersDuringTheDrag)
 
   const auto before = triple(cameraOf(left)->GetPosition());
   const auto lonerBefore = triple(cameraOf(loner)->GetPosition());
-  EventCounter partnerFrames(linkedPartner->getVisualizationWidget()->renderWindow(), vtkCommand::StartEvent);
+  EventCounter partnerFrames(linkedPartner->getVisualizationWidget()->renderWindow(),
+                             vtkCommand::StartEvent);
   EventCounter lonerFrames(loner->getVisualizationWidget()->renderWindow(), vtkCommand::StartEvent);
   dragInView(left, 4);
   pump();

@@ -30,9 +30,9 @@ int dataViewActorCount(VXAbstractViewWidget* view)
   vtkPropCollection* props = widget->getRenderer()->GetViewProps();
   int count = 0;
   props->InitTraversal();
-  while(vtkProp* prop = props->GetNextProp())
+  while (vtkProp* prop = props->GetNextProp())
   {
-    if(widget->isDataViewActor(prop))
+    if (widget->isDataViewActor(prop))
       count++;
   }
   return count;
@@ -41,16 +41,15 @@ int dataViewActorCount(VXAbstractViewWidget* view)
 /** A saved grid of two columns whose views carry the given split numbers. */
 nlohmann::json twoColumnState(int leftId, int rightId)
 {
-  nlohmann::json state = {{"grid_version", 1},
-                          {"grid_rows", 1},
-                          {"grid_cols", 2},
-                          {"col_widths", {0.5, 0.5}},
-                          {"row_heights", {1.0}},
-                          {"grid_cells", nlohmann::json::array()}};
-  for(int id : {leftId, rightId})
+  nlohmann::json state = { { "grid_version", 1 },      { "grid_rows", 1 },
+                           { "grid_cols", 2 },         { "col_widths", { 0.5, 0.5 } },
+                           { "row_heights", { 1.0 } }, { "grid_cells", nlohmann::json::array() } };
+  for (int id : { leftId, rightId })
   {
     state["grid_cells"].push_back(
-      {{"row_span", 1}, {"col_span", 1}, {"widget_state", {{"view_state", {{"split_view_index", id}}}}}});
+      { { "row_span", 1 },
+        { "col_span", 1 },
+        { "widget_state", { { "view_state", { { "split_view_index", id } } } } } });
   }
   return state;
 }
@@ -73,7 +72,7 @@ TEST_F(GridTest, LastViewCannotCloseAndASplitEnablesBoth)
   ASSERT_EQ(created.count(), 1);
   EXPECT_EQ(created.at(0).at(0).value<VXAbstractViewWidget*>(), second);
   EXPECT_EQ(second->getSplitId(), 2);
-  for(VXViewWidget* view : {first, second})
+  for (VXViewWidget* view : { first, second })
   {
     EXPECT_TRUE(view->closeButton()->isEnabled());
     EXPECT_EQ(view->closeButton()->toolTip(), "Close this view.");
@@ -134,13 +133,13 @@ TEST_F(GridTest, SplitViewStartsWithAnEqualButIndependentCamera)
   VXViewWidget* second = viewAt(1);
   vtkCamera* copied = viewtest::cameraOf(second);
   EXPECT_NE(copied, camera);
-  EXPECT_EQ(viewtest::triple(copied->GetPosition()), (Triple{5.0, 6.0, 70.0}));
-  EXPECT_EQ(viewtest::triple(copied->GetFocalPoint()), (Triple{1.0, 1.0, 0.0}));
-  EXPECT_EQ(viewtest::triple(copied->GetViewUp()), (Triple{0.0, 1.0, 0.0}));
+  EXPECT_EQ(viewtest::triple(copied->GetPosition()), (Triple{ 5.0, 6.0, 70.0 }));
+  EXPECT_EQ(viewtest::triple(copied->GetFocalPoint()), (Triple{ 1.0, 1.0, 0.0 }));
+  EXPECT_EQ(viewtest::triple(copied->GetViewUp()), (Triple{ 0.0, 1.0, 0.0 }));
   EXPECT_FALSE(first->getVisualizationWidget()->isLinked());
   EXPECT_FALSE(second->getVisualizationWidget()->isLinked());
   copied->SetPosition(-40.0, 0.0, 0.0);
-  EXPECT_EQ(viewtest::triple(camera->GetPosition()), (Triple{5.0, 6.0, 70.0}));
+  EXPECT_EQ(viewtest::triple(camera->GetPosition()), (Triple{ 5.0, 6.0, 70.0 }));
 }
 
 TEST_F(GridTest, AClickMakesTheViewActiveAndOnlyOne)
@@ -153,8 +152,10 @@ TEST_F(GridTest, AClickMakesTheViewActiveAndOnlyOne)
   EXPECT_FALSE(second->isActive());
 
   QSignalSpy changed(m_Grid.get(), &VXViewGridWidget::activeViewChanged);
-  QTest::mousePress(second->getVisualizationWidget(), Qt::LeftButton, Qt::NoModifier, QPoint(40, 40));
-  QTest::mouseRelease(second->getVisualizationWidget(), Qt::LeftButton, Qt::NoModifier, QPoint(40, 40));
+  QTest::mousePress(second->getVisualizationWidget(), Qt::LeftButton, Qt::NoModifier,
+                    QPoint(40, 40));
+  QTest::mouseRelease(second->getVisualizationWidget(), Qt::LeftButton, Qt::NoModifier,
+                      QPoint(40, 40));
   ASSERT_EQ(changed.count(), 1);
   EXPECT_EQ(changed.at(0).at(0).value<VXAbstractViewWidget*>(), second);
   EXPECT_EQ(m_Grid->activeView(), second);
@@ -198,7 +199,8 @@ TEST_F(GridTest, PendingLinkCompletesOnAnotherViewAndClosingALinkedViewUnlinksIt
   EXPECT_NE(viewtest::cameraOf(b), shared);
   EXPECT_EQ(viewtest::cameraOf(a), shared);
   EXPECT_EQ(viewtest::cameraOf(c), shared);
-  const std::set<VXVisualizationWidget*> remaining = {a->getVisualizationWidget(), c->getVisualizationWidget()};
+  const std::set<VXVisualizationWidget*> remaining = { a->getVisualizationWidget(),
+                                                       c->getVisualizationWidget() };
   EXPECT_EQ(a->getVisualizationWidget()->getLinkedWidgets(), remaining);
   EXPECT_EQ(c->getVisualizationWidget()->getLinkedWidgets(), remaining);
   pump();
@@ -235,7 +237,7 @@ TEST_F(GridTest, LinkAllViewsSharesOneCamera)
   viewAt(0)->splitVertically();
   m_Grid->linkAllViews();
   vtkCamera* shared = viewtest::cameraOf(viewAt(0));
-  for(VXAbstractViewWidget* view : m_Grid->allViews())
+  for (VXAbstractViewWidget* view : m_Grid->allViews())
   {
     EXPECT_EQ(viewtest::cameraOf(view), shared);
     EXPECT_EQ(view->getVisualizationWidget()->getLinkedWidgets().size(), 3u);
@@ -285,7 +287,8 @@ TEST_F(GridTest, LoadedSplitNumbersThreeAndSevenGiveTheNextViewEight)
   ASSERT_EQ(m_Grid->viewCount(), 2);
   EXPECT_EQ(m_Grid->allViews().value(0)->getSplitId(), 3);
   EXPECT_EQ(m_Grid->allViews().value(1)->getSplitId(), 7);
-  EXPECT_EQ(m_Grid->activeView(), m_Grid->allViews().value(0)) << "no view was active: the first is";
+  EXPECT_EQ(m_Grid->activeView(), m_Grid->allViews().value(0))
+    << "no view was active: the first is";
   m_Grid->addRow(m_Grid->allViews().value(0));
   ASSERT_EQ(m_Grid->viewCount(), 3);
   EXPECT_EQ(m_Grid->allViews().value(2)->getSplitId(), 8);
@@ -300,12 +303,17 @@ TEST_F(GridTest, OlderSplitTreeLoadsAndOrientationOneGivesColumns)
 {
   // columns: 3 | (5 over 7)
   const nlohmann::json legacy = {
-    {"split_view_orientation", 1},
-    {"0", {{"split_view_index", 3}, {"camera_pos_x", 1.0}, {"camera_pos_y", 2.0}, {"camera_pos_z", 90.0}}},
-    {"1",
-     {{"split_view_orientation", 2},
-      {"0", {{"split_view_index", 5}}},
-      {"1", {{"split_view_index", 7}, {"active_view", true}}}}}};
+    { "split_view_orientation", 1 },
+    { "0",
+      { { "split_view_index", 3 },
+        { "camera_pos_x", 1.0 },
+        { "camera_pos_y", 2.0 },
+        { "camera_pos_z", 90.0 } } },
+    { "1",
+      { { "split_view_orientation", 2 },
+        { "0", { { "split_view_index", 5 } } },
+        { "1", { { "split_view_index", 7 }, { "active_view", true } } } } }
+  };
   QSignalSpy created(m_Grid.get(), &VXViewGridWidget::viewCreated);
   m_Grid->loadState(legacy);
   pump();
@@ -321,12 +329,14 @@ TEST_F(GridTest, OlderSplitTreeLoadsAndOrientationOneGivesColumns)
   EXPECT_EQ(views[2]->getSplitId(), 7);
   EXPECT_EQ(m_Grid->cellOf(views[2]), QRect(1, 1, 1, 1));
   EXPECT_EQ(m_Grid->activeView(), views[2]);
-  EXPECT_EQ(viewtest::triple(viewtest::cameraOf(views[0])->GetPosition()), (Triple{1.0, 2.0, 90.0}));
+  EXPECT_EQ(viewtest::triple(viewtest::cameraOf(views[0])->GetPosition()),
+            (Triple{ 1.0, 2.0, 90.0 }));
   EXPECT_EQ(VXViewWidget::s_NextSplitViewId, 8);
 
   // any other orientation gives rows
-  const nlohmann::json rows = {
-    {"split_view_orientation", 0}, {"0", {{"split_view_index", 1}}}, {"1", {{"split_view_index", 2}}}};
+  const nlohmann::json rows = { { "split_view_orientation", 0 },
+                                { "0", { { "split_view_index", 1 } } },
+                                { "1", { { "split_view_index", 2 } } } };
   m_Grid->loadState(rows);
   pump();
   EXPECT_EQ(m_Grid->viewCount(), 2);
@@ -347,20 +357,20 @@ TEST_F(GridTest, ViewsBlockedByStateStayBlockedAndDrawNothing)
   pump();
   ASSERT_EQ(fresh->viewCount(), 2);
   std::vector<std::unique_ptr<viewtest::EventCounter>> starts;
-  for(VXAbstractViewWidget* view : fresh->allViews())
+  for (VXAbstractViewWidget* view : fresh->allViews())
   {
     EXPECT_TRUE(view->isRenderBlocked());
     EXPECT_EQ(view->getVisualizationWidget()->getRenderer()->GetDraw(), 0);
-    starts.push_back(std::make_unique<viewtest::EventCounter>(view->getVisualizationWidget()->getRenderer(),
-                                                              vtkCommand::StartEvent));
+    starts.push_back(std::make_unique<viewtest::EventCounter>(
+      view->getVisualizationWidget()->getRenderer(), vtkCommand::StartEvent));
   }
-  for(VXAbstractViewWidget* view : fresh->allViews())
+  for (VXAbstractViewWidget* view : fresh->allViews())
   {
     view->renderView();
     view->getVisualizationWidget()->render();
   }
   pump();
-  for(VXAbstractViewWidget* view : fresh->allViews())
+  for (VXAbstractViewWidget* view : fresh->allViews())
     view->getVisualizationWidget()->renderWindow()->Render();
   EXPECT_EQ(starts[0]->count(), 0);
   EXPECT_EQ(starts[1]->count(), 0);
@@ -390,7 +400,8 @@ TEST_F(GridTest, BadGridStateLeavesTheViewsOrThrowsTheTypeError)
   EXPECT_THROW(m_Grid->loadState(wrongType), nlohmann::json::type_error);
   EXPECT_EQ(m_Grid->viewCount(), 2);
 
-  // too few cells: the rest of the grid gets views of its own; a view without "view_state" keeps its defaults
+  // too few cells: the rest of the grid gets views of its own; a view without "view_state" keeps
+  // its defaults
   nlohmann::json fewer = twoColumnState(4, 5);
   fewer["grid_cells"].erase(1);
   fewer["grid_cells"][0]["widget_state"] = nlohmann::json::object();
@@ -414,7 +425,7 @@ TEST_F(GridTest, DataViewShownInAViewAppearsInItsSplit)
 
   VXPipeline pipeline;
   QObject::connect(m_Grid.get(), &VXViewGridWidget::activeViewChanged, &pipeline,
-          [&pipeline](VXAbstractViewWidget* view) { pipeline.setActiveViewWidget(view); });
+                   [&pipeline](VXAbstractViewWidget* view) { pipeline.setActiveViewWidget(view); });
   VXViewWidget* first = viewAt(0);
   pipeline.setActiveViewWidget(first);
   ASSERT_TRUE(pipeline.importFile(QString::fromStdString(file)));

@@ -31,7 +31,7 @@ namespace viewtest
 /** Lets queued calls, paint events and deferred deletions run. */
 inline void pump()
 {
-  for(int i = 0; i < 5; ++i)
+  for (int i = 0; i < 5; ++i)
   {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -46,7 +46,7 @@ inline vtkCamera* cameraOf(VXAbstractViewWidget* view)
 
 inline std::array<double, 3> triple(const double* values)
 {
-  return {values[0], values[1], values[2]};
+  return { values[0], values[1], values[2] };
 }
 
 /** What a click on a render view does to focus: the pending camera link completes. */
@@ -61,10 +61,11 @@ class EventCounter
 {
 public:
   EventCounter(vtkObject* object, unsigned long event)
-  : m_Object(object)
+    : m_Object(object)
   {
     m_Command->SetClientData(&m_Count);
-    m_Command->SetCallback([](vtkObject*, unsigned long, void* clientData, void*) { ++*static_cast<int*>(clientData); });
+    m_Command->SetCallback([](vtkObject*, unsigned long, void* clientData, void*)
+                           { ++*static_cast<int*>(clientData); });
     m_Tag = object->AddObserver(event, m_Command);
   }
   ~EventCounter() { m_Object->RemoveObserver(m_Tag); }
@@ -106,7 +107,10 @@ protected:
     return grid;
   }
 
-  VXViewWidget* viewAt(int index) const { return qobject_cast<VXViewWidget*>(m_Grid->allViews().value(index)); }
+  VXViewWidget* viewAt(int index) const
+  {
+    return qobject_cast<VXViewWidget*>(m_Grid->allViews().value(index));
+  }
 
   std::unique_ptr<VXViewGridWidget> m_Grid;
 };

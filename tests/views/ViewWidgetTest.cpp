@@ -53,8 +53,10 @@ TEST_F(ViewWidget, FormHasStatusSplitAndCloseButtonsWithThemeIcons)
   EXPECT_EQ(m_View->getVisualizationWidget()->getNumRenderLayers(), 2);
   EXPECT_EQ(m_View->findChild<QPushButton*>("closeButton"), m_View->closeButton());
   EXPECT_TRUE(sameIcon(m_View->closeButton()->icon(), KXStyle::generateThemeIconFromName("Close")));
-  EXPECT_TRUE(sameIcon(m_View->splitHorizontalButton()->icon(), KXStyle::generateThemeIconFromName("Split Horizontal")));
-  EXPECT_TRUE(sameIcon(m_View->splitVerticalButton()->icon(), KXStyle::generateThemeIconFromName("Split Vertical")));
+  EXPECT_TRUE(sameIcon(m_View->splitHorizontalButton()->icon(),
+                       KXStyle::generateThemeIconFromName("Split Horizontal")));
+  EXPECT_TRUE(sameIcon(m_View->splitVerticalButton()->icon(),
+                       KXStyle::generateThemeIconFromName("Split Vertical")));
   EXPECT_FALSE(sameIcon(m_View->closeButton()->icon(), KXStyle::fallbackIcon()));
 
   // alone, a frame is not closable
@@ -100,13 +102,16 @@ TEST_F(ViewWidget, SplitNumberOverlayShowsOverTheBlurredView)
   auto* opacity = qobject_cast<QGraphicsOpacityEffect*>(background->graphicsEffect());
   ASSERT_NE(opacity, nullptr);
   EXPECT_DOUBLE_EQ(opacity->opacity(), 0.75);
-  auto* blur = qobject_cast<QGraphicsBlurEffect*>(m_View->getVisualizationWidget()->graphicsEffect());
+  auto* blur =
+    qobject_cast<QGraphicsBlurEffect*>(m_View->getVisualizationWidget()->graphicsEffect());
   ASSERT_NE(blur, nullptr);
   EXPECT_DOUBLE_EQ(blur->blurRadius(), 0.0);
-  for(QWidget* child : {static_cast<QWidget*>(m_View->statusLabel()), static_cast<QWidget*>(m_View->closeButton()),
-                        static_cast<QWidget*>(m_View->splitHorizontalButton()),
-                        static_cast<QWidget*>(m_View->splitVerticalButton())})
-    EXPECT_NE(qobject_cast<QGraphicsBlurEffect*>(child->graphicsEffect()), nullptr) << child->objectName().toStdString();
+  for (QWidget* child :
+       { static_cast<QWidget*>(m_View->statusLabel()), static_cast<QWidget*>(m_View->closeButton()),
+         static_cast<QWidget*>(m_View->splitHorizontalButton()),
+         static_cast<QWidget*>(m_View->splitVerticalButton()) })
+    EXPECT_NE(qobject_cast<QGraphicsBlurEffect*>(child->graphicsEffect()), nullptr)
+      << child->objectName().toStdString();
 
   // the scene still reaches the screen through the effect
   m_View->getVisualizationWidget()->setRenderWindowBackgroundColor(QColor(255, 0, 0));
@@ -146,21 +151,22 @@ TEST_F(ViewWidget, CloneTakesTheNextSplitNumberAndTheCameraNewInstanceNeither)
   EXPECT_NE(qobject_cast<VXViewWidget*>(clone.get()), nullptr);
   vtkCamera* cloned = viewtest::cameraOf(clone.get());
   EXPECT_NE(cloned, camera);
-  EXPECT_EQ(viewtest::triple(cloned->GetPosition()), (std::array<double, 3>{10.0, -20.0, 30.0}));
-  EXPECT_EQ(viewtest::triple(cloned->GetFocalPoint()), (std::array<double, 3>{1.0, 2.0, 3.0}));
+  EXPECT_EQ(viewtest::triple(cloned->GetPosition()), (std::array<double, 3>{ 10.0, -20.0, 30.0 }));
+  EXPECT_EQ(viewtest::triple(cloned->GetFocalPoint()), (std::array<double, 3>{ 1.0, 2.0, 3.0 }));
 
   std::unique_ptr<VXAbstractViewWidget> fresh(m_View->newInstance());
   EXPECT_EQ(fresh->getSplitId(), 1);
   EXPECT_EQ(VXViewWidget::s_NextSplitViewId, 4);
   EXPECT_NE(viewtest::triple(viewtest::cameraOf(fresh.get())->GetPosition()),
-            (std::array<double, 3>{10.0, -20.0, 30.0}));
+            (std::array<double, 3>{ 10.0, -20.0, 30.0 }));
 }
 
 TEST_F(ViewWidget, StatusMessageShowsInTheStripAndItsTooltip)
 {
   Q_EMIT m_View->getVisualizationWidget()->statusMessage("Picked cell 12");
   EXPECT_EQ(m_View->statusLabel()->text(), "Picked cell 12");
-  EXPECT_EQ(m_View->statusLabel()->toolTip(), "<html><head/><body><p>Picked cell 12</p></body></html>");
+  EXPECT_EQ(m_View->statusLabel()->toolTip(),
+            "<html><head/><body><p>Picked cell 12</p></body></html>");
 }
 
 TEST_F(ViewWidget, ActivePropertyRepolishesAtOnce)
@@ -169,7 +175,8 @@ TEST_F(ViewWidget, ActivePropertyRepolishesAtOnce)
                         "VXViewWidget[Active=\"true\"] { border: 3px solid rgb(255, 0, 0); }");
   m_View->setActive(false);
   pump();
-  auto borderColor = [this]() { return m_View->grab().toImage().pixelColor(0, m_View->height() / 2); };
+  auto borderColor = [this]()
+  { return m_View->grab().toImage().pixelColor(0, m_View->height() / 2); };
   EXPECT_EQ(borderColor(), QColor(0, 0, 255));
   m_View->setActive(true);
   EXPECT_TRUE(m_View->property("Active").toBool());
@@ -178,8 +185,10 @@ TEST_F(ViewWidget, ActivePropertyRepolishesAtOnce)
   // a click in the render view sets the flag and asks the grid to mark the frame
   m_View->setActive(false);
   QSignalSpy marked(m_View.get(), &VXAbstractViewWidget::markActive);
-  QTest::mousePress(m_View->getVisualizationWidget(), Qt::LeftButton, Qt::NoModifier, QPoint(150, 100));
-  QTest::mouseRelease(m_View->getVisualizationWidget(), Qt::LeftButton, Qt::NoModifier, QPoint(150, 100));
+  QTest::mousePress(m_View->getVisualizationWidget(), Qt::LeftButton, Qt::NoModifier,
+                    QPoint(150, 100));
+  QTest::mouseRelease(m_View->getVisualizationWidget(), Qt::LeftButton, Qt::NoModifier,
+                      QPoint(150, 100));
   ASSERT_EQ(marked.count(), 1);
   EXPECT_EQ(marked.at(0).at(0).value<QWidget*>(), m_View.get());
   EXPECT_TRUE(m_View->isActive());
@@ -247,18 +256,19 @@ TEST_F(ViewWidget, StateHasTheFrameKeysAndTheSplitNumber)
   EXPECT_EQ(other.getVisualizationWidget()->getRenderer()->GetDraw(), 0);
   EXPECT_EQ(marked.count(), 1);
 
-  nlohmann::json wrong = {{"block_render", 1}};
+  nlohmann::json wrong = { { "block_render", 1 } };
   try
   {
     other.loadState(wrong);
     ADD_FAILURE() << "a number for a boolean key must throw";
   }
-  catch(const nlohmann::json::type_error& error)
+  catch (const nlohmann::json::type_error& error)
   {
-    EXPECT_NE(std::string(error.what()).find("type must be boolean, but is number"), std::string::npos)
+    EXPECT_NE(std::string(error.what()).find("type must be boolean, but is number"),
+              std::string::npos)
       << error.what();
   }
-  nlohmann::json wrongIndex = {{"split_view_index", "7"}};
+  nlohmann::json wrongIndex = { { "split_view_index", "7" } };
   EXPECT_THROW(other.loadState(wrongIndex), nlohmann::json::type_error);
   EXPECT_EQ(other.getSplitId(), 6);
 }

@@ -34,7 +34,7 @@ TEST_F(LookupTableModelTest, HeadersColumnsAndCells)
   EXPECT_EQ(m_Model.headerData(VXLookupTableModel::k_AnnotationColumn, Qt::Horizontal).toString(),
             "Annotation");
 
-  for(const int role : {int(Qt::DisplayRole), int(Qt::EditRole)})
+  for (const int role : { int(Qt::DisplayRole), int(Qt::EditRole) })
   {
     EXPECT_EQ(m_Model.data(m_Model.index(1, 0), role).value<QColor>(), QColor(0, 255, 0));
     EXPECT_EQ(m_Model.data(m_Model.index(1, 1), role).toString(), "2");
@@ -43,7 +43,7 @@ TEST_F(LookupTableModelTest, HeadersColumnsAndCells)
   EXPECT_FALSE(m_Model.data(m_Model.index(1, 2), Qt::ToolTipRole).isValid());
   EXPECT_FALSE(m_Model.data(m_Model.index(1, 2), Qt::DecorationRole).isValid());
 
-  for(int column = 0; column < 3; ++column)
+  for (int column = 0; column < 3; ++column)
   {
     EXPECT_TRUE(m_Model.flags(m_Model.index(2, column)).testFlag(Qt::ItemIsEditable));
     EXPECT_TRUE(m_Model.flags(m_Model.index(2, column)).testFlag(Qt::ItemIsSelectable));
@@ -83,7 +83,7 @@ TEST_F(LookupTableModelTest, RowsAreAddedRemovedAndReplaced)
   m_Model.removeRow(QModelIndex());
   EXPECT_EQ(m_Model.rowCount(), 2);
 
-  m_Model.setTable({{QColor(Qt::white), "0.5", "Half"}});
+  m_Model.setTable({ { QColor(Qt::white), "0.5", "Half" } });
   EXPECT_EQ(m_Model.rowCount(), 1);
   EXPECT_EQ(m_Model.data(m_Model.index(0, 2)).toString(), "Half");
   m_Model.clearTable();

@@ -17,8 +17,7 @@ using namespace lut;
 
 namespace
 {
-Preset IndexedPreset(std::vector<float> colors,
-                     nlohmann::json annotations,
+Preset IndexedPreset(std::vector<float> colors, nlohmann::json annotations,
                      std::vector<float> nan = {})
 {
   Preset preset;
@@ -35,31 +34,33 @@ TEST_F(LookupTableTest, RgbRowsAreStretchedOntoTheCurrentRange)
   VXLookupTable table;
   table.setRange(100.0, 200.0);
   table.getColorTransferFunction()->SetIndexedLookup(0);
-  table.parseRgbArray({"0/1/0/0", "0.25/0/1/0", "1/0/0/1"});
+  table.parseRgbArray({ "0/1/0/0", "0.25/0/1/0", "1/0/0/1" });
 
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  const std::vector<Node> expected = {{100, 1, 0, 0}, {125, 0, 1, 0}, {200, 0, 0, 1}};
+  const std::vector<Node> expected = { { 100, 1, 0, 0 }, { 125, 0, 1, 0 }, { 200, 0, 0, 1 } };
   EXPECT_EQ(Nodes(ctf), expected);
-  EXPECT_EQ(table.getColorPresetArray(), (QList<QString>{"0/1/0/0", "0.25/0/1/0", "1/0/0/1"}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 125.0), (std::array<double, 3>{0.0, 1.0, 0.0}));
+  EXPECT_EQ(table.getColorPresetArray(), (QList<QString>{ "0/1/0/0", "0.25/0/1/0", "1/0/0/1" }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 125.0), (std::array<double, 3>{ 0.0, 1.0, 0.0 }));
 }
 
 TEST_F(LookupTableTest, RgbRowsLeaveIndexedModeAndDropAnnotations)
 {
   VXLookupTable table;
-  table.parseIndexedArray({"1/1/0/0", "5/0/1/0"});
-  table.parseRgbArray({"0/1/1/1", "1/0/0/0"});
+  table.parseIndexedArray({ "1/1/0/0", "5/0/1/0" });
+  table.parseRgbArray({ "0/1/1/1", "1/0/0/0" });
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 0);
   EXPECT_EQ(ctf->GetNumberOfAnnotatedValues(), 0);
   // stretched onto the range the indexed map had
-  EXPECT_EQ(table.getRange(), (std::array<double, 2>{1.0, 5.0}));
+  EXPECT_EQ(table.getRange(), (std::array<double, 2>{ 1.0, 5.0 }));
 }
 
 TEST_F(LookupTableTest, MalformedFirstRgbRowIsIgnored)
 {
-  const QList<QList<QString>> malformed = {{"0/1/0"}, {"0/1/0/0/1", "1/0/0/0"}, {"a-b-c-d"}};
-  for(const auto& rows : malformed)
+  const QList<QList<QString>> malformed = { { "0/1/0" },
+                                            { "0/1/0/0/1", "1/0/0/0" },
+                                            { "a-b-c-d" } };
+  for (const auto& rows : malformed)
   {
     VXLookupTable table;
     table.setRange(0.0, 4.0);
@@ -73,13 +74,13 @@ TEST_F(LookupTableTest, MalformedFirstRgbRowIsIgnored)
 
 TEST_F(LookupTableTest, DefaultRowsReloadThePreferencesMapOnTheCurrentRange)
 {
-  for(const QList<QString>& rows : {QList<QString>{}, QList<QString>{"Default"}})
+  for (const QList<QString>& rows : { QList<QString>{}, QList<QString>{ "Default" } })
   {
     VXLookupTable table;
-    table.parseRgbArray({"0/0/1/0", "1/0/1/0"});
+    table.parseRgbArray({ "0/0/1/0", "1/0/1/0" });
     table.setRange(10.0, 30.0);
     table.parseRgbArray(rows);
-    const std::vector<Node> expected = {{10, 0, 0, 1}, {20, 1, 1, 1}, {30, 1, 0, 0}};
+    const std::vector<Node> expected = { { 10, 0, 0, 1 }, { 20, 1, 1, 1 }, { 30, 1, 0, 0 } };
     EXPECT_EQ(Nodes(table.getColorTransferFunction()), expected) << rows.size();
   }
 }
@@ -90,42 +91,44 @@ TEST_F(LookupTableTest, RgbJsonIsStretchedOntoTheCurrentRangeInRgbSpace)
   table.setRange(-50.0, 50.0);
   table.getColorTransferFunction()->SetColorSpaceToLab();
   Preset preset;
-  preset.rgbPoints = {0.0f, 0.0f, 0.0f, 0.0f, 0.75f, 0.5f, 0.5f, 0.5f, 2.0f, 1.0f, 1.0f, 1.0f};
+  preset.rgbPoints = { 0.0f, 0.0f, 0.0f, 0.0f, 0.75f, 0.5f, 0.5f, 0.5f, 2.0f, 1.0f, 1.0f, 1.0f };
   table.parseRgbJson(preset);
 
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  const std::vector<Node> expected = {{-50, 0, 0, 0}, {-12.5, 0.5, 0.5, 0.5}, {50, 1, 1, 1}};
+  const std::vector<Node> expected = { { -50, 0, 0, 0 },
+                                       { -12.5, 0.5, 0.5, 0.5 },
+                                       { 50, 1, 1, 1 } };
   EXPECT_EQ(Nodes(ctf), expected);
   EXPECT_EQ(ctf->GetColorSpace(), VTK_CTF_RGB);
   EXPECT_EQ(table.getColorPresetArray(),
-            (QList<QString>{"0/0/0/0", "0.75/0.5/0.5/0.5", "2/1/1/1"}));
+            (QList<QString>{ "0/0/0/0", "0.75/0.5/0.5/0.5", "2/1/1/1" }));
 }
 
 TEST_F(LookupTableTest, IndexedRowsAnnotateEachValueWithItsColour)
 {
   VXLookupTable table;
   // rows need not be sorted: each value must still get its own colour
-  const QList<QString> rows = {"7/0/0/1", "1/1/0/0", "3.5/0/1/0"};
+  const QList<QString> rows = { "7/0/0/1", "1/1/0/0", "3.5/0/1/0" };
   table.parseIndexedArray(rows);
 
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
   EXPECT_EQ(table.getIndexedPresetArray(), rows);
-  EXPECT_EQ(Annotations(ctf),
-            (std::vector<std::pair<double, std::string>>{{1, "1"}, {3.5, "3.5"}, {7, "7"}}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{1, 0, 0}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 3.5), (std::array<double, 3>{0, 1, 0}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 7.0), (std::array<double, 3>{0, 0, 1}));
+  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
+                                { 1, "1" }, { 3.5, "3.5" }, { 7, "7" } }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{ 1, 0, 0 }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 3.5), (std::array<double, 3>{ 0, 1, 0 }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 7.0), (std::array<double, 3>{ 0, 0, 1 }));
   // a value that is no category takes the NaN colour
-  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{0.5, 0.75, 0.0}));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{ 0.5, 0.75, 0.0 }));
 }
 
 TEST_F(LookupTableTest, IndexedDefaultRowsGenerateThePaletteOverTheirValues)
 {
   VXLookupTable table;
-  table.parseIndexedArray({"Default", "4/0/0/0", "2/0/0/0", "9/0/0/0"});
+  table.parseIndexedArray({ "Default", "4/0/0/0", "2/0/0/0", "9/0/0/0" });
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  EXPECT_EQ(table.getIndexedPresetArray(), (QList<QString>{"Default"}));
+  EXPECT_EQ(table.getIndexedPresetArray(), (QList<QString>{ "Default" }));
   EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), Rgb(223, 32, 32));
   EXPECT_RGB_NEAR(ColorAt(ctf, 4.0), Rgb(41, 223, 32));
   EXPECT_RGB_NEAR(ColorAt(ctf, 9.0), Rgb(32, 70, 223));
@@ -139,22 +142,19 @@ TEST_F(LookupTableTest, DefaultPaletteStepsByThirtyTwoOverTheValueCount)
     std::vector<int> paletteIndices;
   };
   std::vector<int> every(32);
-  for(int i = 0; i < 32; ++i)
+  for (int i = 0; i < 32; ++i)
   {
     every[i] = i;
   }
   const Case cases[] = {
-    {1, {0}},
-    {2, {0, 16}},
-    {3, {0, 10, 20}},
-    {5, {0, 6, 12, 18, 24}},
-    {32, every},
-    {33, std::vector<int>(33, 0)},
+    { 1, { 0 } },         { 2, { 0, 16 } },
+    { 3, { 0, 10, 20 } }, { 5, { 0, 6, 12, 18, 24 } },
+    { 32, every },        { 33, std::vector<int>(33, 0) },
   };
-  for(const Case& c : cases)
+  for (const Case& c : cases)
   {
     std::set<double> values;
-    for(int i = 0; i < c.count; ++i)
+    for (int i = 0; i < c.count; ++i)
     {
       values.insert(10.0 * i - 3.0);
     }
@@ -164,7 +164,7 @@ TEST_F(LookupTableTest, DefaultPaletteStepsByThirtyTwoOverTheValueCount)
     ASSERT_EQ(ctf->GetSize(), c.count);
     ASSERT_EQ(ctf->GetNumberOfAnnotatedValues(), c.count);
     int k = 0;
-    for(const double value : values)
+    for (const double value : values)
     {
       const QColor expected = VXLookupTable::m_DefaultIndexedColors[c.paletteIndices[k]];
       SCOPED_TRACE(std::to_string(c.count) + " values, value " + std::to_string(value));
@@ -187,13 +187,13 @@ TEST_F(LookupTableTest, ThirtyThreeValuesWarnThenAllTakeTheFirstColour)
   EXPECT_EQ(m_Questions[0].checkBoxText, "Do Not Show Again");
 
   std::set<double> values;
-  for(int i = 0; i < 33; ++i)
+  for (int i = 0; i < 33; ++i)
   {
     values.insert(i);
   }
   VXLookupTable table;
   table.generateDefaultIndexedColors(values);
-  for(const double value : values)
+  for (const double value : values)
   {
     EXPECT_RGB_NEAR(ColorAt(table.getColorTransferFunction(), value), Rgb(223, 32, 32));
   }
@@ -211,16 +211,16 @@ TEST_F(LookupTableTest, UniqueValueWarningsFollowCountsAndPreferences)
   };
   using W = VXLookupTable::IndexedValueWarning;
   const Case cases[] = {
-    {0, 10, true, true, W::TooManyValues},
-    {33, 40, true, true, W::TooManyValues},
-    {33, 10, false, true, W::MoreValuesThanColors},
-    {33, 10, false, false, W::None},
-    {12, 10, true, true, W::MoreValuesThanColors},
-    {12, 10, true, false, W::None},
-    {10, 10, true, true, W::None},
-    {32, 40, true, true, W::None},
+    { 0, 10, true, true, W::TooManyValues },
+    { 33, 40, true, true, W::TooManyValues },
+    { 33, 10, false, true, W::MoreValuesThanColors },
+    { 33, 10, false, false, W::None },
+    { 12, 10, true, true, W::MoreValuesThanColors },
+    { 12, 10, true, false, W::None },
+    { 10, 10, true, true, W::None },
+    { 32, 40, true, true, W::None },
   };
-  for(const Case& c : cases)
+  for (const Case& c : cases)
   {
     m_Questions.clear();
     KXPreferences::setAllowTooManyIndexedValues(c.allowTooMany);
@@ -261,42 +261,40 @@ TEST_F(LookupTableTest, MoreValuesThanColoursWarningTextAndDoNotShowAgain)
 TEST_F(LookupTableTest, IndexedJsonWithAnnotationsGivesValuesLabelsAndColours)
 {
   VXLookupTable table;
-  const Preset preset =
-    IndexedPreset({1, 0, 0, 0, 1, 0, 0, 0, 1},
-                  nlohmann::json::array({5, "Ferrite", "2", "Austenite", 9.5, 42}),
-                  {0.2f, 0.2f, 0.2f});
+  const Preset preset = IndexedPreset(
+    { 1, 0, 0, 0, 1, 0, 0, 0, 1 },
+    nlohmann::json::array({ 5, "Ferrite", "2", "Austenite", 9.5, 42 }), { 0.2f, 0.2f, 0.2f });
   table.parseIndexedJson(preset);
 
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
-  EXPECT_EQ(
-    Annotations(ctf),
-    (std::vector<std::pair<double, std::string>>{{2, "Austenite"}, {5, "Ferrite"}, {9.5, "42"}}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 5.0), (std::array<double, 3>{1, 0, 0}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{0, 1, 0}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 9.5), (std::array<double, 3>{0, 0, 1}));
+  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
+                                { 2, "Austenite" }, { 5, "Ferrite" }, { 9.5, "42" } }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 5.0), (std::array<double, 3>{ 1, 0, 0 }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{ 0, 1, 0 }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 9.5), (std::array<double, 3>{ 0, 0, 1 }));
   EXPECT_NEAR(table.getNANColor().redF(), 0.2, 1e-6);
-  EXPECT_RGB_NEAR(ctf->GetNanColor(), (std::array<double, 3>{0.2, 0.2, 0.2}));
-  EXPECT_EQ(table.getIndexedPresetArray(), (QList<QString>{"2/0/1/0", "5/1/0/0", "9.5/0/0/1"}));
+  EXPECT_RGB_NEAR(ctf->GetNanColor(), (std::array<double, 3>{ 0.2, 0.2, 0.2 }));
+  EXPECT_EQ(table.getIndexedPresetArray(), (QList<QString>{ "2/0/1/0", "5/1/0/0", "9.5/0/0/1" }));
 }
 
 TEST_F(LookupTableTest, IndexedJsonWithWrongAnnotationCountChangesNothing)
 {
   VXLookupTable table;
-  table.parseIndexedArray({"1/1/0/0", "2/0/1/0"});
+  table.parseIndexedArray({ "1/1/0/0", "2/0/1/0" });
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   const auto nodes = Nodes(ctf);
   const auto annotations = Annotations(ctf);
 
   table.parseIndexedJson(
-    IndexedPreset({1, 1, 1, 0, 0, 0}, nlohmann::json::array({1, "one"}), {1, 0, 0}));
+    IndexedPreset({ 1, 1, 1, 0, 0, 0 }, nlohmann::json::array({ 1, "one" }), { 1, 0, 0 }));
   EXPECT_EQ(Nodes(ctf), nodes);
   EXPECT_EQ(Annotations(ctf), annotations);
   EXPECT_EQ(table.getNANColor(), QColor::fromRgbF(0.5f, 0.75f, 0.0f));
 
   table.parseIndexedJson(
-    IndexedPreset({1, 1, 1, 0, 0, 0}, nlohmann::json::array({1, "one"}), {1, 0, 0}),
-    std::set<double>{1.0, 2.0, 3.0});
+    IndexedPreset({ 1, 1, 1, 0, 0, 0 }, nlohmann::json::array({ 1, "one" }), { 1, 0, 0 }),
+    std::set<double>{ 1.0, 2.0, 3.0 });
   EXPECT_EQ(Nodes(ctf), nodes);
   EXPECT_EQ(Annotations(ctf), annotations);
   EXPECT_TRUE(m_Questions.empty());
@@ -306,18 +304,18 @@ TEST_F(LookupTableTest, IndexedJsonWithoutAnnotationsRecoloursKnownValuesWrappin
 {
   VXLookupTable table;
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  table.parseIndexedJson(IndexedPreset(
-    {0, 0, 0, 0, 0, 0, 0, 0, 0}, nlohmann::json::array({1, "Grain A", 2, "Grain B", 3, "Pore"})));
+  table.parseIndexedJson(
+    IndexedPreset({ 0, 0, 0, 0, 0, 0, 0, 0, 0 },
+                  nlohmann::json::array({ 1, "Grain A", 2, "Grain B", 3, "Pore" })));
   ASSERT_EQ(ctf->GetSize(), 3);
 
-  table.parseIndexedJson(IndexedPreset({1, 0, 0, 0, 1, 0, 0, 0}, nullptr));
+  table.parseIndexedJson(IndexedPreset({ 1, 0, 0, 0, 1, 0, 0, 0 }, nullptr));
   // eight floats: node 2 takes floats 6, 7 and 8 % 8 = 0
-  EXPECT_EQ(
-    Annotations(ctf),
-    (std::vector<std::pair<double, std::string>>{{1, "Grain A"}, {2, "Grain B"}, {3, "Pore"}}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{1, 0, 0}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{0, 1, 0}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 3.0), (std::array<double, 3>{0, 0, 1}));
+  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
+                                { 1, "Grain A" }, { 2, "Grain B" }, { 3, "Pore" } }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{ 1, 0, 0 }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{ 0, 1, 0 }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 3.0), (std::array<double, 3>{ 0, 0, 1 }));
 }
 
 TEST_F(LookupTableTest, IndexedJsonWithoutAnnotationsNeedsAMapToRecolour)
@@ -325,7 +323,7 @@ TEST_F(LookupTableTest, IndexedJsonWithoutAnnotationsNeedsAMapToRecolour)
   VXLookupTable table;
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   ctf->RemoveAllPoints();
-  table.parseIndexedJson(IndexedPreset({1, 0, 0}, nlohmann::json::array(), {0, 0, 0}));
+  table.parseIndexedJson(IndexedPreset({ 1, 0, 0 }, nlohmann::json::array(), { 0, 0, 0 }));
   EXPECT_EQ(ctf->GetSize(), 0);
   EXPECT_EQ(ctf->GetIndexedLookup(), 0);
   EXPECT_EQ(table.getNANColor(), QColor::fromRgbF(0.5f, 0.75f, 0.0f));
@@ -334,13 +332,13 @@ TEST_F(LookupTableTest, IndexedJsonWithoutAnnotationsNeedsAMapToRecolour)
 TEST_F(LookupTableTest, AnnotationsOfAnUnexpectedTypeRaiseTheJsonError)
 {
   VXLookupTable table;
-  const Preset preset = IndexedPreset({1, 0, 0}, nlohmann::json{{"a", 1}, {"b", 2}});
+  const Preset preset = IndexedPreset({ 1, 0, 0 }, nlohmann::json{ { "a", 1 }, { "b", 2 } });
   try
   {
     table.parseIndexedJson(preset);
     FAIL() << "no exception";
   }
-  catch(const nlohmann::json::type_error& error)
+  catch (const nlohmann::json::type_error& error)
   {
     EXPECT_NE(std::string(error.what()).find("cannot use operator[] with a numeric argument with "),
               std::string::npos)
@@ -355,37 +353,38 @@ TEST_F(LookupTableTest, UniqueValuesWithoutAnnotationsTakeThePresetColoursInTurn
 {
   VXLookupTable table;
   QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
-  table.parseIndexedJson(IndexedPreset({1, 0, 0, 0, 1, 0}, nullptr),
-                         std::set<double>{-1.0, 0.125, 8.0});
+  table.parseIndexedJson(IndexedPreset({ 1, 0, 0, 0, 1, 0 }, nullptr),
+                         std::set<double>{ -1.0, 0.125, 8.0 });
 
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
-  EXPECT_EQ(Annotations(ctf),
-            (std::vector<std::pair<double, std::string>>{{-1, "-1"}, {0.125, "0.125"}, {8, "8"}}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, -1.0), (std::array<double, 3>{1, 0, 0}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 0.125), (std::array<double, 3>{0, 1, 0}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 8.0), (std::array<double, 3>{1, 0, 0}));
+  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
+                                { -1, "-1" }, { 0.125, "0.125" }, { 8, "8" } }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, -1.0), (std::array<double, 3>{ 1, 0, 0 }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 0.125), (std::array<double, 3>{ 0, 1, 0 }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 8.0), (std::array<double, 3>{ 1, 0, 0 }));
   EXPECT_TRUE(table.getIndexedPresetArray().isEmpty());
   EXPECT_EQ(sync.count(), 0);
   EXPECT_TRUE(m_Questions.empty());
 
   // a preset without colours paints black
-  table.parseIndexedJson(IndexedPreset({}, nullptr), std::set<double>{4.0});
-  EXPECT_RGB_NEAR(ColorAt(ctf, 4.0), (std::array<double, 3>{0, 0, 0}));
+  table.parseIndexedJson(IndexedPreset({}, nullptr), std::set<double>{ 4.0 });
+  EXPECT_RGB_NEAR(ColorAt(ctf, 4.0), (std::array<double, 3>{ 0, 0, 0 }));
 }
 
 TEST_F(LookupTableTest, UniqueValuesKnownToTheAnnotationsAskNothing)
 {
   VXLookupTable table;
   table.parseIndexedJson(
-    IndexedPreset({1, 0, 0, 0, 1, 0}, nlohmann::json::array({"1", "Matrix", 2, "Precipitate"})),
-    std::set<double>{2.0});
+    IndexedPreset({ 1, 0, 0, 0, 1, 0 }, nlohmann::json::array({ "1", "Matrix", 2, "Precipitate" })),
+    std::set<double>{ 2.0 });
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_TRUE(m_Questions.empty());
-  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{{2, "Precipitate"}}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{0, 1, 0}));
+  EXPECT_EQ(Annotations(ctf),
+            (std::vector<std::pair<double, std::string>>{ { 2, "Precipitate" } }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{ 0, 1, 0 }));
   // only the data's values become categories
-  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{0.5, 0.75, 0.0}));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{ 0.5, 0.75, 0.0 }));
 }
 
 TEST_F(LookupTableTest, MissingValuesAskOnceAndCanTakeTheNanColour)
@@ -394,8 +393,8 @@ TEST_F(LookupTableTest, MissingValuesAskOnceAndCanTakeTheNanColour)
   QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
   m_Answer.button = 0;
   table.parseIndexedJson(
-    IndexedPreset({1, 0, 0}, nlohmann::json::array({1, "Matrix"}), {0, 0, 0.5f}),
-    std::set<double>{1.0, 2.0, 3.0});
+    IndexedPreset({ 1, 0, 0 }, nlohmann::json::array({ 1, "Matrix" }), { 0, 0, 0.5f }),
+    std::set<double>{ 1.0, 2.0, 3.0 });
 
   ASSERT_EQ(m_Questions.size(), 1u);
   const auto& question = m_Questions[0];
@@ -404,12 +403,12 @@ TEST_F(LookupTableTest, MissingValuesAskOnceAndCanTakeTheNanColour)
             "Some of the data in the active data array does not appear in the selected color map. "
             "Would you like to use the NaN color for the missing values, auto generate new colors "
             "for the missing values, or cancel and select a new color map?");
-  EXPECT_EQ(question.buttons, (QStringList{"Use NaN Color", "Generate New Colors", "Cancel"}));
+  EXPECT_EQ(question.buttons, (QStringList{ "Use NaN Color", "Generate New Colors", "Cancel" }));
 
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  EXPECT_EQ(Annotations(ctf),
-            (std::vector<std::pair<double, std::string>>{{1, "Matrix"}, {2, "2"}, {3, "3"}}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{1, 0, 0}));
+  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
+                                { 1, "Matrix" }, { 2, "2" }, { 3, "3" } }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{ 1, 0, 0 }));
   const auto nodes = Nodes(ctf);
   ASSERT_EQ(nodes.size(), 3u);
   EXPECT_NEAR(nodes[1][3], 0.5, 1e-6);
@@ -422,22 +421,21 @@ TEST_F(LookupTableTest, MissingValuesCanTakeGeneratedColoursAndSyncTheMap)
   VXLookupTable table;
   QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
   m_Answer.button = 1;
-  table.parseIndexedJson(IndexedPreset({1, 0, 0}, nlohmann::json::array({1, "Matrix"})),
-                         std::set<double>{0.0, 1.0, 2.0, 3.0});
+  table.parseIndexedJson(IndexedPreset({ 1, 0, 0 }, nlohmann::json::array({ 1, "Matrix" })),
+                         std::set<double>{ 0.0, 1.0, 2.0, 3.0 });
 
   EXPECT_EQ(m_Questions.size(), 1u);
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetSize(), 4);
-  EXPECT_EQ(
-    Annotations(ctf),
-    (std::vector<std::pair<double, std::string>>{{0, "0"}, {1, "Matrix"}, {2, "2"}, {3, "3"}}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{1, 0, 0}));
+  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
+                                { 0, "0" }, { 1, "Matrix" }, { 2, "2" }, { 3, "3" } }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{ 1, 0, 0 }));
   ASSERT_EQ(sync.count(), 1);
   EXPECT_EQ(sync.at(0).at(0).value<vtkSmartPointer<vtkColorTransferFunction>>().Get(), ctf);
   // generated colours are whole 8-bit channels
-  for(const Node& node : Nodes(ctf))
+  for (const Node& node : Nodes(ctf))
   {
-    for(int j = 1; j < 4; ++j)
+    for (int j = 1; j < 4; ++j)
     {
       EXPECT_NEAR(node[j] * 255.0, std::round(node[j] * 255.0), 1e-9);
     }
@@ -446,14 +444,14 @@ TEST_F(LookupTableTest, MissingValuesCanTakeGeneratedColoursAndSyncTheMap)
 
 TEST_F(LookupTableTest, CancellingTheMissingValuesQuestionLeavesAnEmptyIndexedMap)
 {
-  for(const int button : {2, -1})
+  for (const int button : { 2, -1 })
   {
     VXLookupTable table;
     QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
     m_Answer.button = button;
     table.parseIndexedJson(
-      IndexedPreset({1, 0, 0}, nlohmann::json::array({1, "Matrix"}), {0, 0, 1}),
-      std::set<double>{1.0, 2.0});
+      IndexedPreset({ 1, 0, 0 }, nlohmann::json::array({ 1, "Matrix" }), { 0, 0, 1 }),
+      std::set<double>{ 1.0, 2.0 });
     vtkColorTransferFunction* ctf = table.getColorTransferFunction();
     EXPECT_EQ(ctf->GetSize(), 0) << button;
     EXPECT_EQ(ctf->GetNumberOfAnnotatedValues(), 0);
@@ -466,11 +464,11 @@ TEST_F(LookupTableTest, CancellingTheMissingValuesQuestionLeavesAnEmptyIndexedMa
 TEST_F(LookupTableTest, EmptyUniqueValuesFallBackToThePresetAlone)
 {
   VXLookupTable table;
-  table.parseIndexedJson(IndexedPreset({0, 0, 1}, nlohmann::json::array({4, "Void"})),
+  table.parseIndexedJson(IndexedPreset({ 0, 0, 1 }, nlohmann::json::array({ 4, "Void" })),
                          std::set<double>{});
   EXPECT_EQ(Annotations(table.getColorTransferFunction()),
-            (std::vector<std::pair<double, std::string>>{{4, "Void"}}));
-  EXPECT_EQ(table.getIndexedPresetArray(), (QList<QString>{"4/0/0/1"}));
+            (std::vector<std::pair<double, std::string>>{ { 4, "Void" } }));
+  EXPECT_EQ(table.getIndexedPresetArray(), (QList<QString>{ "4/0/0/1" }));
 }
 
 TEST(LookupTableUniqueValues, ComponentsAndMagnitude)
@@ -480,18 +478,18 @@ TEST(LookupTableUniqueValues, ComponentsAndMagnitude)
   vectors->InsertNextTuple2(3.0, 4.0);
   vectors->InsertNextTuple2(0.0, 5.0);
   vectors->InsertNextTuple2(1.0, 0.0);
-  EXPECT_EQ(VXLookupTable::computeUniqueValues(vectors, -1), (std::set<double>{1.0, 5.0}));
-  EXPECT_EQ(VXLookupTable::computeUniqueValues(vectors, 0), (std::set<double>{0.0, 1.0, 3.0}));
-  EXPECT_EQ(VXLookupTable::computeUniqueValues(vectors, 1), (std::set<double>{0.0, 4.0, 5.0}));
+  EXPECT_EQ(VXLookupTable::computeUniqueValues(vectors, -1), (std::set<double>{ 1.0, 5.0 }));
+  EXPECT_EQ(VXLookupTable::computeUniqueValues(vectors, 0), (std::set<double>{ 0.0, 1.0, 3.0 }));
+  EXPECT_EQ(VXLookupTable::computeUniqueValues(vectors, 1), (std::set<double>{ 0.0, 4.0, 5.0 }));
   EXPECT_TRUE(VXLookupTable::computeUniqueValues(vectors, 2).empty());
 
   vtkNew<vtkIntArray> phases;
-  for(const int v : {-2, 7, 7, 1, -2})
+  for (const int v : { -2, 7, 7, 1, -2 })
   {
     phases->InsertNextValue(v);
   }
   // one component: the magnitude is the signed value itself
-  EXPECT_EQ(VXLookupTable::computeUniqueValues(phases, -1), (std::set<double>{-2.0, 1.0, 7.0}));
+  EXPECT_EQ(VXLookupTable::computeUniqueValues(phases, -1), (std::set<double>{ -2.0, 1.0, 7.0 }));
 }
 
 TEST(ColorUtils, VtkColourFromQColorAndRandomColours)
@@ -502,7 +500,7 @@ TEST(ColorUtils, VtkColourFromQColorAndRandomColours)
   EXPECT_DOUBLE_EQ(rgb.GetBlue(), 0.0);
 
   std::set<QRgb> seen;
-  for(int i = 0; i < 64; ++i)
+  for (int i = 0; i < 64; ++i)
   {
     const QColor color = KXVtk::utils::GenerateRandomColor();
     EXPECT_EQ(color.alpha(), 255);

@@ -8,7 +8,7 @@ using namespace lut;
 TEST_F(LookupTableTest, WriteEmitsEveryKeyWithItsValue)
 {
   VXLookupTable table;
-  table.parseRgbArray({"0/1/0/0", "1/0/0/1"});
+  table.parseRgbArray({ "0/1/0/0", "1/0/0/1" });
   table.setRange(2.0, 4.0);
   table.invert();
   table.setNANColor(QColor(0, 255, 0));
@@ -29,7 +29,7 @@ TEST_F(LookupTableTest, WriteEmitsEveryKeyWithItsValue)
 TEST_F(LookupTableTest, ReadRestoresWhatWriteWrote)
 {
   VXLookupTable source;
-  source.parseRgbArray({"0/1/0/0", "0.2/0/1/0", "1/0/0/1"});
+  source.parseRgbArray({ "0/1/0/0", "0.2/0/1/0", "1/0/0/1" });
   source.setRange(-3.0, 7.0);
   source.getColorTransferFunction()->SetColorSpaceToDiverging();
   source.invert();
@@ -45,14 +45,14 @@ TEST_F(LookupTableTest, ReadRestoresWhatWriteWrote)
   EXPECT_EQ(ctf->GetColorSpace(), VTK_CTF_DIVERGING);
   EXPECT_TRUE(target.isInverted());
   EXPECT_EQ(target.getNANColor(), QColor(255, 255, 0));
-  EXPECT_RGB_NEAR(ctf->GetBelowRangeColor(), (std::array<double, 3>{1, 1, 0}));
-  EXPECT_EQ(target.getColorPresetArray(), (QList<QString>{"0/1/0/0", "0.2/0/1/0", "1/0/0/1"}));
+  EXPECT_RGB_NEAR(ctf->GetBelowRangeColor(), (std::array<double, 3>{ 1, 1, 0 }));
+  EXPECT_EQ(target.getColorPresetArray(), (QList<QString>{ "0/1/0/0", "0.2/0/1/0", "1/0/0/1" }));
 }
 
 TEST_F(LookupTableTest, ReadIndexedMapColoursItsValuesAgain)
 {
   VXLookupTable source;
-  source.parseIndexedArray({"1/1/0/0", "4/0/1/0", "9/0/0/1"});
+  source.parseIndexedArray({ "1/1/0/0", "4/0/1/0", "9/0/0/1" });
   nlohmann::json json;
   source.write(json);
   EXPECT_EQ(json.at("indexed_lookup"), 1);
@@ -61,9 +61,9 @@ TEST_F(LookupTableTest, ReadIndexedMapColoursItsValuesAgain)
   target.read(json);
   vtkColorTransferFunction* ctf = target.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
-  EXPECT_RGB_NEAR(ColorAt(ctf, 4.0), (std::array<double, 3>{0, 1, 0}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 9.0), (std::array<double, 3>{0, 0, 1}));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 5.0), (std::array<double, 3>{0.5, 0.75, 0.0}));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 4.0), (std::array<double, 3>{ 0, 1, 0 }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 9.0), (std::array<double, 3>{ 0, 0, 1 }));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 5.0), (std::array<double, 3>{ 0.5, 0.75, 0.0 }));
 }
 
 TEST_F(LookupTableTest, ReadLeavesPropertiesOfMissingKeys)
@@ -87,8 +87,8 @@ TEST_F(LookupTableTest, ReadLeavesPropertiesOfMissingKeys)
     nlohmann::json::parse(R"({"lut_nan_color_r": 0, "lut_nan_color_g": 0, "lut_nan_color_b": 1,
                                        "rgb_pos_vector": [[0, 1, 1, 1], [3, 0, 0, 0]]})"));
   EXPECT_EQ(table.getNANColor(), QColor(0, 0, 255));
-  EXPECT_RGB_NEAR(ctf->GetAboveRangeColor(), (std::array<double, 3>{0, 0, 1}));
-  EXPECT_EQ(Nodes(ctf), (std::vector<Node>{{0, 1, 1, 1}, {3, 0, 0, 0}}));
+  EXPECT_RGB_NEAR(ctf->GetAboveRangeColor(), (std::array<double, 3>{ 0, 0, 1 }));
+  EXPECT_EQ(Nodes(ctf), (std::vector<Node>{ { 0, 1, 1, 1 }, { 3, 0, 0, 0 } }));
 }
 
 TEST_F(LookupTableTest, ReadSkipsValuesOfTheWrongType)
@@ -99,7 +99,7 @@ TEST_F(LookupTableTest, ReadSkipsValuesOfTheWrongType)
     "rgb_pos_vector": [[0, 1, 0, 0], [1, 0, 1], "x", [2, 0, 0, 1]],
     "lut_color_preset": "0/1/0/0"})"));
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  EXPECT_EQ(Nodes(ctf), (std::vector<Node>{{0, 1, 0, 0}, {2, 0, 0, 1}}));
+  EXPECT_EQ(Nodes(ctf), (std::vector<Node>{ { 0, 1, 0, 0 }, { 2, 0, 0, 1 } }));
   EXPECT_EQ(ctf->GetIndexedLookup(), 0);
   EXPECT_EQ(ctf->GetColorSpace(), VTK_CTF_RGB);
   EXPECT_FALSE(table.isInverted());

@@ -13,19 +13,19 @@ TEST_F(LookupTableTest, NewTableTakesTheDefaultPresetOfThePreferences)
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
 
   // a fresh table has no range of its own yet, so the preset's positions stand
-  const std::vector<Node> expected = {{-1, 0, 0, 1}, {0, 1, 1, 1}, {1, 1, 0, 0}};
+  const std::vector<Node> expected = { { -1, 0, 0, 1 }, { 0, 1, 1, 1 }, { 1, 1, 0, 0 } };
   EXPECT_EQ(Nodes(ctf), expected);
   EXPECT_EQ(ctf->GetIndexedLookup(), 0);
   EXPECT_EQ(ctf->GetColorSpace(), VTK_CTF_RGB);
-  EXPECT_EQ(table.getColorPresetArray(), (QList<QString>{"-1/0/0/1", "0/1/1/1", "1/1/0/0"}));
+  EXPECT_EQ(table.getColorPresetArray(), (QList<QString>{ "-1/0/0/1", "0/1/1/1", "1/1/0/0" }));
   EXPECT_FALSE(table.isInverted());
-  EXPECT_RGB_NEAR(ColorAt(ctf, -0.5), (std::array<double, 3>{0.5, 0.5, 1.0}));
+  EXPECT_RGB_NEAR(ColorAt(ctf, -0.5), (std::array<double, 3>{ 0.5, 0.5, 1.0 }));
 
   // out-of-range values and NaN share the NaN colour
   EXPECT_EQ(table.getNANColor(), QColor::fromRgbF(0.5f, 0.75f, 0.0f));
-  EXPECT_RGB_NEAR(ctf->GetNanColor(), (std::array<double, 3>{0.5, 0.75, 0.0}));
-  EXPECT_RGB_NEAR(ctf->GetBelowRangeColor(), (std::array<double, 3>{0.5, 0.75, 0.0}));
-  EXPECT_RGB_NEAR(ctf->GetAboveRangeColor(), (std::array<double, 3>{0.5, 0.75, 0.0}));
+  EXPECT_RGB_NEAR(ctf->GetNanColor(), (std::array<double, 3>{ 0.5, 0.75, 0.0 }));
+  EXPECT_RGB_NEAR(ctf->GetBelowRangeColor(), (std::array<double, 3>{ 0.5, 0.75, 0.0 }));
+  EXPECT_RGB_NEAR(ctf->GetAboveRangeColor(), (std::array<double, 3>{ 0.5, 0.75, 0.0 }));
 }
 
 TEST_F(LookupTableTest, PreferencesWithoutAMapFallBackToTheBuiltInOne)
@@ -59,8 +59,8 @@ TEST_F(LookupTableTest, SetRangeKeepsRelativePositionsOverManyChanges)
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   ctf->RemoveAllPoints();
   table.addRgbPoint(0.0, 0.0, 0.0, 0.0);
-  table.addRgbPoint({0.25, 0.5, 0.0, 1.0});
-  double white[3] = {1.0, 1.0, 1.0};
+  table.addRgbPoint({ 0.25, 0.5, 0.0, 1.0 });
+  double white[3] = { 1.0, 1.0, 1.0 };
   table.addRgbPoint(1.0, white);
 
   struct Step
@@ -70,8 +70,9 @@ TEST_F(LookupTableTest, SetRangeKeepsRelativePositionsOverManyChanges)
     double middle;
   };
   const Step steps[] = {
-    {10.0, 50.0, 20.0}, {-4.0, 4.0, -2.0}, {1e-3, 2e-3, 1.25e-3}, {0.0, 1000.0, 250.0}};
-  for(const Step& step : steps)
+    { 10.0, 50.0, 20.0 }, { -4.0, 4.0, -2.0 }, { 1e-3, 2e-3, 1.25e-3 }, { 0.0, 1000.0, 250.0 }
+  };
+  for (const Step& step : steps)
   {
     table.setRange(step.min, step.max);
     const auto nodes = Nodes(ctf);
@@ -79,9 +80,9 @@ TEST_F(LookupTableTest, SetRangeKeepsRelativePositionsOverManyChanges)
     EXPECT_DOUBLE_EQ(nodes[0][0], step.min);
     EXPECT_NEAR(nodes[1][0], step.middle, 1e-12 * (step.max - step.min + 1.0));
     EXPECT_DOUBLE_EQ(nodes[2][0], step.max);
-    EXPECT_EQ((std::array<double, 3>{nodes[1][1], nodes[1][2], nodes[1][3]}),
-              (std::array<double, 3>{0.5, 0.0, 1.0}));
-    EXPECT_EQ(table.getRange(), (std::array<double, 2>{step.min, step.max}));
+    EXPECT_EQ((std::array<double, 3>{ nodes[1][1], nodes[1][2], nodes[1][3] }),
+              (std::array<double, 3>{ 0.5, 0.0, 1.0 }));
+    EXPECT_EQ(table.getRange(), (std::array<double, 2>{ step.min, step.max }));
   }
 }
 
@@ -96,17 +97,17 @@ TEST_F(LookupTableTest, SetRangeOfEqualBoundsGivesTwoNodesOfTheLowColour)
   ASSERT_EQ(nodes.size(), 2u);
   EXPECT_EQ(nodes[0][0], 5.0);
   EXPECT_EQ(nodes[1][0], std::nextafter(5.0, DBL_MAX));
-  for(const Node& node : nodes)
+  for (const Node& node : nodes)
   {
-    EXPECT_EQ((std::array<double, 3>{node[1], node[2], node[3]}),
-              (std::array<double, 3>{0.0, 0.0, 1.0}));
+    EXPECT_EQ((std::array<double, 3>{ node[1], node[2], node[3] }),
+              (std::array<double, 3>{ 0.0, 0.0, 1.0 }));
   }
 
   // a constant map has no shape left: widening it again gives the default map
   table.setRange(0.0, 2.0);
-  const std::vector<Node> widened = {{0.0, 0.231373, 0.298039, 0.752941},
-                                     {1.0, 0.865003, 0.865003, 0.865003},
-                                     {2.0, 0.705882, 0.0156863, 0.14902}};
+  const std::vector<Node> widened = { { 0.0, 0.231373, 0.298039, 0.752941 },
+                                      { 1.0, 0.865003, 0.865003, 0.865003 },
+                                      { 2.0, 0.705882, 0.0156863, 0.14902 } };
   EXPECT_EQ(Nodes(ctf), widened);
 }
 
@@ -117,15 +118,15 @@ TEST_F(LookupTableTest, SetRangeRefusesReversedBoundsAndIndexedMaps)
   const auto before = Nodes(ctf);
   table.setRange(3.0, 2.0);
   EXPECT_EQ(Nodes(ctf), before);
-  double reversed[2] = {1.0, -1.0};
+  double reversed[2] = { 1.0, -1.0 };
   table.setRange(reversed);
   EXPECT_EQ(Nodes(ctf), before);
 
-  table.parseIndexedArray({"1/1/0/0", "2/0/1/0"});
+  table.parseIndexedArray({ "1/1/0/0", "2/0/1/0" });
   const auto indexed = Nodes(ctf);
   table.setRange(0.0, 100.0);
   EXPECT_EQ(Nodes(ctf), indexed);
-  EXPECT_EQ(table.getRange(), (std::array<double, 2>{1.0, 2.0}));
+  EXPECT_EQ(table.getRange(), (std::array<double, 2>{ 1.0, 2.0 }));
 }
 
 TEST_F(LookupTableTest, SetRangeOfACollapsedFunctionFallsBackToTheDefaultMap)
@@ -136,23 +137,23 @@ TEST_F(LookupTableTest, SetRangeOfACollapsedFunctionFallsBackToTheDefaultMap)
     std::vector<Node> points;
   };
   const Case cases[] = {
-    {"empty", {}},
-    {"one node", {{3.0, 1.0, 0.0, 0.0}}},
-    {"two nodes closer than 1e-10", {{3.0, 1.0, 0.0, 0.0}, {3.0 + 1e-11, 0.0, 1.0, 0.0}}},
+    { "empty", {} },
+    { "one node", { { 3.0, 1.0, 0.0, 0.0 } } },
+    { "two nodes closer than 1e-10", { { 3.0, 1.0, 0.0, 0.0 }, { 3.0 + 1e-11, 0.0, 1.0, 0.0 } } },
   };
-  for(const Case& c : cases)
+  for (const Case& c : cases)
   {
     VXLookupTable table;
     vtkColorTransferFunction* ctf = table.getColorTransferFunction();
     ctf->RemoveAllPoints();
-    for(const Node& p : c.points)
+    for (const Node& p : c.points)
     {
       table.addRgbPoint(p[0], p[1], p[2], p[3]);
     }
     table.setRange(-10.0, 10.0);
-    const std::vector<Node> expected = {{-10.0, 0.231373, 0.298039, 0.752941},
-                                        {0.0, 0.865003, 0.865003, 0.865003},
-                                        {10.0, 0.705882, 0.0156863, 0.14902}};
+    const std::vector<Node> expected = { { -10.0, 0.231373, 0.298039, 0.752941 },
+                                         { 0.0, 0.865003, 0.865003, 0.865003 },
+                                         { 10.0, 0.705882, 0.0156863, 0.14902 } };
     EXPECT_EQ(Nodes(ctf), expected) << c.name;
   }
 }
@@ -171,9 +172,10 @@ TEST_F(LookupTableTest, InvertReversesColoursAndKeepsUnevenPositions)
   table.invert();
   EXPECT_TRUE(table.isInverted());
   const std::vector<Node> inverted = {
-    {0.0, 1, 1, 1}, {0.1, 0, 0, 1}, {0.7, 0, 1, 0}, {1.0, 1, 0, 0}};
+    { 0.0, 1, 1, 1 }, { 0.1, 0, 0, 1 }, { 0.7, 0, 1, 0 }, { 1.0, 1, 0, 0 }
+  };
   EXPECT_EQ(Nodes(ctf), inverted);
-  EXPECT_RGB_NEAR(ColorAt(ctf, 0.1), (std::array<double, 3>{0.0, 0.0, 1.0}));
+  EXPECT_RGB_NEAR(ColorAt(ctf, 0.1), (std::array<double, 3>{ 0.0, 0.0, 1.0 }));
 
   table.invert();
   EXPECT_FALSE(table.isInverted());
@@ -183,9 +185,9 @@ TEST_F(LookupTableTest, InvertReversesColoursAndKeepsUnevenPositions)
 TEST_F(LookupTableTest, CopyTakesNodesModeSpaceNanInversionAndRowsButNotAnnotations)
 {
   VXLookupTable source;
-  source.parseIndexedArray({"1/1/0/0", "2/0/1/0", "7/0/0/1"});
+  source.parseIndexedArray({ "1/1/0/0", "2/0/1/0", "7/0/0/1" });
   source.getColorTransferFunction()->SetColorSpaceToHSV();
-  const double nan[3] = {0.1, 0.2, 0.3};
+  const double nan[3] = { 0.1, 0.2, 0.3 };
   source.setNANColor(nan);
   source.invert();
 
@@ -196,7 +198,7 @@ TEST_F(LookupTableTest, CopyTakesNodesModeSpaceNanInversionAndRowsButNotAnnotati
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
   EXPECT_EQ(ctf->GetColorSpace(), VTK_CTF_HSV);
   EXPECT_EQ(target.getNANColor(), source.getNANColor());
-  EXPECT_RGB_NEAR(ctf->GetAboveRangeColor(), (std::array<double, 3>{0.1, 0.2, 0.3}));
+  EXPECT_RGB_NEAR(ctf->GetAboveRangeColor(), (std::array<double, 3>{ 0.1, 0.2, 0.3 }));
   EXPECT_TRUE(target.isInverted());
   EXPECT_EQ(target.getColorPresetArray(), source.getColorPresetArray());
   EXPECT_EQ(ctf->GetNumberOfAnnotatedValues(), 0);
@@ -243,12 +245,12 @@ TEST_F(LookupTableTest, NanColourSettersStoreAndHandTheColourToTheFunction)
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   table.setNANColor(QColor(255, 0, 255));
   EXPECT_EQ(table.getNANColor(), QColor(255, 0, 255));
-  EXPECT_RGB_NEAR(ctf->GetNanColor(), (std::array<double, 3>{1.0, 0.0, 1.0}));
-  EXPECT_RGB_NEAR(ctf->GetBelowRangeColor(), (std::array<double, 3>{1.0, 0.0, 1.0}));
+  EXPECT_RGB_NEAR(ctf->GetNanColor(), (std::array<double, 3>{ 1.0, 0.0, 1.0 }));
+  EXPECT_RGB_NEAR(ctf->GetBelowRangeColor(), (std::array<double, 3>{ 1.0, 0.0, 1.0 }));
 
-  const double rgb[3] = {0.0, 0.5, 0.25};
+  const double rgb[3] = { 0.0, 0.5, 0.25 };
   table.setNANColor(rgb);
-  EXPECT_RGB_NEAR(ctf->GetAboveRangeColor(), (std::array<double, 3>{0.0, 0.5, 0.25}));
+  EXPECT_RGB_NEAR(ctf->GetAboveRangeColor(), (std::array<double, 3>{ 0.0, 0.5, 0.25 }));
   EXPECT_NEAR(table.getNANColor().greenF(), 0.5, 1e-4);
 }
 
@@ -260,7 +262,7 @@ TEST_F(LookupTableTest, AdoptedFunctionTakesTheNanColour)
   ctf->AddRGBPoint(0.0, 1.0, 1.0, 1.0);
   table.setColorTransferFunction(ctf);
   EXPECT_EQ(table.getColorTransferFunction(), ctf.Get());
-  EXPECT_RGB_NEAR(ctf->GetNanColor(), (std::array<double, 3>{0.0, 0.0, 1.0}));
+  EXPECT_RGB_NEAR(ctf->GetNanColor(), (std::array<double, 3>{ 0.0, 0.0, 1.0 }));
 
   table.setColorTransferFunction(nullptr);
   EXPECT_EQ(table.getColorTransferFunction(), ctf.Get());

@@ -25,11 +25,11 @@ using Node = std::array<double, 4>;
 inline std::vector<Node> Nodes(vtkColorTransferFunction* ctf)
 {
   std::vector<Node> nodes;
-  for(int i = 0; i < ctf->GetSize(); ++i)
+  for (int i = 0; i < ctf->GetSize(); ++i)
   {
     double v[6];
     ctf->GetNodeValue(i, v);
-    nodes.push_back({v[0], v[1], v[2], v[3]});
+    nodes.push_back({ v[0], v[1], v[2], v[3] });
   }
   return nodes;
 }
@@ -43,14 +43,14 @@ inline std::array<double, 3> ColorAt(vtkColorTransferFunction* ctf, double x)
 
 inline std::array<double, 3> Rgb(int r, int g, int b)
 {
-  return {r / 255.0, g / 255.0, b / 255.0};
+  return { r / 255.0, g / 255.0, b / 255.0 };
 }
 
 /** The annotated values and labels, in annotation order. */
 inline std::vector<std::pair<double, std::string>> Annotations(vtkColorTransferFunction* ctf)
 {
   std::vector<std::pair<double, std::string>> result;
-  for(vtkIdType i = 0; i < ctf->GetNumberOfAnnotatedValues(); ++i)
+  for (vtkIdType i = 0; i < ctf->GetNumberOfAnnotatedValues(); ++i)
   {
     result.emplace_back(ctf->GetAnnotatedValue(i).ToDouble(), ctf->GetAnnotation(i));
   }
@@ -65,7 +65,7 @@ inline std::vector<std::pair<double, std::string>> Annotations(vtkColorTransferF
     EXPECT_NEAR(a_[0], e_[0], 1e-6);                                                               \
     EXPECT_NEAR(a_[1], e_[1], 1e-6);                                                               \
     EXPECT_NEAR(a_[2], e_[2], 1e-6);                                                               \
-  } while(false)
+  } while (false)
 
 /**
  * Every lookup table test starts from a known default preset (three points at
@@ -105,7 +105,7 @@ protected:
     Preset preset;
     preset.name = "Test Blue White Red";
     preset.colorSpace = "RGB";
-    preset.rgbPoints = {-1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 1.0f, 1.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f};
+    preset.rgbPoints = { -1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 1.0f, 1.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f };
     return preset;
   }
 

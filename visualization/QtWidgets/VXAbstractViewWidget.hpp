@@ -28,7 +28,8 @@ public:
   static constexpr const char* k_BlockRenderKey = "block_render";
   static constexpr const char* k_ActiveViewKey = "active_view";
 
-  explicit VXAbstractViewWidget(QWidget* parent = nullptr, Qt::WindowFlags flags = Qt::WindowFlags());
+  explicit VXAbstractViewWidget(QWidget* parent = nullptr,
+                                Qt::WindowFlags flags = Qt::WindowFlags());
   ~VXAbstractViewWidget() override;
 
   virtual bool isActive() const { return m_Active; }
@@ -38,7 +39,8 @@ public:
   virtual VXAbstractViewWidget* clone() = 0;
   /** A fresh view of the same kind, without a copy of the camera. */
   virtual VXAbstractViewWidget* newInstance() = 0;
-  /** Creates the render widget if there is none, wires it to this frame and puts it in the layout. */
+  /** Creates the render widget if there is none, wires it to this frame and puts it in the layout.
+   */
   virtual void setupView();
   /** The number that tells split views apart; this frame has none and ignores it. */
   virtual void setSplitId(int id);
@@ -57,7 +59,8 @@ Q_SIGNALS:
   void requestSplitHorizontally(QWidget* self);
   void requestSplitVertically(QWidget* self);
   void requestClose(QWidget* self);
-  void viewWidgetCreated(VXAbstractViewWidget* sourceViewWidget, VXAbstractViewWidget* splitViewWidget);
+  void viewWidgetCreated(VXAbstractViewWidget* sourceViewWidget,
+                         VXAbstractViewWidget* splitViewWidget);
   void closingView();
 
 public Q_SLOTS:
@@ -71,7 +74,8 @@ public Q_SLOTS:
   void unlinkCamera();
   /** A frame and a camera fit, unless rendering is blocked. */
   void updateScene();
-  /** Blocks or unblocks rendering; a blocked view's renderer draws nothing whatever path asks it. */
+  /** Blocks or unblocks rendering; a blocked view's renderer draws nothing whatever path asks it.
+   */
   void setBlockRender(bool block);
   /** Lets the axes grid follow new data, in the linked views too. */
   void onPipelineOutputReloaded();

@@ -1,7 +1,7 @@
 #include "visualization/QtWidgets/VXGLWidget.hpp"
 
 VXGLWidget::VXGLWidget(QWidget* parent)
-: QVTKOpenGLNativeWidget(parent, Qt::WindowFlags())
+  : QVTKOpenGLNativeWidget(parent, Qt::WindowFlags())
 {
 }
 

@@ -18,7 +18,8 @@
 
 namespace
 {
-const std::array<QString, 3> k_AxisNames = {QStringLiteral("X"), QStringLiteral("Y"), QStringLiteral("Z")};
+const std::array<QString, 3> k_AxisNames = { QStringLiteral("X"), QStringLiteral("Y"),
+                                             QStringLiteral("Z") };
 
 QString opacityText(double opacity)
 {
@@ -27,7 +28,7 @@ QString opacityText(double opacity)
 } // namespace
 
 VXGridAxesWidget::VXGridAxesWidget(QWidget* parent)
-: QDialog(parent, Qt::Dialog | Qt::WindowStaysOnTopHint)
+  : QDialog(parent, Qt::Dialog | Qt::WindowStaysOnTopHint)
 {
   setWindowTitle(QStringLiteral("Grid Axes Options"));
   setModal(false);
@@ -38,79 +39,88 @@ VXGridAxesWidget::VXGridAxesWidget(QWidget* parent)
   int row = 0;
 
   grid->addWidget(new QLabel(QStringLiteral("Spacing:"), this), row, 0);
-  for(int axis = 0; axis < 3; ++axis)
+  for (int axis = 0; axis < 3; ++axis)
   {
     auto* edit = new QLineEdit(QStringLiteral("0"), this);
     edit->setValidator(new QDoubleValidator(edit));
     edit->setToolTip(
-      QStringLiteral("Tick spacing along the %1 axis. Set to 0 to use automatic spacing.").arg(k_AxisNames[axis]));
+      QStringLiteral("Tick spacing along the %1 axis. Set to 0 to use automatic spacing.")
+        .arg(k_AxisNames[axis]));
     grid->addWidget(edit, row, axis + 1);
     m_SpacingEdits[static_cast<size_t>(axis)] = edit;
   }
   ++row;
 
   grid->addWidget(new QLabel(QStringLiteral("Axis Titles:"), this), row, 0);
-  for(int axis = 0; axis < 3; ++axis)
+  for (int axis = 0; axis < 3; ++axis)
   {
     auto* edit = new QLineEdit(this);
     edit->setToolTip(
-      QStringLiteral("Title text shown at the end of the %1 axis. Leave empty to hide the title.").arg(k_AxisNames[axis]));
+      QStringLiteral("Title text shown at the end of the %1 axis. Leave empty to hide the title.")
+        .arg(k_AxisNames[axis]));
     grid->addWidget(edit, row, axis + 1);
     m_TitleEdits[static_cast<size_t>(axis)] = edit;
   }
   ++row;
 
   m_ShowGridCheck = new QCheckBox(QStringLiteral("Show Grid"), this);
-  m_ShowGridCheck->setToolTip(
-    QStringLiteral("Draw interior grid lines at tick positions in addition to the bounding box edges."));
+  m_ShowGridCheck->setToolTip(QStringLiteral(
+    "Draw interior grid lines at tick positions in addition to the bounding box edges."));
   grid->addWidget(m_ShowGridCheck, row++, 0, 1, 4);
 
   m_ShowLabelsCheck = new QCheckBox(QStringLiteral("Show Axis Labels"), this);
   m_ShowLabelsCheck->setChecked(true);
-  m_ShowLabelsCheck->setToolTip(QStringLiteral("Show tick marks, tick-value labels, and axis titles. Uncheck to "
-                                               "render plain grid lines and bounding edges only."));
+  m_ShowLabelsCheck->setToolTip(
+    QStringLiteral("Show tick marks, tick-value labels, and axis titles. Uncheck to "
+                   "render plain grid lines and bounding edges only."));
   grid->addWidget(m_ShowLabelsCheck, row++, 0, 1, 4);
 
   grid->addWidget(new QLabel(QStringLiteral("Grid Opacity:"), this), row, 0);
   m_OpacitySlider = new QSlider(Qt::Horizontal, this);
   m_OpacitySlider->setRange(0, 100);
   m_OpacitySlider->setValue(100);
-  m_OpacitySlider->setToolTip(QStringLiteral("Adjust grid translucency from 0 (fully transparent) to 1 (fully "
-                                             "opaque). Applies to lines, edges, ticks, labels, and titles."));
+  m_OpacitySlider->setToolTip(
+    QStringLiteral("Adjust grid translucency from 0 (fully transparent) to 1 (fully "
+                   "opaque). Applies to lines, edges, ticks, labels, and titles."));
   grid->addWidget(m_OpacitySlider, row, 1, 1, 2);
   m_OpacityEdit = new QLineEdit(QStringLiteral("1.0"), this);
   m_OpacityEdit->setValidator(new QDoubleValidator(0, 1, 4, m_OpacityEdit));
-  m_OpacityEdit->setToolTip(QStringLiteral("Grid opacity, 0.0 (fully transparent) to 1.0 (fully opaque). Applies "
-                                           "to lines, edges, ticks, labels, and titles."));
+  m_OpacityEdit->setToolTip(
+    QStringLiteral("Grid opacity, 0.0 (fully transparent) to 1.0 (fully opaque). Applies "
+                   "to lines, edges, ticks, labels, and titles."));
   grid->addWidget(m_OpacityEdit, row++, 3);
 
   grid->addWidget(new QLabel(QStringLiteral("Grid Color:"), this), row, 0);
   m_ColorButton = new KXColorButton(Qt::white, this);
-  m_ColorButton->setToolTip(QStringLiteral(
-    "Color applied to grid lines, bounding edges, tick marks, tick-value labels, and axis titles."));
+  m_ColorButton->setToolTip(QStringLiteral("Color applied to grid lines, bounding edges, tick "
+                                           "marks, tick-value labels, and axis titles."));
   grid->addWidget(m_ColorButton, row++, 1);
 
-  auto* note = new QLabel(
-    QStringLiteral("Setting a spacing value of 0 will reset that axis to the default automatic spacing behavior"), this);
+  auto* note = new QLabel(QStringLiteral("Setting a spacing value of 0 will reset that axis to the "
+                                         "default automatic spacing behavior"),
+                          this);
   note->setWordWrap(true);
   layout->addWidget(note);
 
-  m_ButtonBox =
-    new QDialogButtonBox(QDialogButtonBox::Apply | QDialogButtonBox::Close | QDialogButtonBox::Reset, this);
+  m_ButtonBox = new QDialogButtonBox(
+    QDialogButtonBox::Apply | QDialogButtonBox::Close | QDialogButtonBox::Reset, this);
   m_ButtonBox->button(QDialogButtonBox::Apply)->setDefault(true);
   layout->addWidget(m_ButtonBox);
 
-  connect(m_ButtonBox->button(QDialogButtonBox::Apply), &QPushButton::clicked, this, &VXGridAxesWidget::apply);
-  connect(m_ButtonBox->button(QDialogButtonBox::Reset), &QPushButton::clicked, this, &VXGridAxesWidget::resetToDefaults);
+  connect(m_ButtonBox->button(QDialogButtonBox::Apply), &QPushButton::clicked, this,
+          &VXGridAxesWidget::apply);
+  connect(m_ButtonBox->button(QDialogButtonBox::Reset), &QPushButton::clicked, this,
+          &VXGridAxesWidget::resetToDefaults);
   connect(m_ButtonBox, &QDialogButtonBox::accepted, this,
-    [this]()
-    {
-      readControls();
-      accept();
-    });
+          [this]()
+          {
+            readControls();
+            accept();
+          });
   connect(m_ButtonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
   connect(m_OpacitySlider, &QSlider::valueChanged, this, &VXGridAxesWidget::onSliderChanged);
-  connect(m_OpacityEdit, &QLineEdit::editingFinished, this, &VXGridAxesWidget::onOpacityEditFinished);
+  connect(m_OpacityEdit, &QLineEdit::editingFinished, this,
+          &VXGridAxesWidget::onOpacityEditFinished);
 }
 
 VXGridAxesWidget::~VXGridAxesWidget() = default;
@@ -131,13 +141,13 @@ void VXGridAxesWidget::resetToDefaults()
 {
   m_Config = VXGridAxesConfig();
   writeControls();
-  for(QLineEdit* edit : m_SpacingEdits)
+  for (QLineEdit* edit : m_SpacingEdits)
     edit->setText(QStringLiteral("0"));
 }
 
 void VXGridAxesWidget::readControls()
 {
-  for(size_t axis = 0; axis < 3; ++axis)
+  for (size_t axis = 0; axis < 3; ++axis)
   {
     // a text that does not parse means 0, i.e. automatic spacing
     m_Config.spacing[axis] = m_SpacingEdits[axis]->text().toDouble();
@@ -151,7 +161,7 @@ void VXGridAxesWidget::readControls()
 
 void VXGridAxesWidget::writeControls()
 {
-  for(size_t axis = 0; axis < 3; ++axis)
+  for (size_t axis = 0; axis < 3; ++axis)
   {
     m_SpacingEdits[axis]->setText(QString::number(m_Config.spacing[axis], 'g', 6));
     m_TitleEdits[axis]->setText(m_Config.titles[axis]);

@@ -18,7 +18,7 @@ class KXColorButton;
 struct KXVTKLIB_EXPORT VXGridAxesConfig
 {
   /** Label spacing per axis; 0 lets the actor choose its labels. */
-  std::array<double, 3> spacing = {0.0, 0.0, 0.0};
+  std::array<double, 3> spacing = { 0.0, 0.0, 0.0 };
   bool showGrid = false;
   QColor color = Qt::white;
   double opacity = 1.0;

@@ -31,7 +31,8 @@
 namespace
 {
 const QString k_StateFileFilter = QStringLiteral("VOXELIA-KX State File (*.vlxstate)");
-const QString k_NoViewMessage = QStringLiteral("Error reading state file; could not find a view widget to add items to");
+const QString k_NoViewMessage =
+  QStringLiteral("Error reading state file; could not find a view widget to add items to");
 
 QString typeOf(const nlohmann::json& item)
 {
@@ -45,24 +46,27 @@ QString typeOf(const nlohmann::json& item)
  */
 void sortWindowEntries(nlohmann::json& itemData)
 {
-  if(!itemData.is_object())
+  if (!itemData.is_object())
     return;
-  auto windowOf = [](const nlohmann::json& entry) {
-    if(entry.is_object())
+  auto windowOf = [](const nlohmann::json& entry)
+  {
+    if (entry.is_object())
     {
       const auto iter = entry.find("render_window_index");
-      if(iter != entry.end() && iter->is_number_integer())
+      if (iter != entry.end() && iter->is_number_integer())
         return iter->get<std::int64_t>();
     }
     return std::numeric_limits<std::int64_t>::max();
   };
-  for(const char* key : {"render_window_index", "rep_view_implementations"})
+  for (const char* key : { "render_window_index", "rep_view_implementations" })
   {
     const auto list = itemData.find(key);
-    if(list != itemData.end() && list->is_array())
+    if (list != itemData.end() && list->is_array())
     {
       auto& entries = list->get_ref<nlohmann::json::array_t&>();
-      std::stable_sort(entries.begin(), entries.end(), [&](const nlohmann::json& a, const nlohmann::json& b) { return windowOf(a) < windowOf(b); });
+      std::stable_sort(entries.begin(), entries.end(),
+                       [&](const nlohmann::json& a, const nlohmann::json& b)
+                       { return windowOf(a) < windowOf(b); });
     }
   }
 }
@@ -71,14 +75,14 @@ bool sameFile(const QString& a, const QString& b)
 {
   const QFileInfo infoA(a);
   const QFileInfo infoB(b);
-  if(infoA.exists() && infoB.exists())
+  if (infoA.exists() && infoB.exists())
     return infoA.canonicalFilePath() == infoB.canonicalFilePath();
   return infoA.absoluteFilePath() == infoB.absoluteFilePath();
 }
 } // namespace
 
 VXInfoWidget::VXInfoWidget(QWidget* parent)
-: QWidget(parent)
+  : QWidget(parent)
 {
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -88,7 +92,8 @@ VXInfoWidget::VXInfoWidget(QWidget* parent)
   m_TreeView->setObjectName("pipelineTreeView");
   m_TreeView->setHeaderHidden(true);
   m_TreeView->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  m_TreeView->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
+  m_TreeView->setEditTriggers(QAbstractItemView::EditKeyPressed |
+                              QAbstractItemView::SelectedClicked);
   m_TreeView->setContextMenuPolicy(Qt::CustomContextMenu);
   m_TreeView->setExpandsOnDoubleClick(true);
   m_SettingsArea = new QScrollArea(m_Splitter);
@@ -100,7 +105,8 @@ VXInfoWidget::VXInfoWidget(QWidget* parent)
   m_Splitter->setStretchFactor(1, 2);
   layout->addWidget(m_Splitter);
 
-  connect(m_TreeView, &QTreeView::customContextMenuRequested, this, &VXInfoWidget::onCustomContextMenuRequested);
+  connect(m_TreeView, &QTreeView::customContextMenuRequested, this,
+          &VXInfoWidget::onCustomContextMenuRequested);
 }
 
 VXInfoWidget::~VXInfoWidget()
@@ -111,38 +117,42 @@ VXInfoWidget::~VXInfoWidget()
 
 void VXInfoWidget::setPipelineModel(VXPipelineModel* model)
 {
-  if(m_Model == model)
+  if (m_Model == model)
     return;
   releaseSettingsPage();
-  if(m_Model != nullptr)
+  if (m_Model != nullptr)
     disconnect(m_Model, nullptr, this, nullptr);
   m_Model = model;
   m_TreeView->setModel(model);
-  if(model == nullptr)
+  if (model == nullptr)
     return;
   // column 0 is the delegate's strip; names and eye boxes are in column 1
   m_TreeView->setColumnHidden(0, true);
   connect(m_TreeView->selectionModel(), &QItemSelectionModel::currentChanged, this,
           [this](const QModelIndex& current) { showSettingsPage(current); });
-  connect(model, &QAbstractItemModel::rowsInserted, this, [this](const QModelIndex& parent, int first) {
-    // new items show at once: open their parent and select what arrived
-    if(parent.isValid())
-      m_TreeView->expand(parent);
-    const QModelIndex added = m_Model->index(first, 1, parent);
-    m_TreeView->expand(added);
-    setCurrentIndex(added);
-  });
-  connect(model, &QAbstractItemModel::rowsAboutToBeRemoved, this, [this](const QModelIndex& parent, int first, int last) {
-    const QModelIndex current = m_TreeView->currentIndex();
-    for(QModelIndex walk = current; walk.isValid(); walk = walk.parent())
-    {
-      if(walk.parent() == parent && walk.row() >= first && walk.row() <= last)
-      {
-        releaseSettingsPage();
-        break;
-      }
-    }
-  });
+  connect(model, &QAbstractItemModel::rowsInserted, this,
+          [this](const QModelIndex& parent, int first)
+          {
+            // new items show at once: open their parent and select what arrived
+            if (parent.isValid())
+              m_TreeView->expand(parent);
+            const QModelIndex added = m_Model->index(first, 1, parent);
+            m_TreeView->expand(added);
+            setCurrentIndex(added);
+          });
+  connect(model, &QAbstractItemModel::rowsAboutToBeRemoved, this,
+          [this](const QModelIndex& parent, int first, int last)
+          {
+            const QModelIndex current = m_TreeView->currentIndex();
+            for (QModelIndex walk = current; walk.isValid(); walk = walk.parent())
+            {
+              if (walk.parent() == parent && walk.row() >= first && walk.row() <= last)
+              {
+                releaseSettingsPage();
+                break;
+              }
+            }
+          });
   connect(model, &VXPipelineModel::selectIndexRequest, this, &VXInfoWidget::setCurrentIndex);
   checkForValidSaveState();
 }
@@ -159,21 +169,23 @@ bool VXInfoWidget::modelIsEmpty() const
 
 bool VXInfoWidget::checkForExistingFile(const QString& filePath)
 {
-  if(m_Model == nullptr)
+  if (m_Model == nullptr)
     return false;
-  for(VXBridgeObject* bridge : m_Model->getAllBridgeObjects())
+  for (VXBridgeObject* bridge : m_Model->getAllBridgeObjects())
   {
-    if(bridge->filePath().isEmpty() || !sameFile(bridge->filePath(), filePath))
+    if (bridge->filePath().isEmpty() || !sameFile(bridge->filePath(), filePath))
       continue;
     VXUserPrompt::Question question;
     question.icon = QMessageBox::Question;
     question.title = "File Already Imported";
-    question.text = QString("The file at %1 has already been imported. Would you like to reload the existing file data instead?").arg(filePath);
+    question.text = QString("The file at %1 has already been imported. Would you like to reload "
+                            "the existing file data instead?")
+                      .arg(filePath);
     question.buttons = QMessageBox::Yes | QMessageBox::No;
     question.defaultButton = QMessageBox::Yes;
-    if(VXUserPrompt::ask(this, question) == QMessageBox::Yes)
+    if (VXUserPrompt::ask(this, question) == QMessageBox::Yes)
     {
-      if(auto* fileBridge = qobject_cast<FileToVXBridge*>(bridge))
+      if (auto* fileBridge = qobject_cast<FileToVXBridge*>(bridge))
         fileBridge->reload();
     }
     return true;
@@ -185,11 +197,12 @@ void VXInfoWidget::checkForValidSaveState()
 {
   // A state naming a file that is gone could never be loaded again.
   m_ValidSaveState = true;
-  if(m_Model == nullptr)
+  if (m_Model == nullptr)
     return;
-  for(VXBridgeObject* bridge : m_Model->getAllBridgeObjects())
+  for (VXBridgeObject* bridge : m_Model->getAllBridgeObjects())
   {
-    if(auto* fileBridge = qobject_cast<FileToVXBridge*>(bridge); fileBridge != nullptr && fileBridge->autoReloadFlagged())
+    if (auto* fileBridge = qobject_cast<FileToVXBridge*>(bridge);
+        fileBridge != nullptr && fileBridge->autoReloadFlagged())
       m_ValidSaveState = false;
   }
 }
@@ -197,34 +210,36 @@ void VXInfoWidget::checkForValidSaveState()
 void VXInfoWidget::saveState(nlohmann::json& output, QMap<VXAbstractViewWidget*, int>& viewIndexMap)
 {
   checkForValidSaveState();
-  if(!m_ValidSaveState)
+  if (!m_ValidSaveState)
   {
-    report("The visualization tree was not saved: the source file of an item is missing. Reload or remove the items shown in red first.");
+    report("The visualization tree was not saved: the source file of an item is missing. Reload or "
+           "remove the items shown in red first.");
     return;
   }
   saveState(QModelIndex(), output, viewIndexMap);
 }
 
-void VXInfoWidget::saveState(const QModelIndex& parent, nlohmann::json& output, QMap<VXAbstractViewWidget*, int>& viewIndexMap)
+void VXInfoWidget::saveState(const QModelIndex& parent, nlohmann::json& output,
+                             QMap<VXAbstractViewWidget*, int>& viewIndexMap)
 {
   output = nlohmann::json::array();
-  if(m_Model == nullptr)
+  if (m_Model == nullptr)
     return;
   const int rows = m_Model->rowCount(parent);
-  for(int row = 0; row < rows; ++row)
+  for (int row = 0; row < rows; ++row)
   {
     const QModelIndex index = m_Model->index(row, 0, parent);
     nlohmann::json itemData = nlohmann::json::object();
     QString itemType;
-    if(m_Model->isPipeline(index))
+    if (m_Model->isPipeline(index))
     {
       VXBridgeObject* bridge = m_Model->getPipelineObject(index);
-      if(bridge == nullptr)
+      if (bridge == nullptr)
         continue;
       itemType = bridge->typeName();
       bridge->write(itemData, viewIndexMap);
     }
-    else if(VXCoreObject* object = m_Model->getCoreObject(index))
+    else if (VXCoreObject* object = m_Model->getCoreObject(index))
     {
       itemType = object->typeName();
       object->write(itemData, viewIndexMap);
@@ -234,8 +249,9 @@ void VXInfoWidget::saveState(const QModelIndex& parent, nlohmann::json& output, 
       continue;
     }
     sortWindowEntries(itemData);
-    nlohmann::json item = {{"item_type", itemType.toStdString()}, {"item_data", std::move(itemData)}};
-    if(m_Model->rowCount(index) > 0)
+    nlohmann::json item = { { "item_type", itemType.toStdString() },
+                            { "item_data", std::move(itemData) } };
+    if (m_Model->rowCount(index) > 0)
     {
       nlohmann::json children;
       saveState(index, children, viewIndexMap);
@@ -245,17 +261,18 @@ void VXInfoWidget::saveState(const QModelIndex& parent, nlohmann::json& output, 
   }
 }
 
-void VXInfoWidget::loadState(const nlohmann::json& input, const QMap<VXAbstractViewWidget*, int>& viewIndexMap)
+void VXInfoWidget::loadState(const nlohmann::json& input,
+                             const QMap<VXAbstractViewWidget*, int>& viewIndexMap)
 {
-  if(m_Model == nullptr)
+  if (m_Model == nullptr)
     return;
   QList<VXDataSource*> loadedSources;
   QList<VXBridgeObject*> loadedBridges;
   loadState(QModelIndex(), input, viewIndexMap, loadedSources, loadedBridges);
   // geometries of a loaded file that the state does not name are not kept
-  for(VXDataSource* source : m_Model->getChildDataSources(loadedBridges))
+  for (VXDataSource* source : m_Model->getChildDataSources(loadedBridges))
   {
-    if(!loadedSources.contains(source))
+    if (!loadedSources.contains(source))
       m_Model->removeDataSource(source);
   }
   m_Model->linkLoadedRepresentations();
@@ -265,26 +282,28 @@ void VXInfoWidget::loadState(const nlohmann::json& input, const QMap<VXAbstractV
 bool VXInfoWidget::JsonNestingExceeds(const nlohmann::json& value, int limit)
 {
   // an explicit stack: a hostile file must not be able to exhaust the call stack here
-  std::vector<std::pair<const nlohmann::json*, int>> pending{{&value, 1}};
-  while(!pending.empty())
+  std::vector<std::pair<const nlohmann::json*, int>> pending{ { &value, 1 } };
+  while (!pending.empty())
   {
     const auto [node, depth] = pending.back();
     pending.pop_back();
-    if(!node->is_structured())
+    if (!node->is_structured())
       continue;
-    if(depth > limit)
+    if (depth > limit)
       return true;
-    for(const nlohmann::json& child : *node)
+    for (const nlohmann::json& child : *node)
       pending.emplace_back(&child, depth + 1);
   }
   return false;
 }
 
-void VXInfoWidget::loadState(const QModelIndex& parent, const nlohmann::json& input, const QMap<VXAbstractViewWidget*, int>& viewIndexMap,
-                             QList<VXDataSource*>& loadedSources, QList<VXBridgeObject*>& loadedBridges, int depth)
+void VXInfoWidget::loadState(const QModelIndex& parent, const nlohmann::json& input,
+                             const QMap<VXAbstractViewWidget*, int>& viewIndexMap,
+                             QList<VXDataSource*>& loadedSources,
+                             QList<VXBridgeObject*>& loadedBridges, int depth)
 {
   VXPipeline* owner = pipeline();
-  if(m_Model == nullptr || owner == nullptr)
+  if (m_Model == nullptr || owner == nullptr)
     return;
   VXPipeline::StateLoadScope scope(*owner);
   // the outermost read counts the errors of the whole tree and says how many went unreported
@@ -292,116 +311,132 @@ void VXInfoWidget::loadState(const QModelIndex& parent, const nlohmann::json& in
   {
     VXInfoWidget* widget;
     explicit ErrorCount(VXInfoWidget* owner)
-    : widget(owner)
+      : widget(owner)
     {
-      if(widget->m_StateLoadDepth++ == 0)
+      if (widget->m_StateLoadDepth++ == 0)
         widget->m_StateErrors = 0;
     }
     ~ErrorCount()
     {
-      if(--widget->m_StateLoadDepth == 0 && widget->m_StateErrors > k_MaxReportedStateErrors)
-        widget->report(QString("Error reading state file; %1 more errors not shown").arg(widget->m_StateErrors - k_MaxReportedStateErrors));
+      if (--widget->m_StateLoadDepth == 0 && widget->m_StateErrors > k_MaxReportedStateErrors)
+        widget->report(QString("Error reading state file; %1 more errors not shown")
+                         .arg(widget->m_StateErrors - k_MaxReportedStateErrors));
     }
     ErrorCount(const ErrorCount&) = delete;
     ErrorCount& operator=(const ErrorCount&) = delete;
   } errorCount(this);
 
-  if(viewIndexMap.isEmpty())
+  if (viewIndexMap.isEmpty())
   {
     reportStateError(k_NoViewMessage);
     return;
   }
-  if(depth > k_MaxStateDepth)
+  if (depth > k_MaxStateDepth)
   {
-    reportStateError(QString("Error reading state file; the tree view items are nested deeper than %1 levels").arg(k_MaxStateDepth));
+    reportStateError(
+      QString("Error reading state file; the tree view items are nested deeper than %1 levels")
+        .arg(k_MaxStateDepth));
     return;
   }
-  if(!input.is_array())
+  if (!input.is_array())
   {
     reportStateError("Error reading state file; the tree view items must be a list");
     return;
   }
   QMap<int, VXAbstractViewWidget*> views;
-  for(auto iter = viewIndexMap.cbegin(); iter != viewIndexMap.cend(); ++iter)
+  for (auto iter = viewIndexMap.cbegin(); iter != viewIndexMap.cend(); ++iter)
     views.insert(iter.value(), iter.key());
 
-  for(const nlohmann::json& item : input)
+  for (const nlohmann::json& item : input)
   {
     bool missingKey = false;
-    for(const char* key : {"item_type", "item_data"})
+    for (const char* key : { "item_type", "item_data" })
     {
-      if(!item.is_object() || !item.contains(key))
+      if (!item.is_object() || !item.contains(key))
       {
-        reportStateError(QString("Error reading state file; tree view item is missing the '%1' key").arg(key));
+        reportStateError(
+          QString("Error reading state file; tree view item is missing the '%1' key").arg(key));
         missingKey = true;
         break;
       }
     }
-    if(missingKey)
+    if (missingKey)
       continue;
-    if(!item.at("item_type").is_string())
+    if (!item.at("item_type").is_string())
     {
-      reportStateError(QString("Error reading state file; the '%1' value of a tree view item must be text").arg("item_type"));
+      reportStateError(
+        QString("Error reading state file; the '%1' value of a tree view item must be text")
+          .arg("item_type"));
       continue;
     }
     try
     {
       const QString itemType = typeOf(item);
       const nlohmann::json& itemData = item.at("item_data");
-      if(JsonNestingExceeds(itemData, k_MaxItemDataDepth))
+      if (JsonNestingExceeds(itemData, k_MaxItemDataDepth))
       {
-        reportStateError(QString("Error reading state file; the item data of %1 is nested deeper than %2 levels").arg(itemType).arg(k_MaxItemDataDepth));
+        reportStateError(
+          QString("Error reading state file; the item data of %1 is nested deeper than %2 levels")
+            .arg(itemType)
+            .arg(k_MaxItemDataDepth));
         continue;
       }
       QModelIndex itemIndex;
-      if(!parent.isValid())
+      if (!parent.isValid())
         itemIndex = loadTopLevelItem(itemType, itemData, viewIndexMap, views, loadedBridges);
       else
       {
         const VXStateItemFactory::Entry* entry = VXStateItemFactory::Find(itemType);
         const auto kind = entry != nullptr ? entry->kind : VXStateItemFactory::Kind::Bridge;
-        if(entry != nullptr && kind == VXStateItemFactory::Kind::DataSource)
+        if (entry != nullptr && kind == VXStateItemFactory::Kind::DataSource)
           itemIndex = loadDataSource(parent, itemType, itemData, views, loadedSources);
-        else if(entry != nullptr && kind == VXStateItemFactory::Kind::Filter)
+        else if (entry != nullptr && kind == VXStateItemFactory::Kind::Filter)
           itemIndex = loadFilterHelper(parent, itemType, itemData, views);
-        else if(entry != nullptr && kind == VXStateItemFactory::Kind::Representation)
+        else if (entry != nullptr && kind == VXStateItemFactory::Kind::Representation)
           itemIndex = loadRepresentationHelper(parent, itemType, itemData, views);
         else
           reportStateError(
-              QString("Error reading state file; found VXBridgeObject item type %1 but the model index for insertion is not at the top level of the tree.")
-                  .arg(itemType));
+            QString("Error reading state file; found VXBridgeObject item type %1 but the model "
+                    "index for insertion is not at the top level of the tree.")
+              .arg(itemType));
       }
-      if(itemIndex.isValid() && item.contains("item_children"))
-        loadState(itemIndex, item.at("item_children"), viewIndexMap, loadedSources, loadedBridges, depth + 1);
-    } catch(const std::exception& exception)
+      if (itemIndex.isValid() && item.contains("item_children"))
+        loadState(itemIndex, item.at("item_children"), viewIndexMap, loadedSources, loadedBridges,
+                  depth + 1);
+    }
+    catch (const std::exception& exception)
     {
       // a value of the wrong type ends this item only
-      reportStateError(QString("Error reading state file; %1").arg(QString::fromUtf8(exception.what())));
+      reportStateError(
+        QString("Error reading state file; %1").arg(QString::fromUtf8(exception.what())));
     }
   }
 }
 
-QModelIndex VXInfoWidget::loadTopLevelItem(const QString& itemType, const nlohmann::json& itemData, const QMap<VXAbstractViewWidget*, int>& viewIndexMap,
-                                           const QMap<int, VXAbstractViewWidget*>& views, QList<VXBridgeObject*>& loadedBridges)
+QModelIndex VXInfoWidget::loadTopLevelItem(const QString& itemType, const nlohmann::json& itemData,
+                                           const QMap<VXAbstractViewWidget*, int>& viewIndexMap,
+                                           const QMap<int, VXAbstractViewWidget*>& views,
+                                           QList<VXBridgeObject*>& loadedBridges)
 {
   // the first view by index, unless the item names another
   VXAbstractViewWidget* view = views.isEmpty() ? nullptr : views.first();
-  if(itemData.is_object() && itemData.contains("render_window_index") && itemData.at("render_window_index").is_number_integer())
+  if (itemData.is_object() && itemData.contains("render_window_index") &&
+      itemData.at("render_window_index").is_number_integer())
   {
     const int index = itemData.at("render_window_index").get<int>();
-    if(index != -1)
+    if (index != -1)
       view = KXVtkModule::utils::GetViewWidget(viewIndexMap, index);
   }
-  if(view == nullptr)
+  if (view == nullptr)
   {
     reportStateError(k_NoViewMessage);
     return {};
   }
   const VXStateItemFactory::Entry* entry = VXStateItemFactory::Find(itemType);
-  if(entry != nullptr && entry->kind == VXStateItemFactory::Kind::Bridge)
+  if (entry != nullptr && entry->kind == VXStateItemFactory::Kind::Bridge)
   {
     auto* bridge = qobject_cast<VXBridgeObject*>(entry->make(pipeline()));
-    if(bridge == nullptr)
+    if (bridge == nullptr)
       return {};
     m_Model->addBridgeObject(bridge);
     // listed before it reads, so that a read cut short still has its unnamed sources removed
@@ -409,15 +444,16 @@ QModelIndex VXInfoWidget::loadTopLevelItem(const QString& itemType, const nlohma
     bridge->read(itemData, views);
     return m_Model->helperIndex(bridge);
   }
-  if(entry != nullptr && entry->kind == VXStateItemFactory::Kind::GlobalSource)
+  if (entry != nullptr && entry->kind == VXStateItemFactory::Kind::GlobalSource)
   {
     auto* source = qobject_cast<VXGlobalSource*>(entry->make(pipeline()));
-    if(source == nullptr)
+    if (source == nullptr)
       return {};
     try
     {
       source->read(itemData, views);
-    } catch(...)
+    }
+    catch (...)
     {
       // not in the model yet: nothing else owns it
       delete source;
@@ -426,51 +462,62 @@ QModelIndex VXInfoWidget::loadTopLevelItem(const QString& itemType, const nlohma
     m_Model->addGlobalSource(source);
     return m_Model->helperIndex(source);
   }
-  reportStateError(QString("Error reading state file; found item type %1 but top level tree view items must be of type VXBridgeObject").arg(itemType));
+  reportStateError(QString("Error reading state file; found item type %1 but top level tree view "
+                           "items must be of type VXBridgeObject")
+                     .arg(itemType));
   return {};
 }
 
-QModelIndex VXInfoWidget::loadDataSource(const QModelIndex& parent, const QString& itemType, const nlohmann::json& itemData,
-                                         const QMap<int, VXAbstractViewWidget*>& views, QList<VXDataSource*>& loadedSources)
+QModelIndex VXInfoWidget::loadDataSource(const QModelIndex& parent, const QString& itemType,
+                                         const nlohmann::json& itemData,
+                                         const QMap<int, VXAbstractViewWidget*>& views,
+                                         QList<VXDataSource*>& loadedSources)
 {
   VXBridgeObject* bridge = m_Model->getPipelineObject(parent);
-  if(bridge == nullptr)
+  if (bridge == nullptr)
   {
-    reportStateError(QString("Error reading state file; found item type %1 but the parent item is not a VXBridgeObject type.").arg(itemType));
+    reportStateError(QString("Error reading state file; found item type %1 but the parent item is "
+                             "not a VXBridgeObject type.")
+                       .arg(itemType));
     return {};
   }
   const QString filePath = bridge->filePath();
-  if(filePath.isEmpty())
+  if (filePath.isEmpty())
   {
-    reportStateError("Error reading state file; cannot load the data source because the parent pipeline object does not have an associated .voxelia file.");
+    reportStateError("Error reading state file; cannot load the data source because the parent "
+                     "pipeline object does not have an associated .voxelia file.");
     return {};
   }
   VXDataSource* match = nullptr;
   const QList<VXDataSource*> children = m_Model->getChildDataSources(parent);
-  if(QFileInfo(filePath).suffix() == "voxelia")
+  if (QFileInfo(filePath).suffix() == "voxelia")
   {
-    if(!itemData.is_object() || !itemData.contains("imported_data_path"))
+    if (!itemData.is_object() || !itemData.contains("imported_data_path"))
     {
-      reportStateError(QString("Error reading state file; found VOXELIA-KX file %1 item type but missing the imported data path key.").arg(itemType));
+      reportStateError(QString("Error reading state file; found VOXELIA-KX file %1 item type but "
+                               "missing the imported data path key.")
+                         .arg(itemType));
       return {};
     }
     const std::string path = itemData.at("imported_data_path").get<std::string>();
-    for(VXDataSource* source : children)
+    for (VXDataSource* source : children)
     {
-      if(source->importedDataPath().toString("/") == path)
+      if (source->importedDataPath().toString("/") == path)
       {
         match = source;
         break;
       }
     }
   }
-  else if(children.size() == 1)
+  else if (children.size() == 1)
   {
     match = children.front();
   }
-  if(match == nullptr)
+  if (match == nullptr)
   {
-    reportStateError(QString("Error reading state file; found item type %1 in state file but could not find a matching data source in the model.").arg(itemType));
+    reportStateError(QString("Error reading state file; found item type %1 in state file but could "
+                             "not find a matching data source in the model.")
+                       .arg(itemType));
     return {};
   }
   match->read(itemData, views);
@@ -478,28 +525,34 @@ QModelIndex VXInfoWidget::loadDataSource(const QModelIndex& parent, const QStrin
   return m_Model->helperIndex(match);
 }
 
-QModelIndex VXInfoWidget::loadFilterHelper(const QModelIndex& parent, const QString& itemType, const nlohmann::json& itemData,
+QModelIndex VXInfoWidget::loadFilterHelper(const QModelIndex& parent, const QString& itemType,
+                                           const nlohmann::json& itemData,
                                            const QMap<int, VXAbstractViewWidget*>& views)
 {
-  if(m_Model->isRepresentation(parent))
+  if (m_Model->isRepresentation(parent))
   {
-    reportStateError(QString("Error reading state file; found %1 filter item type cannot have a VXRepresentation parent item.").arg(itemType));
+    reportStateError(QString("Error reading state file; found %1 filter item type cannot have a "
+                             "VXRepresentation parent item.")
+                       .arg(itemType));
     return {};
   }
   VXCoreObject* parentObject = m_Model->getCoreObject(parent);
   const VXStateItemFactory::Entry* entry = VXStateItemFactory::Find(itemType);
   auto* filter = entry != nullptr ? qobject_cast<VXFilter*>(entry->make(pipeline())) : nullptr;
-  if(parentObject == nullptr || filter == nullptr)
+  if (parentObject == nullptr || filter == nullptr)
   {
     delete filter;
-    reportStateError(QString("Error reading state file; found %1 filter item type cannot have a VXRepresentation parent item.").arg(itemType));
+    reportStateError(QString("Error reading state file; found %1 filter item type cannot have a "
+                             "VXRepresentation parent item.")
+                       .arg(itemType));
     return {};
   }
   filter->setInputPort(parentObject->outputPort());
   try
   {
     filter->read(itemData, views);
-  } catch(...)
+  }
+  catch (...)
   {
     delete filter;
     throw;
@@ -507,17 +560,22 @@ QModelIndex VXInfoWidget::loadFilterHelper(const QModelIndex& parent, const QStr
   return m_Model->addFilter(parent, filter);
 }
 
-QModelIndex VXInfoWidget::loadRepresentationHelper(const QModelIndex& parent, const QString& itemType, const nlohmann::json& itemData,
+QModelIndex VXInfoWidget::loadRepresentationHelper(const QModelIndex& parent,
+                                                   const QString& itemType,
+                                                   const nlohmann::json& itemData,
                                                    const QMap<int, VXAbstractViewWidget*>& views)
 {
-  if(!m_Model->isDataSource(parent) && !m_Model->isFilter(parent))
+  if (!m_Model->isDataSource(parent) && !m_Model->isFilter(parent))
   {
-    reportStateError(QString("Error reading state file; found %1 representation item type must have a VXDataSource or VXFilter parent item.").arg(itemType));
+    reportStateError(QString("Error reading state file; found %1 representation item type must "
+                             "have a VXDataSource or VXFilter parent item.")
+                       .arg(itemType));
     return {};
   }
   const VXStateItemFactory::Entry* entry = VXStateItemFactory::Find(itemType);
-  auto* representation = entry != nullptr ? qobject_cast<VXRepresentation*>(entry->make(pipeline())) : nullptr;
-  if(representation == nullptr)
+  auto* representation =
+    entry != nullptr ? qobject_cast<VXRepresentation*>(entry->make(pipeline())) : nullptr;
+  if (representation == nullptr)
     return {};
   // the per-view parts read their settings over the parent's data, so the parent comes first
   representation->setPipeline(pipeline());
@@ -525,7 +583,8 @@ QModelIndex VXInfoWidget::loadRepresentationHelper(const QModelIndex& parent, co
   try
   {
     representation->read(itemData, views);
-  } catch(...)
+  }
+  catch (...)
   {
     // a half-read data view never reaches the model or stays in the views
     delete representation;
@@ -541,7 +600,7 @@ QModelIndex VXInfoWidget::currentIndex() const
 
 void VXInfoWidget::setCurrentIndex(const QModelIndex& index)
 {
-  if(m_Model == nullptr || !index.isValid())
+  if (m_Model == nullptr || !index.isValid())
     return;
   const QModelIndex nameIndex = index.sibling(index.row(), 1);
   m_TreeView->setCurrentIndex(nameIndex);
@@ -558,10 +617,10 @@ void VXInfoWidget::onActiveViewChanged()
 void VXInfoWidget::showSettingsPage(const QModelIndex& index)
 {
   releaseSettingsPage();
-  if(m_Model == nullptr || !index.isValid())
+  if (m_Model == nullptr || !index.isValid())
     return;
   QWidget* page = m_Model->itemWidget(index);
-  if(page == nullptr)
+  if (page == nullptr)
     return;
   m_CurrentPage = page;
   m_SettingsArea->setWidget(page);
@@ -570,10 +629,10 @@ void VXInfoWidget::showSettingsPage(const QModelIndex& index)
 
 void VXInfoWidget::releaseSettingsPage()
 {
-  if(m_SettingsArea == nullptr)
+  if (m_SettingsArea == nullptr)
     return;
   // give the page back to its item instead of letting the scroll area delete it
-  if(QWidget* page = m_SettingsArea->takeWidget())
+  if (QWidget* page = m_SettingsArea->takeWidget())
   {
     page->hide();
     page->setParent(nullptr);
@@ -584,29 +643,29 @@ void VXInfoWidget::releaseSettingsPage()
 void VXInfoWidget::addRepresentation(VXRepresentation::Type type)
 {
   const QModelIndex index = currentIndex();
-  if(m_Model == nullptr || !m_Model->canAddRepresentation(index))
+  if (m_Model == nullptr || !m_Model->canAddRepresentation(index))
     return;
   m_Model->addRepresentation(index, type);
 }
 
 void VXInfoWidget::removeItem(const QModelIndex& index)
 {
-  if(m_Model == nullptr || !index.isValid())
+  if (m_Model == nullptr || !index.isValid())
     return;
   releaseSettingsPage();
   Q_EMIT clearAllRenderWindowHighlighters();
   // the model removes the rows depth first and lets the objects go
   m_Model->removeItem(index);
-  if(VXPipeline* owner = pipeline())
+  if (VXPipeline* owner = pipeline())
     Q_EMIT owner->requestRenderAll();
   checkForValidSaveState();
 }
 
 void VXInfoWidget::reloadItem(const QModelIndex& index)
 {
-  if(m_Model == nullptr || !m_Model->canReload(index))
+  if (m_Model == nullptr || !m_Model->canReload(index))
     return;
-  if(auto* fileBridge = qobject_cast<FileToVXBridge*>(m_Model->getPipelineObject(index)))
+  if (auto* fileBridge = qobject_cast<FileToVXBridge*>(m_Model->getPipelineObject(index)))
     fileBridge->reload();
   checkForValidSaveState();
 }
@@ -623,55 +682,64 @@ QStringList VXInfoWidget::PresetNames()
 QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
 {
   auto* menu = new QMenu(this);
-  if(m_Model != nullptr && index.isValid())
+  if (m_Model != nullptr && index.isValid())
   {
-    if(m_Model->canAddRepresentation(index))
+    if (m_Model->canAddRepresentation(index))
     {
       QMenu* views = menu->addMenu("Add Data View");
-      for(auto iter = VXRepresentation::k_RepresentationTypeToString.cbegin(); iter != VXRepresentation::k_RepresentationTypeToString.cend(); ++iter)
+      for (auto iter = VXRepresentation::k_RepresentationTypeToString.cbegin();
+           iter != VXRepresentation::k_RepresentationTypeToString.cend(); ++iter)
       {
         const VXRepresentation::Type type = iter.key();
-        if(type == VXRepresentation::None || !VXRepresentation::IsRegistered(type))
+        if (type == VXRepresentation::None || !VXRepresentation::IsRegistered(type))
           continue;
         QAction* action = views->addAction(iter.value());
-        connect(action, &QAction::triggered, this, [this, index, type] {
-          setCurrentIndex(index);
-          addRepresentation(type);
-        });
+        connect(action, &QAction::triggered, this,
+                [this, index, type]
+                {
+                  setCurrentIndex(index);
+                  addRepresentation(type);
+                });
       }
     }
-    if(m_Model->canAddFilter(index))
+    if (m_Model->canAddFilter(index))
     {
       QMenu* filters = menu->addMenu("Add Visual Filter");
-      for(const char* name : {"VXFClip", "VXFSlice", "VXFThreshold"})
+      for (const char* name : { "VXFClip", "VXFSlice", "VXFThreshold" })
       {
         const QString label = QString(name).mid(3);
         const VXStateItemFactory::Entry* entry = VXStateItemFactory::Find(name);
         QAction* action = filters->addAction(label);
         action->setEnabled(entry != nullptr);
-        if(entry == nullptr)
+        if (entry == nullptr)
           continue;
-        connect(action, &QAction::triggered, this, [this, index, entry] {
-          if(auto* filter = qobject_cast<VXFilter*>(entry->make(pipeline())))
-            m_Model->addFilter(index, filter);
-        });
+        connect(action, &QAction::triggered, this,
+                [this, index, entry]
+                {
+                  if (auto* filter = qobject_cast<VXFilter*>(entry->make(pipeline())))
+                    m_Model->addFilter(index, filter);
+                });
       }
     }
-    if(m_Model->isDataSource(index) || m_Model->isRepresentation(index))
+    if (m_Model->isDataSource(index) || m_Model->isRepresentation(index))
     {
-      connect(menu->addAction("Show Data Set Information"), &QAction::triggered, this, [this, index] { m_Model->showInfoWidget(index); });
+      connect(menu->addAction("Show Data Set Information"), &QAction::triggered, this,
+              [this, index] { m_Model->showInfoWidget(index); });
     }
-    if(VXCoreObject* object = m_Model->getCoreObject(index))
+    if (VXCoreObject* object = m_Model->getCoreObject(index))
     {
       menu->addSeparator();
-      connect(menu->addAction("Copy Settings"), &QAction::triggered, this, [object] { object->copyActiveSettings(); });
-      connect(menu->addAction("Paste Settings"), &QAction::triggered, this, [object] { object->pasteToActiveSettings(); });
+      connect(menu->addAction("Copy Settings"), &QAction::triggered, this,
+              [object] { object->copyActiveSettings(); });
+      connect(menu->addAction("Paste Settings"), &QAction::triggered, this,
+              [object] { object->pasteToActiveSettings(); });
     }
-    if(m_Model->canReload(index))
+    if (m_Model->canReload(index))
     {
       menu->addSeparator();
-      connect(menu->addAction("Reload File"), &QAction::triggered, this, [this, index] { reloadItem(index); });
-      if(auto* fileBridge = qobject_cast<FileToVXBridge*>(m_Model->getPipelineObject(index)))
+      connect(menu->addAction("Reload File"), &QAction::triggered, this,
+              [this, index] { reloadItem(index); });
+      if (auto* fileBridge = qobject_cast<FileToVXBridge*>(m_Model->getPipelineObject(index)))
       {
         QAction* watch = menu->addAction("Watch File for Changes");
         watch->setCheckable(true);
@@ -679,63 +747,82 @@ QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
         connect(watch, &QAction::toggled, fileBridge, &FileToVXBridge::setWatchFile);
       }
     }
-    if(m_Model->isDataSource(index))
+    if (m_Model->isDataSource(index))
     {
       menu->addSeparator();
       addPresetActions(menu, index);
     }
     menu->addSeparator();
-    connect(menu->addAction("Rename"), &QAction::triggered, this, [this, index] { m_TreeView->edit(index.sibling(index.row(), 1)); });
-    connect(menu->addAction("Remove"), &QAction::triggered, this, [this, index] { removeItem(index); });
+    connect(menu->addAction("Rename"), &QAction::triggered, this,
+            [this, index] { m_TreeView->edit(index.sibling(index.row(), 1)); });
+    connect(menu->addAction("Remove"), &QAction::triggered, this,
+            [this, index] { removeItem(index); });
   }
   else
   {
-    connect(menu->addAction("Open File..."), &QAction::triggered, this, [this] {
-      const QString path = VXUserPrompt::getOpenFileName(this, "Open File", FileToVXBridge::FileFilterList());
-      if(!path.isEmpty())
-        Q_EMIT importFileRequest(path);
-    });
-    connect(menu->addAction("Load State File..."), &QAction::triggered, this, [this] {
-      const QString path = VXUserPrompt::getOpenFileName(this, "Load State File", k_StateFileFilter);
-      if(!path.isEmpty())
-        Q_EMIT loadStateFileRequest(path);
-    });
-    connect(menu->addAction("Save State File..."), &QAction::triggered, this, &VXInfoWidget::saveStateFileRequest);
+    connect(menu->addAction("Open File..."), &QAction::triggered, this,
+            [this]
+            {
+              const QString path =
+                VXUserPrompt::getOpenFileName(this, "Open File", FileToVXBridge::FileFilterList());
+              if (!path.isEmpty())
+                Q_EMIT importFileRequest(path);
+            });
+    connect(menu->addAction("Load State File..."), &QAction::triggered, this,
+            [this]
+            {
+              const QString path =
+                VXUserPrompt::getOpenFileName(this, "Load State File", k_StateFileFilter);
+              if (!path.isEmpty())
+                Q_EMIT loadStateFileRequest(path);
+            });
+    connect(menu->addAction("Save State File..."), &QAction::triggered, this,
+            &VXInfoWidget::saveStateFileRequest);
     menu->addSeparator();
-    connect(menu->addAction("Export Visualization Presets..."), &QAction::triggered, this, [this] {
-      const QString path = VXUserPrompt::getSaveFileName(this, "Export Visualization Presets", "JSON File (*.json)");
-      if(!path.isEmpty())
-        Q_EMIT exportPresets(path, PresetNames());
-    });
-    connect(menu->addAction("Import Visualization Presets..."), &QAction::triggered, this, [this] {
-      const QString path = VXUserPrompt::getOpenFileName(this, "Import Visualization Presets", "JSON File (*.json)");
-      if(!path.isEmpty())
-        Q_EMIT importPresets(path);
-    });
+    connect(menu->addAction("Export Visualization Presets..."), &QAction::triggered, this,
+            [this]
+            {
+              const QString path = VXUserPrompt::getSaveFileName(
+                this, "Export Visualization Presets", "JSON File (*.json)");
+              if (!path.isEmpty())
+                Q_EMIT exportPresets(path, PresetNames());
+            });
+    connect(menu->addAction("Import Visualization Presets..."), &QAction::triggered, this,
+            [this]
+            {
+              const QString path = VXUserPrompt::getOpenFileName(
+                this, "Import Visualization Presets", "JSON File (*.json)");
+              if (!path.isEmpty())
+                Q_EMIT importPresets(path);
+            });
   }
   return menu;
 }
 
 void VXInfoWidget::addPresetActions(QMenu* menu, const QModelIndex& index)
 {
-  connect(menu->addAction("Save as Visualization Preset..."), &QAction::triggered, this, [this, index] {
-    const QString name = VXUserPrompt::getText(this, "Create Visualization Preset", "Preset name:").trimmed();
-    if(name.isEmpty())
-      return;
-    VXUserPrompt::Question question;
-    question.icon = QMessageBox::Question;
-    question.title = "Create Visualization Preset";
-    question.text = "Save the layout of the split views with the preset?";
-    question.buttons = QMessageBox::Yes | QMessageBox::No;
-    question.defaultButton = QMessageBox::No;
-    const bool withViews = VXUserPrompt::ask(this, question) == QMessageBox::Yes;
-    Q_EMIT createPresetRequest(index, name, withViews);
-  });
+  connect(menu->addAction("Save as Visualization Preset..."), &QAction::triggered, this,
+          [this, index]
+          {
+            const QString name =
+              VXUserPrompt::getText(this, "Create Visualization Preset", "Preset name:").trimmed();
+            if (name.isEmpty())
+              return;
+            VXUserPrompt::Question question;
+            question.icon = QMessageBox::Question;
+            question.title = "Create Visualization Preset";
+            question.text = "Save the layout of the split views with the preset?";
+            question.buttons = QMessageBox::Yes | QMessageBox::No;
+            question.defaultButton = QMessageBox::No;
+            const bool withViews = VXUserPrompt::ask(this, question) == QMessageBox::Yes;
+            Q_EMIT createPresetRequest(index, name, withViews);
+          });
   QMenu* apply = menu->addMenu("Apply Visualization Preset");
   const QStringList names = PresetNames();
   apply->setEnabled(!names.isEmpty());
-  for(const QString& name : names)
-    connect(apply->addAction(name), &QAction::triggered, this, [this, index, name] { Q_EMIT applyPresetRequest(index, name); });
+  for (const QString& name : names)
+    connect(apply->addAction(name), &QAction::triggered, this,
+            [this, index, name] { Q_EMIT applyPresetRequest(index, name); });
 }
 
 void VXInfoWidget::onCustomContextMenuRequested(const QPoint& pos)
@@ -748,7 +835,7 @@ void VXInfoWidget::onCustomContextMenuRequested(const QPoint& pos)
 
 void VXInfoWidget::keyPressEvent(QKeyEvent* event)
 {
-  if(event->key() == Qt::Key_Delete && currentIndex().isValid())
+  if (event->key() == Qt::Key_Delete && currentIndex().isValid())
   {
     removeItem(currentIndex());
     return;
@@ -758,7 +845,7 @@ void VXInfoWidget::keyPressEvent(QKeyEvent* event)
 
 void VXInfoWidget::reportStateError(const QString& message)
 {
-  if(++m_StateErrors <= k_MaxReportedStateErrors)
+  if (++m_StateErrors <= k_MaxReportedStateErrors)
     report(message);
 }
 

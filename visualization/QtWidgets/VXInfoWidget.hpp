@@ -43,7 +43,8 @@ public:
   /** One load reports at most this many errors, then how many more there were. */
   static constexpr int k_MaxReportedStateErrors = 100;
 
-  /** True when arrays and objects in value nest deeper than limit levels; walks without recursion. */
+  /** True when arrays and objects in value nest deeper than limit levels; walks without recursion.
+   */
   static bool JsonNestingExceeds(const nlohmann::json& value, int limit);
 
   explicit VXInfoWidget(QWidget* parent = nullptr);
@@ -69,15 +70,19 @@ public:
   /** Writes the whole tree into output (an array), when the save state is valid. */
   void saveState(nlohmann::json& output, QMap<VXAbstractViewWidget*, int>& viewIndexMap);
   /** Writes the items under parent into output, an array of item objects, recursively. */
-  void saveState(const QModelIndex& parent, nlohmann::json& output, QMap<VXAbstractViewWidget*, int>& viewIndexMap);
+  void saveState(const QModelIndex& parent, nlohmann::json& output,
+                 QMap<VXAbstractViewWidget*, int>& viewIndexMap);
   /**
    * Reads a whole tree: bridges and global sources at the top, then removes
    * the data sources of loaded bridges that the state does not name.
    */
   void loadState(const nlohmann::json& input, const QMap<VXAbstractViewWidget*, int>& viewIndexMap);
-  /** Reads the items of input under parent; errors skip the item and its children, never its sisters. */
-  void loadState(const QModelIndex& parent, const nlohmann::json& input, const QMap<VXAbstractViewWidget*, int>& viewIndexMap,
-                 QList<VXDataSource*>& loadedSources, QList<VXBridgeObject*>& loadedBridges, int depth = 0);
+  /** Reads the items of input under parent; errors skip the item and its children, never its
+   * sisters. */
+  void loadState(const QModelIndex& parent, const nlohmann::json& input,
+                 const QMap<VXAbstractViewWidget*, int>& viewIndexMap,
+                 QList<VXDataSource*>& loadedSources, QList<VXBridgeObject*>& loadedBridges,
+                 int depth = 0);
 
   /** The context menu for an item (invalid index: the empty-area menu). The caller owns it. */
   QMenu* createContextMenu(const QModelIndex& index);
@@ -87,7 +92,8 @@ public:
 
 Q_SIGNALS:
   void loadStateFileRequest(QString filePath);
-  void createPresetRequest(QModelIndex dataSourceIndex, QString presetName, bool saveSplitViewState);
+  void createPresetRequest(QModelIndex dataSourceIndex, QString presetName,
+                           bool saveSplitViewState);
   void applyPresetRequest(QModelIndex parentIndex, QString presetName);
   void exportPresets(QString filePath, QStringList presetNames);
   void importPresets(QString filePath);
@@ -104,7 +110,8 @@ public Q_SLOTS:
   void setCurrentIndex(const QModelIndex& index);
   /** Adds a data view of the type under the current item. */
   void addRepresentation(VXRepresentation::Type type);
-  /** Removes the item and everything under it; the objects are deleted once control returns to the event loop. */
+  /** Removes the item and everything under it; the objects are deleted once control returns to the
+   * event loop. */
   void removeItem(const QModelIndex& index);
   void reloadItem(const QModelIndex& index);
 
@@ -119,14 +126,20 @@ private:
   void report(const QString& message);
   /** Reports an error of a state load, up to k_MaxReportedStateErrors of them per load. */
   void reportStateError(const QString& message);
-  QModelIndex loadFilterHelper(const QModelIndex& parent, const QString& itemType, const nlohmann::json& itemData,
+  QModelIndex loadFilterHelper(const QModelIndex& parent, const QString& itemType,
+                               const nlohmann::json& itemData,
                                const QMap<int, VXAbstractViewWidget*>& views);
-  QModelIndex loadRepresentationHelper(const QModelIndex& parent, const QString& itemType, const nlohmann::json& itemData,
+  QModelIndex loadRepresentationHelper(const QModelIndex& parent, const QString& itemType,
+                                       const nlohmann::json& itemData,
                                        const QMap<int, VXAbstractViewWidget*>& views);
-  QModelIndex loadDataSource(const QModelIndex& parent, const QString& itemType, const nlohmann::json& itemData,
-                             const QMap<int, VXAbstractViewWidget*>& views, QList<VXDataSource*>& loadedSources);
-  QModelIndex loadTopLevelItem(const QString& itemType, const nlohmann::json& itemData, const QMap<VXAbstractViewWidget*, int>& viewIndexMap,
-                               const QMap<int, VXAbstractViewWidget*>& views, QList<VXBridgeObject*>& loadedBridges);
+  QModelIndex loadDataSource(const QModelIndex& parent, const QString& itemType,
+                             const nlohmann::json& itemData,
+                             const QMap<int, VXAbstractViewWidget*>& views,
+                             QList<VXDataSource*>& loadedSources);
+  QModelIndex loadTopLevelItem(const QString& itemType, const nlohmann::json& itemData,
+                               const QMap<VXAbstractViewWidget*, int>& viewIndexMap,
+                               const QMap<int, VXAbstractViewWidget*>& views,
+                               QList<VXBridgeObject*>& loadedBridges);
 
   VXPipelineModel* m_Model = nullptr;
   QSplitter* m_Splitter = nullptr;

@@ -8,7 +8,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 VXScreenshotOptionsDialog::VXScreenshotOptionsDialog(const QColor& defaultColor, QWidget* parent)
-: QDialog(parent)
+  : QDialog(parent)
 {
   setWindowTitle(tr("Screenshot Options"));
   auto* layout = new QVBoxLayout(this);

@@ -29,10 +29,11 @@
 #include <cmath>
 #include <cstring>
 
-VXViewActionsController::VXViewActionsController(vtkRenderer* renderer, QWidget* viewWidget, QObject* parent)
-: QObject(parent)
-, m_Renderer(renderer)
-, m_ViewWidget(viewWidget)
+VXViewActionsController::VXViewActionsController(vtkRenderer* renderer, QWidget* viewWidget,
+                                                 QObject* parent)
+  : QObject(parent)
+  , m_Renderer(renderer)
+  , m_ViewWidget(viewWidget)
 {
 }
 
@@ -48,7 +49,7 @@ vtkRenderWindow* VXViewActionsController::renderWindow() const
 
 void VXViewActionsController::renderWindowNow() const
 {
-  if(vtkRenderWindow* window = renderWindow())
+  if (vtkRenderWindow* window = renderWindow())
     window->Render();
 }
 
@@ -58,16 +59,16 @@ void VXViewActionsController::renderWindowNow() const
 QImage VXViewActionsController::captureViewImage(bool transparent, const QColor& background)
 {
   vtkRenderWindow* window = renderWindow();
-  if(m_Renderer == nullptr || window == nullptr)
+  if (m_Renderer == nullptr || window == nullptr)
     return {};
 
   double savedBackground[3];
   m_Renderer->GetBackground(savedBackground);
   const double savedAlpha = m_Renderer->GetBackgroundAlpha();
   const vtkTypeBool savedAlphaPlanes = window->GetAlphaBitPlanes();
-  if(!transparent && background.isValid())
+  if (!transparent && background.isValid())
     m_Renderer->SetBackground(background.redF(), background.greenF(), background.blueF());
-  if(transparent)
+  if (transparent)
   {
     // the alpha channel only carries the transparency when the background has none
     window->SetAlphaBitPlanes(1);
@@ -75,12 +76,12 @@ QImage VXViewActionsController::captureViewImage(bool transparent, const QColor&
   }
 
   vtkNew<vtkWindowToImageFilter> filter;
-  if(transparent)
+  if (transparent)
     filter->SetInputBufferTypeToRGBA();
   else
     filter->SetInputBufferTypeToRGB();
 
-  if(m_PreCaptureHook)
+  if (m_PreCaptureHook)
     m_PreCaptureHook();
   window->Render();
   filter->SetInput(window);
@@ -88,19 +89,22 @@ QImage VXViewActionsController::captureViewImage(bool transparent, const QColor&
 
   QImage image;
   vtkImageData* output = filter->GetOutput();
-  if(output != nullptr && output->GetPointData() != nullptr && output->GetPointData()->GetScalars() != nullptr)
+  if (output != nullptr && output->GetPointData() != nullptr &&
+      output->GetPointData()->GetScalars() != nullptr)
   {
     int dims[3];
     output->GetDimensions(dims);
     auto* pixels = static_cast<const unsigned char*>(output->GetScalarPointer());
     const int channels = transparent ? 4 : 3;
-    if(pixels != nullptr && dims[0] > 0 && dims[1] > 0)
+    if (pixels != nullptr && dims[0] > 0 && dims[1] > 0)
     {
       const size_t rowSize = static_cast<size_t>(dims[0]) * static_cast<size_t>(channels);
-      image = QImage(dims[0], dims[1], transparent ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
+      image =
+        QImage(dims[0], dims[1], transparent ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
       // VTK's first row is the lowest one of the picture
-      for(int row = 0; row < dims[1]; ++row)
-        std::memcpy(image.scanLine(row), pixels + static_cast<size_t>(dims[1] - 1 - row) * rowSize, rowSize);
+      for (int row = 0; row < dims[1]; ++row)
+        std::memcpy(image.scanLine(row), pixels + static_cast<size_t>(dims[1] - 1 - row) * rowSize,
+                    rowSize);
     }
   }
 
@@ -108,7 +112,7 @@ QImage VXViewActionsController::captureViewImage(bool transparent, const QColor&
   m_Renderer->SetBackgroundAlpha(savedAlpha);
   window->SetAlphaBitPlanes(savedAlphaPlanes);
   window->Render();
-  if(m_PostCaptureHook)
+  if (m_PostCaptureHook)
     m_PostCaptureHook();
   return image;
 }
@@ -116,44 +120,47 @@ QImage VXViewActionsController::captureViewImage(bool transparent, const QColor&
 void VXViewActionsController::saveScreenshot()
 {
   const QString title = QStringLiteral("Save Screenshot");
-  const QString filter = QStringLiteral("PNG Image (*.png);;JPEG Image (*.jpg *.jpeg);;Bitmap Image (*.bmp)");
-  const QString fileName = m_SaveFileName
-    ? m_SaveFileName(m_ViewWidget, title, QDir::currentPath(), filter)
-    : QFileDialog::getSaveFileName(m_ViewWidget, title, QDir::currentPath(), filter);
-  if(fileName.isEmpty())
+  const QString filter =
+    QStringLiteral("PNG Image (*.png);;JPEG Image (*.jpg *.jpeg);;Bitmap Image (*.bmp)");
+  const QString fileName =
+    m_SaveFileName ? m_SaveFileName(m_ViewWidget, title, QDir::currentPath(), filter)
+                   : QFileDialog::getSaveFileName(m_ViewWidget, title, QDir::currentPath(), filter);
+  if (fileName.isEmpty())
     return;
 
   bool transparent = false;
   QColor color = backgroundColor();
-  if(m_ScreenshotOptions)
+  if (m_ScreenshotOptions)
   {
-    if(!m_ScreenshotOptions(backgroundColor(), m_ViewWidget, transparent, color))
+    if (!m_ScreenshotOptions(backgroundColor(), m_ViewWidget, transparent, color))
       return;
   }
   else
   {
     VXScreenshotOptionsDialog dialog(backgroundColor(), m_ViewWidget);
-    if(dialog.exec() != QDialog::Accepted)
+    if (dialog.exec() != QDialog::Accepted)
       return;
     transparent = dialog.transparentBackground();
     color = dialog.backgroundColor();
   }
 
   const QImage image = captureViewImage(transparent, color);
-  if(image.isNull())
+  if (image.isNull())
   {
     Q_EMIT printOutput(
-      QStringLiteral("Failed to capture screenshot for '%1' — render window returned no image data.").arg(fileName));
+      QStringLiteral(
+        "Failed to capture screenshot for '%1' — render window returned no image data.")
+        .arg(fileName));
     return;
   }
-  if(!image.save(fileName))
+  if (!image.save(fileName))
     Q_EMIT printOutput(QStringLiteral("Failed to write screenshot to '%1'.").arg(fileName));
 }
 
 void VXViewActionsController::copyScreenshot()
 {
   const QImage image = captureViewImage(false, QColor());
-  if(!image.isNull())
+  if (!image.isNull())
     QGuiApplication::clipboard()->setImage(image);
 }
 
@@ -162,64 +169,70 @@ void VXViewActionsController::copyScreenshot()
 
 QAction* VXViewActionsController::getSaveScreenshotAction()
 {
-  if(m_SaveScreenshotAction == nullptr)
+  if (m_SaveScreenshotAction == nullptr)
   {
     m_SaveScreenshotAction = new QAction(QStringLiteral("Save Screenshot ..."), this);
-    connect(m_SaveScreenshotAction, &QAction::triggered, this, &VXViewActionsController::saveScreenshot);
+    connect(m_SaveScreenshotAction, &QAction::triggered, this,
+            &VXViewActionsController::saveScreenshot);
   }
   return m_SaveScreenshotAction;
 }
 
 QAction* VXViewActionsController::getCopyScreenshotAction()
 {
-  if(m_CopyScreenshotAction == nullptr)
+  if (m_CopyScreenshotAction == nullptr)
   {
     m_CopyScreenshotAction = new QAction(QStringLiteral("Copy Screenshot"), this);
-    connect(m_CopyScreenshotAction, &QAction::triggered, this, &VXViewActionsController::copyScreenshot);
+    connect(m_CopyScreenshotAction, &QAction::triggered, this,
+            &VXViewActionsController::copyScreenshot);
   }
   return m_CopyScreenshotAction;
 }
 
 QAction* VXViewActionsController::getChangeBackgroundColorAction()
 {
-  if(m_ChangeBackgroundAction == nullptr)
+  if (m_ChangeBackgroundAction == nullptr)
   {
     m_ChangeBackgroundAction = new QAction(QStringLiteral("Change Background Color"), this);
-    connect(m_ChangeBackgroundAction, &QAction::triggered, this, &VXViewActionsController::changeBackgroundColor);
+    connect(m_ChangeBackgroundAction, &QAction::triggered, this,
+            &VXViewActionsController::changeBackgroundColor);
   }
   return m_ChangeBackgroundAction;
 }
 
 QAction* VXViewActionsController::getRestoreDefaultBackgroundColorAction()
 {
-  if(m_RestoreBackgroundAction == nullptr)
+  if (m_RestoreBackgroundAction == nullptr)
   {
-    m_RestoreBackgroundAction = new QAction(QStringLiteral("Restore Default Background Color"), this);
-    connect(
-      m_RestoreBackgroundAction, &QAction::triggered, this, &VXViewActionsController::restoreDefaultBackgroundColor);
+    m_RestoreBackgroundAction =
+      new QAction(QStringLiteral("Restore Default Background Color"), this);
+    connect(m_RestoreBackgroundAction, &QAction::triggered, this,
+            &VXViewActionsController::restoreDefaultBackgroundColor);
   }
   return m_RestoreBackgroundAction;
 }
 
 QAction* VXViewActionsController::getGridAxesAction()
 {
-  if(m_GridAxesAction == nullptr)
+  if (m_GridAxesAction == nullptr)
   {
     m_GridAxesAction = new QAction(QStringLiteral("Axes Grid"), this);
     m_GridAxesAction->setCheckable(true);
     m_GridAxesAction->setChecked(gridAxesEnabled());
     // triggered, not toggled: setGridAxesEnabled sets the check state itself
-    connect(m_GridAxesAction, &QAction::triggered, this, &VXViewActionsController::setGridAxesEnabled);
+    connect(m_GridAxesAction, &QAction::triggered, this,
+            &VXViewActionsController::setGridAxesEnabled);
   }
   return m_GridAxesAction;
 }
 
 QAction* VXViewActionsController::getEditGridAxesAction()
 {
-  if(m_EditGridAxesAction == nullptr)
+  if (m_EditGridAxesAction == nullptr)
   {
     m_EditGridAxesAction = new QAction(QStringLiteral("Edit Axes Grid"), this);
-    connect(m_EditGridAxesAction, &QAction::triggered, this, &VXViewActionsController::editGridAxes);
+    connect(m_EditGridAxesAction, &QAction::triggered, this,
+            &VXViewActionsController::editGridAxes);
   }
   return m_EditGridAxesAction;
 }
@@ -229,52 +242,55 @@ QAction* VXViewActionsController::getEditGridAxesAction()
 
 QColor VXViewActionsController::backgroundColor() const
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return {};
   double rgb[3];
   m_Renderer->GetBackground(rgb);
-  return QColor::fromRgbF(static_cast<float>(rgb[0]), static_cast<float>(rgb[1]), static_cast<float>(rgb[2]));
+  return QColor::fromRgbF(static_cast<float>(rgb[0]), static_cast<float>(rgb[1]),
+                          static_cast<float>(rgb[2]));
 }
 
 void VXViewActionsController::setBackgroundColor(const QColor& color)
 {
-  if(m_Renderer == nullptr || !color.isValid())
+  if (m_Renderer == nullptr || !color.isValid())
     return;
   m_Renderer->SetBackground(color.redF(), color.greenF(), color.blueF());
-  if(m_BackgroundChangedHook)
+  if (m_BackgroundChangedHook)
     m_BackgroundChangedHook(color);
   renderWindowNow();
-  if(m_ViewWidget != nullptr)
+  if (m_ViewWidget != nullptr)
     m_ViewWidget->update();
 }
 
 void VXViewActionsController::setBackgroundColorComponents(std::array<double, 3> rgb)
 {
-  for(double& component : rgb)
+  for (double& component : rgb)
   {
-    if(component < 0.0 || component > 1.0 || std::isnan(component))
+    if (component < 0.0 || component > 1.0 || std::isnan(component))
     {
       Q_EMIT printOutput(
-        QStringLiteral("Background color component %1 out of range; clamped to [0, 1].").arg(component));
+        QStringLiteral("Background color component %1 out of range; clamped to [0, 1].")
+          .arg(component));
       component = std::isnan(component) ? 0.0 : std::clamp(component, 0.0, 1.0);
     }
   }
-  setBackgroundColor(
-    QColor::fromRgbF(static_cast<float>(rgb[0]), static_cast<float>(rgb[1]), static_cast<float>(rgb[2])));
+  setBackgroundColor(QColor::fromRgbF(static_cast<float>(rgb[0]), static_cast<float>(rgb[1]),
+                                      static_cast<float>(rgb[2])));
 }
 
 void VXViewActionsController::changeBackgroundColor()
 {
   const QString title = QStringLiteral("Select Background Color");
-  const QColor color = m_ColorProvider ? m_ColorProvider(backgroundColor(), m_ViewWidget, title)
-                                       : QColorDialog::getColor(backgroundColor(), m_ViewWidget, title);
-  if(color.isValid())
+  const QColor color = m_ColorProvider
+                         ? m_ColorProvider(backgroundColor(), m_ViewWidget, title)
+                         : QColorDialog::getColor(backgroundColor(), m_ViewWidget, title);
+  if (color.isValid())
     setBackgroundColor(color);
 }
 
 void VXViewActionsController::restoreDefaultBackgroundColor()
 {
-  if(m_DefaultBackground)
+  if (m_DefaultBackground)
     setBackgroundColor(m_DefaultBackground());
 }
 
@@ -293,7 +309,7 @@ bool VXViewActionsController::gridAxesEnabled() const
 
 void VXViewActionsController::ensureGridAxesActor()
 {
-  if(m_GridAxesActor != nullptr || m_Renderer == nullptr)
+  if (m_GridAxesActor != nullptr || m_Renderer == nullptr)
     return;
   m_GridAxesActor = vtkSmartPointer<vtkGridAxesActor3D>::New();
   KXVtk::utils::InitializeGridAxesActor(m_GridAxesActor);
@@ -304,7 +320,7 @@ void VXViewActionsController::ensureGridAxesActor()
 
 void VXViewActionsController::recomputeGridAxesBounds()
 {
-  if(m_Renderer == nullptr || m_GridAxesActor == nullptr)
+  if (m_Renderer == nullptr || m_GridAxesActor == nullptr)
     return;
   // the grid must not measure itself
   m_Renderer->RemoveViewProp(m_GridAxesActor);
@@ -312,22 +328,22 @@ void VXViewActionsController::recomputeGridAxesBounds()
   vtkPropCollection* props = m_Renderer->GetViewProps();
   vtkCollectionSimpleIterator it;
   props->InitTraversal(it);
-  while(vtkProp* prop = props->GetNextProp(it))
+  while (vtkProp* prop = props->GetNextProp(it))
   {
-    if(prop->GetVisibility() == 0 || !prop->GetUseBounds())
+    if (prop->GetVisibility() == 0 || !prop->GetUseBounds())
       continue;
-    if(auto* image = vtkImageActor::SafeDownCast(prop))
+    if (auto* image = vtkImageActor::SafeDownCast(prop))
     {
       const std::array<double, 6> bounds = KXVtk::utils::GetImageActorRenderedBounds(image);
       box.AddBounds(bounds.data());
     }
-    else if(const double* bounds = prop->GetBounds())
+    else if (const double* bounds = prop->GetBounds())
     {
       box.AddBounds(bounds);
     }
   }
-  double gridBounds[6] = {0, 0, 0, 0, 0, 0};
-  if(box.IsValid())
+  double gridBounds[6] = { 0, 0, 0, 0, 0, 0 };
+  if (box.IsValid())
     box.GetBounds(gridBounds);
   m_GridAxesActor->SetGridBounds(gridBounds);
   m_Renderer->AddViewProp(m_GridAxesActor);
@@ -336,10 +352,10 @@ void VXViewActionsController::recomputeGridAxesBounds()
 
 void VXViewActionsController::applyCachedConfigToActor()
 {
-  if(m_GridAxesActor == nullptr)
+  if (m_GridAxesActor == nullptr)
     return;
   const double* bounds = m_GridAxesActor->GetGridBounds();
-  for(int axis = 0; axis < 3; ++axis)
+  for (int axis = 0; axis < 3; ++axis)
   {
     const size_t a = static_cast<size_t>(axis);
     const double spacing = m_GridConfig.spacing[a];
@@ -347,39 +363,40 @@ void VXViewActionsController::applyCachedConfigToActor()
     m_GridAxesActor->SetUseCustomLabels(axis, custom);
     m_AppliedCustom[a] = custom;
     m_AppliedLabels[a].clear();
-    if(!custom)
+    if (!custom)
       continue;
     const double min = bounds[2 * axis];
     const double max = bounds[2 * axis + 1];
     const double steps = std::floor((max - min) / spacing);
     // a negative spacing or inverted bounds still give the label at the minimum
-    const vtkIdType count = std::isfinite(steps) && steps >= 0.0 ? static_cast<vtkIdType>(steps) + 1 : 1;
+    const vtkIdType count =
+      std::isfinite(steps) && steps >= 0.0 ? static_cast<vtkIdType>(steps) + 1 : 1;
     m_GridAxesActor->SetNumberOfLabels(axis, count);
     double value = min;
-    for(vtkIdType k = 0; k < count; ++k)
+    for (vtkIdType k = 0; k < count; ++k)
     {
       m_GridAxesActor->SetLabel(axis, k, value);
       m_AppliedLabels[a].push_back(value);
       value += spacing;
     }
   }
-  KXVtk::utils::ApplyGridAxesAppearance(
-    m_GridAxesActor, m_GridConfig.color, m_GridConfig.opacity, m_GridConfig.showLabels);
-  for(int axis = 0; axis < 3; ++axis)
+  KXVtk::utils::ApplyGridAxesAppearance(m_GridAxesActor, m_GridConfig.color, m_GridConfig.opacity,
+                                        m_GridConfig.showLabels);
+  for (int axis = 0; axis < 3; ++axis)
     m_GridAxesActor->SetTitle(axis, m_GridConfig.titles[static_cast<size_t>(axis)].toStdString());
   m_GridAxesActor->SetGenerateGrid(m_GridConfig.showGrid);
 
   // a volume without input would make the window render fail
-  if(m_Renderer != nullptr)
+  if (m_Renderer != nullptr)
   {
     vtkPropCollection* props = m_Renderer->GetViewProps();
     vtkCollectionSimpleIterator it;
     props->InitTraversal(it);
-    while(vtkProp* prop = props->GetNextProp(it))
+    while (vtkProp* prop = props->GetNextProp(it))
     {
       auto* volume = vtkVolume::SafeDownCast(prop);
-      if(volume != nullptr && volume->GetVisibility() != 0 &&
-        (volume->GetMapper() == nullptr || volume->GetMapper()->GetDataSetInput() == nullptr))
+      if (volume != nullptr && volume->GetVisibility() != 0 &&
+          (volume->GetMapper() == nullptr || volume->GetMapper()->GetDataSetInput() == nullptr))
         return;
     }
   }
@@ -389,17 +406,18 @@ void VXViewActionsController::applyCachedConfigToActor()
 void VXViewActionsController::setGridAxesEnabled(bool enabled)
 {
   ensureGridAxesActor();
-  if(m_GridAxesActor == nullptr)
+  if (m_GridAxesActor == nullptr)
     return;
-  if(enabled)
+  if (enabled)
     recomputeGridAxesBounds();
   m_GridAxesActor->SetVisibility(enabled);
   getGridAxesAction()->setChecked(enabled);
   renderWindowNow();
 }
 
-void VXViewActionsController::setGridAxesConfig(std::array<double, 3> spacing, bool showGrid, const QColor& color,
-  double opacity, bool showLabels, std::array<QString, 3> titles)
+void VXViewActionsController::setGridAxesConfig(std::array<double, 3> spacing, bool showGrid,
+                                                const QColor& color, double opacity,
+                                                bool showLabels, std::array<QString, 3> titles)
 {
   m_GridConfig.spacing = spacing;
   m_GridConfig.showGrid = showGrid;
@@ -407,17 +425,18 @@ void VXViewActionsController::setGridAxesConfig(std::array<double, 3> spacing, b
   m_GridConfig.opacity = opacity;
   m_GridConfig.showLabels = showLabels;
   m_GridConfig.titles = std::move(titles);
-  if(m_GridAxesWidget != nullptr)
+  if (m_GridAxesWidget != nullptr)
     m_GridAxesWidget->loadConfig(m_GridConfig);
   applyCachedConfigToActor();
 }
 
 void VXViewActionsController::editGridAxes()
 {
-  if(m_GridAxesWidget == nullptr)
+  if (m_GridAxesWidget == nullptr)
   {
     m_GridAxesWidget = new VXGridAxesWidget(m_ViewWidget);
-    connect(m_GridAxesWidget, &VXGridAxesWidget::applyRequested, this, &VXViewActionsController::applyGridAxesEdits);
+    connect(m_GridAxesWidget, &VXGridAxesWidget::applyRequested, this,
+            &VXViewActionsController::applyGridAxesEdits);
   }
   m_GridAxesWidget->loadConfig(m_GridConfig);
   m_GridAxesWidget->show();
@@ -426,7 +445,7 @@ void VXViewActionsController::editGridAxes()
 
 void VXViewActionsController::applyGridAxesEdits()
 {
-  if(m_GridAxesWidget == nullptr)
+  if (m_GridAxesWidget == nullptr)
     return;
   m_GridConfig = m_GridAxesWidget->config();
   applyCachedConfigToActor();

@@ -40,13 +40,14 @@ public:
   using BackgroundChangedHook = std::function<void(const QColor&)>;
   using DefaultBackgroundProvider = std::function<QColor()>;
   /** Asks for a file name to save to: (parent, title, folder, filter); empty means cancelled. */
-  using SaveFileNameProvider =
-    std::function<QString(QWidget* parent, const QString& title, const QString& dir, const QString& filter)>;
+  using SaveFileNameProvider = std::function<QString(QWidget* parent, const QString& title,
+                                                     const QString& dir, const QString& filter)>;
   /** Asks for a colour: (initial, parent, title); invalid means cancelled. */
-  using ColorProvider = std::function<QColor(const QColor& initial, QWidget* parent, const QString& title)>;
+  using ColorProvider =
+    std::function<QColor(const QColor& initial, QWidget* parent, const QString& title)>;
   /** Asks the screenshot options: returns false when cancelled, else fills the flag and colour. */
-  using ScreenshotOptionsProvider =
-    std::function<bool(const QColor& defaultColor, QWidget* parent, bool& transparent, QColor& color)>;
+  using ScreenshotOptionsProvider = std::function<bool(const QColor& defaultColor, QWidget* parent,
+                                                       bool& transparent, QColor& color)>;
 
   /** @p renderer is the scene renderer; @p viewWidget parents the dialogs. */
   VXViewActionsController(vtkRenderer* renderer, QWidget* viewWidget, QObject* parent = nullptr);
@@ -54,14 +55,26 @@ public:
 
   void setPreCaptureHook(Hook hook) { m_PreCaptureHook = std::move(hook); }
   void setPostCaptureHook(Hook hook) { m_PostCaptureHook = std::move(hook); }
-  void setBackgroundChangedHook(BackgroundChangedHook hook) { m_BackgroundChangedHook = std::move(hook); }
-  void setDefaultBackgroundProvider(DefaultBackgroundProvider provider) { m_DefaultBackground = std::move(provider); }
+  void setBackgroundChangedHook(BackgroundChangedHook hook)
+  {
+    m_BackgroundChangedHook = std::move(hook);
+  }
+  void setDefaultBackgroundProvider(DefaultBackgroundProvider provider)
+  {
+    m_DefaultBackground = std::move(provider);
+  }
   /** Replaces the QFileDialog of "Save Screenshot ..."; an empty function restores it. */
-  void setSaveFileNameProvider(SaveFileNameProvider provider) { m_SaveFileName = std::move(provider); }
+  void setSaveFileNameProvider(SaveFileNameProvider provider)
+  {
+    m_SaveFileName = std::move(provider);
+  }
   /** Replaces the QColorDialog of "Change Background Color"; an empty function restores it. */
   void setColorProvider(ColorProvider provider) { m_ColorProvider = std::move(provider); }
   /** Replaces the VXScreenshotOptionsDialog; an empty function restores it. */
-  void setScreenshotOptionsProvider(ScreenshotOptionsProvider provider) { m_ScreenshotOptions = std::move(provider); }
+  void setScreenshotOptionsProvider(ScreenshotOptionsProvider provider)
+  {
+    m_ScreenshotOptions = std::move(provider);
+  }
 
   /**
    * Draws the view into an image: RGBA with a transparent background when
@@ -107,14 +120,20 @@ public:
   /** Shows or hides the grid, fitting it first when shown. */
   void setGridAxesEnabled(bool enabled);
   /** Replaces the cached settings, mirrors them into the dialog and applies them. */
-  void setGridAxesConfig(std::array<double, 3> spacing, bool showGrid, const QColor& color, double opacity,
-    bool showLabels, std::array<QString, 3> titles);
+  void setGridAxesConfig(std::array<double, 3> spacing, bool showGrid, const QColor& color,
+                         double opacity, bool showLabels, std::array<QString, 3> titles);
   /** The cached settings. */
   const VXGridAxesConfig& gridAxesConfig() const { return m_GridConfig; }
   /** The custom label values last given to axis @p axis; empty when the axis labels itself. */
-  const std::vector<double>& gridAxesLabels(int axis) const { return m_AppliedLabels.at(static_cast<size_t>(axis)); }
+  const std::vector<double>& gridAxesLabels(int axis) const
+  {
+    return m_AppliedLabels.at(static_cast<size_t>(axis));
+  }
   /** Whether axis @p axis uses custom labels. */
-  bool gridAxesUsesCustomLabels(int axis) const { return m_AppliedCustom.at(static_cast<size_t>(axis)); }
+  bool gridAxesUsesCustomLabels(int axis) const
+  {
+    return m_AppliedCustom.at(static_cast<size_t>(axis));
+  }
   /** The options dialog; null until "Edit Axes Grid" is first used. */
   VXGridAxesWidget* getGridAxesWidget() const { return m_GridAxesWidget; }
 
@@ -159,6 +178,6 @@ private:
   vtkSmartPointer<vtkGridAxesActor3D> m_GridAxesActor;
   VXGridAxesConfig m_GridConfig;
   std::array<std::vector<double>, 3> m_AppliedLabels;
-  std::array<bool, 3> m_AppliedCustom = {false, false, false};
+  std::array<bool, 3> m_AppliedCustom = { false, false, false };
   QPointer<VXGridAxesWidget> m_GridAxesWidget;
 };

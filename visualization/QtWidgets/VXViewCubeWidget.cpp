@@ -16,10 +16,10 @@ VXViewCubeWidget::~VXViewCubeWidget() = default;
 
 void VXViewCubeWidget::setFaceLabels(const QStringList& labels)
 {
-  if(labels.size() != 6)
+  if (labels.size() != 6)
     return;
   auto* rep = vtkCameraOrientationRepresentation::SafeDownCast(GetRepresentation());
-  if(rep == nullptr)
+  if (rep == nullptr)
     return;
   rep->SetXPlusLabelText(labels.at(0).toStdString());
   rep->SetXMinusLabelText(labels.at(1).toStdString());
@@ -33,9 +33,12 @@ void VXViewCubeWidget::setFaceLabels(const QStringList& labels)
 QStringList VXViewCubeWidget::faceLabels()
 {
   auto* rep = vtkCameraOrientationRepresentation::SafeDownCast(GetRepresentation());
-  if(rep == nullptr)
+  if (rep == nullptr)
     return {};
-  return {QString::fromStdString(rep->GetXPlusLabelText()), QString::fromStdString(rep->GetXMinusLabelText()),
-    QString::fromStdString(rep->GetYPlusLabelText()), QString::fromStdString(rep->GetYMinusLabelText()),
-    QString::fromStdString(rep->GetZPlusLabelText()), QString::fromStdString(rep->GetZMinusLabelText())};
+  return { QString::fromStdString(rep->GetXPlusLabelText()),
+           QString::fromStdString(rep->GetXMinusLabelText()),
+           QString::fromStdString(rep->GetYPlusLabelText()),
+           QString::fromStdString(rep->GetYMinusLabelText()),
+           QString::fromStdString(rep->GetZPlusLabelText()),
+           QString::fromStdString(rep->GetZMinusLabelText()) };
 }

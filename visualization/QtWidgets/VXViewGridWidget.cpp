@@ -23,12 +23,13 @@ VXAbstractViewWidget* asView(QWidget* widget)
 }
 
 constexpr const char* k_LegacyOrientationKey = "split_view_orientation";
-// more cells than this is no grid a user made: refuse it rather than build thousands of render windows
+// more cells than this is no grid a user made: refuse it rather than build thousands of render
+// windows
 constexpr int k_MaximumCells = 256;
 } // namespace
 
 VXViewGridWidget::VXViewGridWidget(QWidget* parent)
-: AbstractKXGridSplitterWidget(parent)
+  : AbstractKXGridSplitterWidget(parent)
 {
   setObjectName(QStringLiteral("viewGridWidget"));
   setInitialWidget(new VXViewWidget(this));
@@ -47,9 +48,9 @@ VXAbstractViewWidget* VXViewGridWidget::activeView() const
 QList<VXAbstractViewWidget*> VXViewGridWidget::allViews() const
 {
   QList<VXAbstractViewWidget*> views;
-  for(QWidget* widget : allWidgets())
+  for (QWidget* widget : allWidgets())
   {
-    if(VXAbstractViewWidget* view = asView(widget))
+    if (VXAbstractViewWidget* view = asView(widget))
       views.append(view);
   }
   return views;
@@ -77,7 +78,7 @@ QWidget* VXViewGridWidget::createSplitWidget(QWidget* source)
 void VXViewGridWidget::saveWidgetState(QWidget* widget, nlohmann::json& widgetState) const
 {
   VXAbstractViewWidget* view = asView(widget);
-  if(view == nullptr)
+  if (view == nullptr)
     return;
   nlohmann::json viewState = nlohmann::json::object();
   view->saveState(viewState);
@@ -88,14 +89,14 @@ void VXViewGridWidget::loadWidgetState(QWidget* widget, const nlohmann::json& wi
 {
   VXAbstractViewWidget* view = asView(widget);
   // without "view_state" the view keeps its defaults
-  if(view == nullptr || !widgetState.is_object() || !widgetState.contains(k_ViewStateKey))
+  if (view == nullptr || !widgetState.is_object() || !widgetState.contains(k_ViewStateKey))
     return;
   view->loadState(widgetState.at(k_ViewStateKey));
 }
 
 void VXViewGridWidget::setWidgetClosable(QWidget* widget, bool closable)
 {
-  if(VXAbstractViewWidget* view = asView(widget))
+  if (VXAbstractViewWidget* view = asView(widget))
     view->setClosable(closable);
 }
 
@@ -103,10 +104,10 @@ void VXViewGridWidget::onWidgetCreated(QWidget* source, QWidget* created)
 {
   VXAbstractViewWidget* sourceView = asView(source);
   VXAbstractViewWidget* createdView = asView(created);
-  if(createdView == nullptr)
+  if (createdView == nullptr)
     return;
   // the tree items shown in the source copy themselves into the new view
-  if(sourceView != nullptr)
+  if (sourceView != nullptr)
     sourceView->notifyViewWidgetCreated(createdView);
   Q_EMIT viewCreated(createdView);
 }
@@ -114,11 +115,11 @@ void VXViewGridWidget::onWidgetCreated(QWidget* source, QWidget* created)
 void VXViewGridWidget::onWidgetClosing(QWidget* widget)
 {
   VXAbstractViewWidget* view = asView(widget);
-  if(view == nullptr)
+  if (view == nullptr)
     return;
   view->notifyClosingView();
   // a closed view leaves its link set at once (the gate of a blocked frame doesn't apply here)
-  if(VXVisualizationWidget* renderWidget = view->getVisualizationWidget())
+  if (VXVisualizationWidget* renderWidget = view->getVisualizationWidget())
     renderWidget->unlinkCamera();
   Q_EMIT viewClosed(view);
 }
@@ -127,9 +128,9 @@ void VXViewGridWidget::onActiveWidgetChanged(QWidget* previous, QWidget* current
 {
   VXAbstractViewWidget* previousView = asView(previous);
   VXAbstractViewWidget* currentView = asView(current);
-  if(previousView != nullptr && previousView != currentView)
+  if (previousView != nullptr && previousView != currentView)
     previousView->setActive(false);
-  if(currentView != nullptr)
+  if (currentView != nullptr)
     currentView->setActive(true);
   Q_EMIT activeViewChanged(currentView);
 }
@@ -138,17 +139,21 @@ void VXViewGridWidget::connectWidget(QWidget* widget)
 {
   AbstractKXGridSplitterWidget::connectWidget(widget);
   VXAbstractViewWidget* view = asView(widget);
-  if(view == nullptr)
+  if (view == nullptr)
     return;
   connect(view, &VXAbstractViewWidget::requestSplitHorizontally, this, &VXViewGridWidget::addColumn,
           Qt::UniqueConnection);
-  connect(view, &VXAbstractViewWidget::requestSplitVertically, this, &VXViewGridWidget::addRow, Qt::UniqueConnection);
-  connect(view, &VXAbstractViewWidget::requestClose, this, &VXViewGridWidget::closeCell, Qt::UniqueConnection);
-  connect(view, &VXAbstractViewWidget::markActive, this, &VXViewGridWidget::markWidgetActive, Qt::UniqueConnection);
-  if(VXVisualizationWidget* renderWidget = view->getVisualizationWidget())
+  connect(view, &VXAbstractViewWidget::requestSplitVertically, this, &VXViewGridWidget::addRow,
+          Qt::UniqueConnection);
+  connect(view, &VXAbstractViewWidget::requestClose, this, &VXViewGridWidget::closeCell,
+          Qt::UniqueConnection);
+  connect(view, &VXAbstractViewWidget::markActive, this, &VXViewGridWidget::markWidgetActive,
+          Qt::UniqueConnection);
+  if (VXVisualizationWidget* renderWidget = view->getVisualizationWidget())
   {
     QPointer<VXViewGridWidget> grid(this);
-    renderWidget->setAnyViewLinkedQuery([grid]() { return grid != nullptr && grid->anyViewLinked(); });
+    renderWidget->setAnyViewLinkedQuery([grid]()
+                                        { return grid != nullptr && grid->anyViewLinked(); });
   }
 }
 
@@ -158,29 +163,32 @@ void VXViewGridWidget::connectWidget(QWidget* widget)
 bool VXViewGridWidget::anyViewLinked() const
 {
   const QList<VXAbstractViewWidget*> views = allViews();
-  return std::any_of(views.begin(), views.end(), [](VXAbstractViewWidget* view) {
-    return view->getVisualizationWidget() != nullptr && view->getVisualizationWidget()->isLinked();
-  });
+  return std::any_of(views.begin(), views.end(),
+                     [](VXAbstractViewWidget* view)
+                     {
+                       return view->getVisualizationWidget() != nullptr &&
+                              view->getVisualizationWidget()->isLinked();
+                     });
 }
 
 void VXViewGridWidget::linkAllViews()
 {
   const QList<VXAbstractViewWidget*> views = allViews();
-  if(views.size() < 2)
+  if (views.size() < 2)
     return;
   VXAbstractViewWidget* target = activeView() != nullptr ? activeView() : views.first();
-  if(target->getVisualizationWidget() == nullptr)
+  if (target->getVisualizationWidget() == nullptr)
     return;
-  for(VXAbstractViewWidget* other : views)
+  for (VXAbstractViewWidget* other : views)
   {
-    if(other != target && other->getVisualizationWidget() != nullptr)
+    if (other != target && other->getVisualizationWidget() != nullptr)
       other->getVisualizationWidget()->linkCameraWith(target->getVisualizationWidget());
   }
 }
 
 void VXViewGridWidget::unlinkAllViews()
 {
-  for(VXAbstractViewWidget* view : allViews())
+  for (VXAbstractViewWidget* view : allViews())
     view->unlinkCamera();
 }
 
@@ -194,18 +202,19 @@ void VXViewGridWidget::saveState(nlohmann::json& output) const
 
 void VXViewGridWidget::advanceNextSplitViewId(int largest)
 {
-  if(VXViewWidget::s_NextSplitViewId <= largest)
+  if (VXViewWidget::s_NextSplitViewId <= largest)
     VXViewWidget::s_NextSplitViewId = largest + 1;
 }
 
 void VXViewGridWidget::loadState(const nlohmann::json& input, VXAbstractViewWidget* prototype)
 {
-  if(!input.is_object())
+  if (!input.is_object())
   {
-    qWarning() << "VXViewGridWidget: the split view state is not a JSON object; the views stay as they are.";
+    qWarning()
+      << "VXViewGridWidget: the split view state is not a JSON object; the views stay as they are.";
     return;
   }
-  if(!input.contains(k_GridVersion))
+  if (!input.contains(k_GridVersion))
   {
     loadLegacyState(input);
     return;
@@ -216,12 +225,12 @@ void VXViewGridWidget::loadState(const nlohmann::json& input, VXAbstractViewWidg
   const int cols = input.at(key(k_GridCols)).get<int>();
   std::vector<double> colWidths;
   std::vector<double> rowHeights;
-  if(input.contains(k_ColWidths))
+  if (input.contains(k_ColWidths))
     colWidths = input.at(key(k_ColWidths)).get<std::vector<double>>();
-  if(input.contains(k_RowHeights))
+  if (input.contains(k_RowHeights))
     rowHeights = input.at(key(k_RowHeights)).get<std::vector<double>>();
   const nlohmann::json cells = input.value(key(k_GridCells), nlohmann::json());
-  if(rows < 1 || cols < 1 || rows * cols > k_MaximumCells || !cells.is_array())
+  if (rows < 1 || cols < 1 || rows * cols > k_MaximumCells || !cells.is_array())
   {
     qWarning() << "VXViewGridWidget: the split view state has" << rows << "x" << cols
                << "cells or no cell list; the views stay as they are.";
@@ -229,12 +238,13 @@ void VXViewGridWidget::loadState(const nlohmann::json& input, VXAbstractViewWidg
   }
 
   QPointer<VXAbstractViewWidget> source = prototype;
-  if(source == nullptr && !allViews().isEmpty())
+  if (source == nullptr && !allViews().isEmpty())
     source = allViews().first();
-  auto makeView = [this, &source]() -> VXAbstractViewWidget* {
+  auto makeView = [this, &source]() -> VXAbstractViewWidget*
+  {
     // the old views are deleted later, so one of them can still serve as prototype
     VXAbstractViewWidget* view = source != nullptr ? source->newInstance() : nullptr;
-    if(view == nullptr)
+    if (view == nullptr)
       view = new VXViewWidget(this);
     view->setParent(this);
     return view;
@@ -244,9 +254,10 @@ void VXViewGridWidget::loadState(const nlohmann::json& input, VXAbstractViewWidg
   setGridShape(rows, cols, colWidths, rowHeights);
 
   int largest = 0;
-  auto finish = [&]() {
+  auto finish = [&]()
+  {
     // a list with too few cells still gives a whole grid
-    while(hasFreeSlot())
+    while (hasFreeSlot())
     {
       VXAbstractViewWidget* view = makeView();
       appendCell(view, 1, 1);
@@ -255,7 +266,7 @@ void VXViewGridWidget::loadState(const nlohmann::json& input, VXAbstractViewWidg
       largest = std::max(largest, view->getSplitId());
       Q_EMIT viewCreated(view);
     }
-    if(activeWidget() == nullptr && !allWidgets().isEmpty())
+    if (activeWidget() == nullptr && !allWidgets().isEmpty())
       markWidgetActive(allWidgets().first());
     advanceNextSplitViewId(largest);
     updateAllClosable();
@@ -264,11 +275,12 @@ void VXViewGridWidget::loadState(const nlohmann::json& input, VXAbstractViewWidg
 
   try
   {
-    for(const nlohmann::json& cell : cells)
+    for (const nlohmann::json& cell : cells)
     {
-      if(!hasFreeSlot())
+      if (!hasFreeSlot())
       {
-        qWarning() << "VXViewGridWidget: the split view state lists more cells than its grid holds; the rest are ignored.";
+        qWarning() << "VXViewGridWidget: the split view state lists more cells than its grid "
+                      "holds; the rest are ignored.";
         break;
       }
       const int rowSpan = cell.is_object() ? cell.value(key(k_RowSpan), 1) : 1;
@@ -276,17 +288,18 @@ void VXViewGridWidget::loadState(const nlohmann::json& input, VXAbstractViewWidg
       VXAbstractViewWidget* view = makeView();
       appendCell(view, rowSpan, colSpan);
       const nlohmann::json widgetState =
-        cell.is_object() ? cell.value(key(k_WidgetState), nlohmann::json::object()) : nlohmann::json::object();
+        cell.is_object() ? cell.value(key(k_WidgetState), nlohmann::json::object())
+                         : nlohmann::json::object();
       loadWidgetState(view, widgetState);
       connectWidget(view);
       view->show();
       largest = std::max(largest, view->getSplitId());
-      if(view->isActive())
+      if (view->isActive())
         markWidgetActive(view);
       Q_EMIT viewCreated(view);
     }
   }
-  catch(...)
+  catch (...)
   {
     // the grid stays whole; the caller reports the error
     finish();
@@ -299,7 +312,7 @@ void VXViewGridWidget::loadLegacyState(const nlohmann::json& input)
 {
   resetGrid();
   QList<VXAbstractViewWidget*> views = allViews();
-  if(views.isEmpty())
+  if (views.isEmpty())
   {
     setInitialWidget(new VXViewWidget(this));
     views = allViews();
@@ -312,17 +325,17 @@ void VXViewGridWidget::loadLegacyState(const nlohmann::json& input)
 
 int VXViewGridWidget::traverseLegacyNode(VXAbstractViewWidget* view, const nlohmann::json& node)
 {
-  if(view == nullptr || !node.is_object())
+  if (view == nullptr || !node.is_object())
     return 0;
-  if(node.contains(VXViewWidget::k_SplitViewIndexKey))
+  if (node.contains(VXViewWidget::k_SplitViewIndexKey))
   {
     view->loadState(node);
     return node.at(VXViewWidget::k_SplitViewIndexKey).get<int>();
   }
-  if(!node.contains(k_LegacyOrientationKey))
+  if (!node.contains(k_LegacyOrientationKey))
   {
-    qWarning() << "VXViewGridWidget: a split of the older split view state has no" << k_LegacyOrientationKey
-               << "; it is skipped.";
+    qWarning() << "VXViewGridWidget: a split of the older split view state has no"
+               << k_LegacyOrientationKey << "; it is skipped.";
     return 0;
   }
   const int orientation = node.at(k_LegacyOrientationKey).get<int>();
@@ -331,23 +344,23 @@ int VXViewGridWidget::traverseLegacyNode(VXAbstractViewWidget* view, const nlohm
   const bool firstIsLeaf = first.is_object() && first.contains(VXViewWidget::k_SplitViewIndexKey);
 
   int largest = 0;
-  if(firstIsLeaf)
+  if (firstIsLeaf)
     largest = traverseLegacyNode(view, first);
 
   const QList<VXAbstractViewWidget*> before = allViews();
-  if(orientation == 1)
+  if (orientation == 1)
     addColumn(view);
   else
     addRow(view);
   VXAbstractViewWidget* created = nullptr;
-  for(VXAbstractViewWidget* candidate : allViews())
+  for (VXAbstractViewWidget* candidate : allViews())
   {
-    if(!before.contains(candidate))
+    if (!before.contains(candidate))
       created = candidate;
   }
-  if(created != nullptr)
+  if (created != nullptr)
     largest = std::max(largest, traverseLegacyNode(created, second));
-  if(!firstIsLeaf)
+  if (!firstIsLeaf)
     largest = std::max(largest, traverseLegacyNode(view, first));
   return largest;
 }

@@ -74,7 +74,8 @@ protected:
 private:
   /** Reads the split tree of the older format into a grid of one view upward. */
   void loadLegacyState(const nlohmann::json& input);
-  /** Loads @p node into @p view, splitting it for inner nodes; returns the largest split number seen. */
+  /** Loads @p node into @p view, splitting it for inner nodes; returns the largest split number
+   * seen. */
   int traverseLegacyNode(VXAbstractViewWidget* view, const nlohmann::json& node);
   /** Moves the next split number past @p largest unless it is beyond already. */
   static void advanceNextSplitViewId(int largest);

@@ -23,7 +23,7 @@ QString hintText(int splitId)
 } // namespace
 
 VXViewWidget::VXViewWidget(QWidget* parent, Qt::WindowFlags flags)
-: VXAbstractViewWidget(parent, flags)
+  : VXAbstractViewWidget(parent, flags)
 {
   setupForm();
   setupView();
@@ -31,11 +31,11 @@ VXViewWidget::VXViewWidget(QWidget* parent, Qt::WindowFlags flags)
 }
 
 VXViewWidget::VXViewWidget(const VXViewWidget& other)
-: VXAbstractViewWidget(other.parentWidget(), other.windowFlags())
+  : VXAbstractViewWidget(other.parentWidget(), other.windowFlags())
 {
   setupForm();
   setupView();
-  if(m_VisualizationWidget != nullptr)
+  if (m_VisualizationWidget != nullptr)
     m_VisualizationWidget->copy(other.getVisualizationWidget());
   setupGui();
 }
@@ -60,7 +60,8 @@ void VXViewWidget::setupForm()
   m_Form.statusLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   m_Form.buttonLayout->addWidget(m_Form.statusLabel, 1);
 
-  auto makeButton = [this](const char* name, const QString& toolTip) {
+  auto makeButton = [this](const char* name, const QString& toolTip)
+  {
     auto* button = new QPushButton(m_Form.buttonRow);
     button->setObjectName(QString::fromLatin1(name));
     button->setFlat(true);
@@ -70,8 +71,10 @@ void VXViewWidget::setupForm()
     m_Form.buttonLayout->addWidget(button);
     return button;
   };
-  m_Form.splitHorizontalButton = makeButton("splitHorizontalButton", QStringLiteral("Split View Horizontally"));
-  m_Form.splitVerticalButton = makeButton("splitVerticalButton", QStringLiteral("Split View Vertically"));
+  m_Form.splitHorizontalButton =
+    makeButton("splitHorizontalButton", QStringLiteral("Split View Horizontally"));
+  m_Form.splitVerticalButton =
+    makeButton("splitVerticalButton", QStringLiteral("Split View Vertically"));
   m_Form.closeButton = makeButton("closeButton", QString());
 
   m_Form.mainLayout->addWidget(m_Form.buttonRow);
@@ -79,27 +82,29 @@ void VXViewWidget::setupForm()
 
 void VXViewWidget::setupView()
 {
-  if(m_VisualizationWidget == nullptr)
+  if (m_VisualizationWidget == nullptr)
   {
     m_VisualizationWidget = new VXVisualizationWidget(this, 2);
-    connect(m_VisualizationWidget, &VXVisualizationWidget::mousePressed, this, &VXViewWidget::mousePressed);
+    connect(m_VisualizationWidget, &VXVisualizationWidget::mousePressed, this,
+            &VXViewWidget::mousePressed);
     connect(m_VisualizationWidget, &VXVisualizationWidget::requestSplitHorizontally, this,
             &VXViewWidget::splitHorizontally);
     connect(m_VisualizationWidget, &VXVisualizationWidget::requestSplitVertically, this,
             &VXViewWidget::splitVertically);
-    connect(m_VisualizationWidget, &VXVisualizationWidget::statusMessage, this, &VXViewWidget::updateStatusMessage);
+    connect(m_VisualizationWidget, &VXVisualizationWidget::statusMessage, this,
+            &VXViewWidget::updateStatusMessage);
   }
   m_VisualizationWidget->show();
-  if(m_Form.mainLayout != nullptr && m_Form.mainLayout->indexOf(m_VisualizationWidget) < 0)
+  if (m_Form.mainLayout != nullptr && m_Form.mainLayout->indexOf(m_VisualizationWidget) < 0)
     m_Form.mainLayout->addWidget(m_VisualizationWidget, 1);
-  if(VXInteractorStyleCamera* style = m_VisualizationWidget->getInteractorStyle())
+  if (VXInteractorStyleCamera* style = m_VisualizationWidget->getInteractorStyle())
     style->setViewWidget(this);
   setupOverlay();
 }
 
 void VXViewWidget::setupOverlay()
 {
-  if(m_MoveChartOverlayHint != nullptr)
+  if (m_MoveChartOverlayHint != nullptr)
     return;
   m_MoveChartOverlayBackground = new QLabel(QString(), this);
   m_MoveChartOverlayBackground->setObjectName(QStringLiteral("m_MoveChartOverlayBackground"));
@@ -114,7 +119,8 @@ void VXViewWidget::setupOverlay()
   m_MoveChartOverlayHint->setObjectName(QStringLiteral("m_MoveChartOverlayHint"));
   m_MoveChartOverlayHint->setAlignment(Qt::AlignCenter);
   m_MoveChartOverlayHint->setWordWrap(true);
-  m_MoveChartOverlayHint->setStyleSheet(QStringLiteral("color: white; font-size: 24pt; font-weight: bold;"));
+  m_MoveChartOverlayHint->setStyleSheet(
+    QStringLiteral("color: white; font-size: 24pt; font-weight: bold;"));
   m_MoveChartOverlayHint->setGeometry(0, 0, width(), height());
 
   // the view and the strip blur while the hint is up; radius 0 leaves them sharp
@@ -123,9 +129,9 @@ void VXViewWidget::setupOverlay()
   m_VisualizationWidget->setGraphicsEffect(m_BlurEffect);
   // Not on the row itself as well: Qt can't nest effects (a widget with an
   // effect inside another one makes two painters on one device).
-  const QList<QWidget*> formChildren = {m_Form.statusLabel, m_Form.splitHorizontalButton, m_Form.splitVerticalButton,
-                                        m_Form.closeButton};
-  for(QWidget* child : formChildren)
+  const QList<QWidget*> formChildren = { m_Form.statusLabel, m_Form.splitHorizontalButton,
+                                         m_Form.splitVerticalButton, m_Form.closeButton };
+  for (QWidget* child : formChildren)
   {
     auto* blur = new QGraphicsBlurEffect(child);
     blur->setBlurRadius(0);
@@ -140,16 +146,19 @@ void VXViewWidget::setupGui()
 {
   connectSlots();
   m_Form.closeButton->setIcon(KXStyle::generateThemeIconFromName(QStringLiteral("Close")));
-  m_Form.splitHorizontalButton->setIcon(KXStyle::generateThemeIconFromName(QStringLiteral("Split Horizontal")));
-  m_Form.splitVerticalButton->setIcon(KXStyle::generateThemeIconFromName(QStringLiteral("Split Vertical")));
+  m_Form.splitHorizontalButton->setIcon(
+    KXStyle::generateThemeIconFromName(QStringLiteral("Split Horizontal")));
+  m_Form.splitVerticalButton->setIcon(
+    KXStyle::generateThemeIconFromName(QStringLiteral("Split Vertical")));
   updateClosable();
-  if(m_VisualizationWidget != nullptr)
+  if (m_VisualizationWidget != nullptr)
     m_VisualizationWidget->render();
 }
 
 void VXViewWidget::connectSlots()
 {
-  connect(m_Form.splitHorizontalButton, &QPushButton::clicked, this, &VXViewWidget::splitHorizontally);
+  connect(m_Form.splitHorizontalButton, &QPushButton::clicked, this,
+          &VXViewWidget::splitHorizontally);
   connect(m_Form.splitVerticalButton, &QPushButton::clicked, this, &VXViewWidget::splitVertically);
   connect(m_Form.closeButton, &QPushButton::clicked, this, &VXViewWidget::closeView);
 }
@@ -169,19 +178,19 @@ VXAbstractViewWidget* VXViewWidget::newInstance()
 void VXViewWidget::setSplitId(int id)
 {
   m_SplitId = id;
-  if(m_MoveChartOverlayHint != nullptr)
+  if (m_MoveChartOverlayHint != nullptr)
     m_MoveChartOverlayHint->setText(hintText(id));
 }
 
 void VXViewWidget::setSplitIdOverlayHintVisibility(bool visible)
 {
-  if(m_MoveChartOverlayHint == nullptr)
+  if (m_MoveChartOverlayHint == nullptr)
     return;
   m_MoveChartOverlayBackground->setGeometry(0, 0, width(), height());
   m_MoveChartOverlayHint->setGeometry(0, 0, width(), height());
   m_MoveChartOverlayBackground->setVisible(visible);
   m_MoveChartOverlayHint->setVisible(visible);
-  if(visible)
+  if (visible)
   {
     m_MoveChartOverlayBackground->raise();
     m_MoveChartOverlayHint->raise();
@@ -218,14 +227,15 @@ void VXViewWidget::saveState(nlohmann::json& output)
 void VXViewWidget::loadState(nlohmann::json input)
 {
   VXAbstractViewWidget::loadState(input);
-  if(input.is_object() && input.contains(k_SplitViewIndexKey))
+  if (input.is_object() && input.contains(k_SplitViewIndexKey))
     setSplitId(input.at(k_SplitViewIndexKey).get<int>());
 }
 
 void VXViewWidget::updateStatusMessage(QString status)
 {
   m_Form.statusLabel->setText(status);
-  m_Form.statusLabel->setToolTip(QStringLiteral("<html><head/><body><p>%1</p></body></html>").arg(status));
+  m_Form.statusLabel->setToolTip(
+    QStringLiteral("<html><head/><body><p>%1</p></body></html>").arg(status));
 }
 
 void VXViewWidget::updateClosable()
@@ -238,7 +248,7 @@ void VXViewWidget::updateClosable()
 void VXViewWidget::resizeEvent(QResizeEvent* event)
 {
   VXAbstractViewWidget::resizeEvent(event);
-  if(m_MoveChartOverlayHint != nullptr)
+  if (m_MoveChartOverlayHint != nullptr)
   {
     m_MoveChartOverlayBackground->setGeometry(0, 0, width(), height());
     m_MoveChartOverlayHint->setGeometry(0, 0, width(), height());

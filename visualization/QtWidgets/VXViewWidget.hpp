@@ -30,7 +30,8 @@ public:
   static int s_NextSplitViewId;
 
   explicit VXViewWidget(QWidget* parent = nullptr, Qt::WindowFlags flags = Qt::WindowFlags());
-  /** A view that starts with @p other's camera and centre of rotation; it keeps split number 1 until set. */
+  /** A view that starts with @p other's camera and centre of rotation; it keeps split number 1
+   * until set. */
   explicit VXViewWidget(const VXViewWidget& other);
   VXViewWidget& operator=(const VXViewWidget&) = delete;
   ~VXViewWidget() override;

@@ -65,8 +65,10 @@ Q_SIGNALS:
   void changedActiveView(VXAbstractViewWidget* viewWidget);
   void visualizationActive();
   void printOutput(QString message);
-  void createMultiThresholdObjectsFilter(kx::core::DataPath geometryPath, std::vector<KX::ArrayThresholdRange> ranges);
-  void createApplyTransformationGeometryFilter(kx::core::DataPath geometryPath, const std::array<std::array<double, 4>, 4>& transformMatrix);
+  void createMultiThresholdObjectsFilter(kx::core::DataPath geometryPath,
+                                         std::vector<KX::ArrayThresholdRange> ranges);
+  void createApplyTransformationGeometryFilter(
+    kx::core::DataPath geometryPath, const std::array<std::array<double, 4>, 4>& transformMatrix);
   void presetAdded(QString presetName);
   void loadStateRequested(QString filePath);
 

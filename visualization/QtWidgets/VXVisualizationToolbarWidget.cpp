@@ -7,8 +7,8 @@
 #include <QtWidgets/QVBoxLayout>
 
 VXVisualizationToolbarWidget::VXVisualizationToolbarWidget(VXVisualizationWidget* view)
-: QWidget(view)
-, m_View(view)
+  : QWidget(view)
+  , m_View(view)
 {
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(2, 2, 2, 2);
@@ -16,58 +16,64 @@ VXVisualizationToolbarWidget::VXVisualizationToolbarWidget(VXVisualizationWidget
   setAttribute(Qt::WA_NoMousePropagation);
 
   connect(addButton(QStringLiteral("+X"), tr("Look along +X")), &QToolButton::clicked, view,
-    &VXVisualizationWidget::camXPlus);
+          &VXVisualizationWidget::camXPlus);
   connect(addButton(QStringLiteral("-X"), tr("Look along -X")), &QToolButton::clicked, view,
-    &VXVisualizationWidget::camXMinus);
+          &VXVisualizationWidget::camXMinus);
   connect(addButton(QStringLiteral("+Y"), tr("Look along +Y")), &QToolButton::clicked, view,
-    &VXVisualizationWidget::camYPlus);
+          &VXVisualizationWidget::camYPlus);
   connect(addButton(QStringLiteral("-Y"), tr("Look along -Y")), &QToolButton::clicked, view,
-    &VXVisualizationWidget::camYMinus);
+          &VXVisualizationWidget::camYMinus);
   connect(addButton(QStringLiteral("+Z"), tr("Look along +Z")), &QToolButton::clicked, view,
-    &VXVisualizationWidget::camZPlus);
+          &VXVisualizationWidget::camZPlus);
   connect(addButton(QStringLiteral("-Z"), tr("Look along -Z")), &QToolButton::clicked, view,
-    &VXVisualizationWidget::camZMinus);
+          &VXVisualizationWidget::camZMinus);
   connect(addButton(QStringLiteral("Img"), tr("Image view: look along +Z with row 0 at the top")),
-    &QToolButton::clicked, view, &VXVisualizationWidget::camImageView);
-  connect(addButton(QStringLiteral("CW"), tr("Rotate the view clockwise")), &QToolButton::clicked, view,
-    &VXVisualizationWidget::rotateCamClockwise);
-  connect(addButton(QStringLiteral("CCW"), tr("Rotate the view counterclockwise")), &QToolButton::clicked, view,
-    &VXVisualizationWidget::rotateCamCounterClockwise);
-  connect(addButton(QStringLiteral("Reset"), tr("Reset the camera to show everything")), &QToolButton::clicked,
-    view, [view]() { view->resetCamera(); });
+          &QToolButton::clicked, view, &VXVisualizationWidget::camImageView);
+  connect(addButton(QStringLiteral("CW"), tr("Rotate the view clockwise")), &QToolButton::clicked,
+          view, &VXVisualizationWidget::rotateCamClockwise);
+  connect(addButton(QStringLiteral("CCW"), tr("Rotate the view counterclockwise")),
+          &QToolButton::clicked, view, &VXVisualizationWidget::rotateCamCounterClockwise);
+  connect(addButton(QStringLiteral("Reset"), tr("Reset the camera to show everything")),
+          &QToolButton::clicked, view, [view]() { view->resetCamera(); });
 
-  m_CenterOfRotationButton = addButton(QStringLiteral("CoR"), tr("Click on the data to set the center of rotation"), true);
+  m_CenterOfRotationButton =
+    addButton(QStringLiteral("CoR"), tr("Click on the data to set the center of rotation"), true);
   connect(m_CenterOfRotationButton, &QToolButton::toggled, view,
-    [view](bool checked) { view->toggleCenterOfRotationPicking(checked); });
-  m_HoverPointsButton = addButton(QStringLiteral("Pts"), tr("Show the values of the point under the cursor"), true);
-  connect(m_HoverPointsButton, &QToolButton::toggled, view, [view](bool checked) { view->toggleHoverPoints(checked); });
-  m_HoverCellsButton = addButton(QStringLiteral("Cells"), tr("Show the values of the cell under the cursor"), true);
-  connect(m_HoverCellsButton, &QToolButton::toggled, view, [view](bool checked) { view->toggleHoverCells(checked); });
+          [view](bool checked) { view->toggleCenterOfRotationPicking(checked); });
+  m_HoverPointsButton =
+    addButton(QStringLiteral("Pts"), tr("Show the values of the point under the cursor"), true);
+  connect(m_HoverPointsButton, &QToolButton::toggled, view,
+          [view](bool checked) { view->toggleHoverPoints(checked); });
+  m_HoverCellsButton =
+    addButton(QStringLiteral("Cells"), tr("Show the values of the cell under the cursor"), true);
+  connect(m_HoverCellsButton, &QToolButton::toggled, view,
+          [view](bool checked) { view->toggleHoverCells(checked); });
   // the two hover modes exclude each other: keep the buttons in step with the view
   connect(m_HoverPointsButton, &QToolButton::toggled, this,
-    [this](bool checked)
-    {
-      if(checked)
-      {
-        const QSignalBlocker blocker(m_HoverCellsButton);
-        m_HoverCellsButton->setChecked(false);
-      }
-    });
+          [this](bool checked)
+          {
+            if (checked)
+            {
+              const QSignalBlocker blocker(m_HoverCellsButton);
+              m_HoverCellsButton->setChecked(false);
+            }
+          });
   connect(m_HoverCellsButton, &QToolButton::toggled, this,
-    [this](bool checked)
-    {
-      if(checked)
-      {
-        const QSignalBlocker blocker(m_HoverPointsButton);
-        m_HoverPointsButton->setChecked(false);
-      }
-    });
+          [this](bool checked)
+          {
+            if (checked)
+            {
+              const QSignalBlocker blocker(m_HoverPointsButton);
+              m_HoverPointsButton->setChecked(false);
+            }
+          });
   adjustSize();
 }
 
 VXVisualizationToolbarWidget::~VXVisualizationToolbarWidget() = default;
 
-QToolButton* VXVisualizationToolbarWidget::addButton(const QString& text, const QString& toolTip, bool checkable)
+QToolButton* VXVisualizationToolbarWidget::addButton(const QString& text, const QString& toolTip,
+                                                     bool checkable)
 {
   auto* button = new QToolButton(this);
   button->setText(text);
@@ -93,7 +99,7 @@ void VXVisualizationToolbarWidget::releaseCenterOfRotationButton()
 void VXVisualizationToolbarWidget::enableDisableHoverFeatures(int allowHover)
 {
   const bool allowed = allowHover != 0;
-  if(!allowed)
+  if (!allowed)
   {
     m_HoverPointsButton->setChecked(false);
     m_HoverCellsButton->setChecked(false);

@@ -59,8 +59,8 @@ bool allPresent(const nlohmann::json& input, const char* a, const char* b, const
 } // namespace
 
 VXVisualizationWidget::VXVisualizationWidget(QWidget* parent, int numRenderLayers)
-: VXGLWidget(parent)
-, m_NumRenderLayers(numRenderLayers > 0 ? numRenderLayers : 1)
+  : VXGLWidget(parent)
+  , m_NumRenderLayers(numRenderLayers > 0 ? numRenderLayers : 1)
 {
   setupGui();
 }
@@ -68,17 +68,17 @@ VXVisualizationWidget::VXVisualizationWidget(QWidget* parent, int numRenderLayer
 VXVisualizationWidget::~VXVisualizationWidget()
 {
   unlinkCamera();
-  if(m_LinkingWidget == this)
+  if (m_LinkingWidget == this)
     m_LinkingWidget = nullptr;
   m_ViewActions.reset();
-  if(renderWindow() != nullptr && m_WindowStartObserver != 0)
+  if (renderWindow() != nullptr && m_WindowStartObserver != 0)
     renderWindow()->RemoveObserver(m_WindowStartObserver);
   // the widgets observe the interactor, which goes away with the window
-  if(m_HoverWidget != nullptr)
+  if (m_HoverWidget != nullptr)
     m_HoverWidget->SetEnabled(0);
-  if(m_CameraOrientationWidget != nullptr)
+  if (m_CameraOrientationWidget != nullptr)
     m_CameraOrientationWidget->SetEnabled(0);
-  if(m_OrientationWidget != nullptr)
+  if (m_OrientationWidget != nullptr)
     m_OrientationWidget->SetEnabled(0);
 }
 
@@ -90,13 +90,14 @@ void VXVisualizationWidget::setupGui()
   initializeRendererAndAxes();
 
   m_ViewActions = std::make_unique<VXViewActionsController>(m_Renderer, this, this);
-  connect(m_ViewActions.get(), &VXViewActionsController::printOutput, this, &VXVisualizationWidget::printOutput);
+  connect(m_ViewActions.get(), &VXViewActionsController::printOutput, this,
+          &VXVisualizationWidget::printOutput);
   m_ViewActions->setPreCaptureHook(
     [this]()
     {
-      if(m_Toolbar != nullptr)
+      if (m_Toolbar != nullptr)
         m_Toolbar->hide();
-      if(m_OutlineRenderer != nullptr)
+      if (m_OutlineRenderer != nullptr)
       {
         // the outline layer must land in the captured buffer, so draw it first and keep nothing
         m_OutlineRenderer->SetLayer(0);
@@ -107,9 +108,9 @@ void VXVisualizationWidget::setupGui()
   m_ViewActions->setPostCaptureHook(
     [this]()
     {
-      if(m_Toolbar != nullptr)
+      if (m_Toolbar != nullptr)
         m_Toolbar->show();
-      if(m_OutlineRenderer != nullptr)
+      if (m_OutlineRenderer != nullptr)
       {
         m_OutlineRenderer->SetPreserveColorBuffer(m_SavedPreserveColorBuffer);
         m_OutlineRenderer->SetLayer(1);
@@ -118,12 +119,13 @@ void VXVisualizationWidget::setupGui()
   m_ViewActions->setBackgroundChangedHook(
     [this](const QColor& color)
     {
-      if(m_OutlineRenderer != nullptr)
+      if (m_OutlineRenderer != nullptr)
         m_OutlineRenderer->SetBackground(color.redF(), color.greenF(), color.blueF());
     });
-  m_ViewActions->setDefaultBackgroundProvider([]() { return KXPreferences::getDefaultRenderWindowBackground(); });
+  m_ViewActions->setDefaultBackgroundProvider(
+    []() { return KXPreferences::getDefaultRenderWindowBackground(); });
 
-  if(m_InteractorStyle != nullptr)
+  if (m_InteractorStyle != nullptr)
     m_InteractorStyle->SetInteractionModeToImage3D();
 
   m_Toolbar = new VXVisualizationToolbarWidget(this);
@@ -131,20 +133,20 @@ void VXVisualizationWidget::setupGui()
   m_Toolbar->show();
 
   connect(this, &VXVisualizationWidget::pickEvent, this,
-    [this](double* pickPos, bool pick1ModeOn, bool pick2ModeOn)
-    {
-      if(m_InteractorStyle == nullptr || !m_InteractorStyle->cellPickModeOn())
-        return;
-      updateCenterOfRotation(pickPos, pick1ModeOn, pick2ModeOn, true);
-      m_Toolbar->releaseCenterOfRotationButton();
-    });
+          [this](double* pickPos, bool pick1ModeOn, bool pick2ModeOn)
+          {
+            if (m_InteractorStyle == nullptr || !m_InteractorStyle->cellPickModeOn())
+              return;
+            updateCenterOfRotation(pickPos, pick1ModeOn, pick2ModeOn, true);
+            m_Toolbar->releaseCenterOfRotationButton();
+          });
   connect(KXPreferences::Instance(), &KXPreferences::orientationMarkerTextChanged, this,
-    &VXVisualizationWidget::setOrientationMarkerText);
+          &VXVisualizationWidget::setOrientationMarkerText);
 }
 
 void VXVisualizationWidget::initializeRendererAndAxes()
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
   {
     vtkOpenGLRenderWindow::SetGlobalMaximumNumberOfMultiSamples(8);
 
@@ -179,8 +181,8 @@ void VXVisualizationWidget::initializeRendererAndAxes()
     // The glow pass blurs and blends whole frame buffers even with nothing to
     // outline, which costs a large scene about a tenth of its frame time; the
     // layer is therefore switched on only for frames that have outlines.
-    m_WindowStartObserver =
-      window->AddObserver(vtkCommand::StartEvent, this, &VXVisualizationWidget::onWindowStartRender);
+    m_WindowStartObserver = window->AddObserver(vtkCommand::StartEvent, this,
+                                                &VXVisualizationWidget::onWindowStartRender);
 
     vtkRenderWindowInteractor* interactor = window->GetInteractor();
     m_HoverWidget = vtkSmartPointer<vtkHoverWidget>::New();
@@ -191,14 +193,14 @@ void VXVisualizationWidget::initializeRendererAndAxes()
     m_PickerCallback->setRenderer(m_Renderer);
     m_PickerCallback->setRenderWindow(window);
     m_PickerCallback->setPickFunction([this](double* pickPos, bool pick1ModeOn, bool pick2ModeOn)
-      { Q_EMIT pickEvent(pickPos, pick1ModeOn, pick2ModeOn); });
+                                      { Q_EMIT pickEvent(pickPos, pick1ModeOn, pick2ModeOn); });
     m_PickerCallback->setRenderFunction([this]() { render(); });
     m_PickerCallback->setupHighlightActors();
     m_HoverWidget->AddObserver(vtkCommand::TimerEvent, m_PickerCallback);
     m_HoverWidget->AddObserver(vtkCommand::EndInteractionEvent, m_PickerCallback);
 
     vtkNew<VXInteractorStyleCamera> style;
-    if(interactor != nullptr)
+    if (interactor != nullptr)
       interactor->SetInteractorStyle(style);
     style->SetDefaultRenderer(m_Renderer);
     style->AddObserver(vtkCommand::PickEvent, m_PickerCallback);
@@ -206,7 +208,7 @@ void VXVisualizationWidget::initializeRendererAndAxes()
     style->AddObserver(VXInteractorStyleCamera::k_KeyReleaseEvent, m_PickerCallback);
     // the interactor keeps the style alive; the field is a plain pointer
     m_InteractorStyle = interactor != nullptr ? style.GetPointer() : nullptr;
-    if(interactor == nullptr)
+    if (interactor == nullptr)
       style->RemoveAllObservers();
 
     m_CenterOfRotationActor = vtkSmartPointer<vtkActor>::New();
@@ -232,20 +234,21 @@ void VXVisualizationWidget::initializeRendererAndAxes()
   camera->SetParallelProjection(KXPreferences::getCameraParallelProjDefault());
   m_Camera = camera;
   m_OutlineRenderer->SetActiveCamera(camera);
-  if(m_InteractorStyle != nullptr)
+  if (m_InteractorStyle != nullptr)
     m_InteractorStyle->setCenterOfRotation(camera->GetFocalPoint());
 }
 
 void VXVisualizationWidget::initializeCameraOrientationWidget()
 {
-  if(m_CameraOrientationWidget != nullptr || m_Renderer == nullptr)
+  if (m_CameraOrientationWidget != nullptr || m_Renderer == nullptr)
     return;
   m_CameraOrientationWidget = vtkSmartPointer<VXViewCubeWidget>::New();
   m_CameraOrientationWidget->SetParentRenderer(m_Renderer);
   // The gizmo is rebuilt in every frame that turns the camera and is drawn a
   // few dozen pixels wide: coarser tubes and discs look the same there and
   // keep it from adding to the frame time of large scenes.
-  if(auto* rep = vtkCameraOrientationRepresentation::SafeDownCast(m_CameraOrientationWidget->GetRepresentation()))
+  if (auto* rep = vtkCameraOrientationRepresentation::SafeDownCast(
+        m_CameraOrientationWidget->GetRepresentation()))
   {
     rep->SetShaftResolution(6);
     rep->SetHandleCircumferentialResolution(16);
@@ -257,7 +260,7 @@ void VXVisualizationWidget::initializeCameraOrientationWidget()
 
 void VXVisualizationWidget::initializeOrientationWidget()
 {
-  if(m_OrientationWidget != nullptr || getRenderWindowInteractor() == nullptr)
+  if (m_OrientationWidget != nullptr || getRenderWindowInteractor() == nullptr)
     return;
   vtkNew<vtkAnnotatedCubeActor> cube;
   m_OrientationWidget = vtkSmartPointer<vtkOrientationMarkerWidget>::New();
@@ -314,10 +317,10 @@ vtkCursor3D* VXVisualizationWidget::getCenterOfRotationCursor() const
 
 std::array<double, 3> VXVisualizationWidget::getCenterOfRotation() const
 {
-  std::array<double, 3> center = {0.0, 0.0, 0.0};
-  if(m_InteractorStyle != nullptr)
+  std::array<double, 3> center = { 0.0, 0.0, 0.0 };
+  if (m_InteractorStyle != nullptr)
     m_InteractorStyle->getCenterOfRotation(center.data());
-  else if(m_Renderer != nullptr)
+  else if (m_Renderer != nullptr)
     m_Renderer->GetActiveCamera()->GetFocalPoint(center.data());
   return center;
 }
@@ -339,8 +342,8 @@ bool VXVisualizationWidget::pickCenterOfRotationModeOn() const
 
 std::array<double, 6> VXVisualizationWidget::visiblePropBounds() const
 {
-  std::array<double, 6> bounds = {0, 0, 0, 0, 0, 0};
-  if(m_Renderer != nullptr)
+  std::array<double, 6> bounds = { 0, 0, 0, 0, 0, 0 };
+  if (m_Renderer != nullptr)
     m_Renderer->ComputeVisiblePropBounds(bounds.data());
   return bounds;
 }
@@ -350,7 +353,7 @@ std::array<double, 6> VXVisualizationWidget::visiblePropBounds() const
 
 void VXVisualizationWidget::render()
 {
-  if(m_RenderPending != 0)
+  if (m_RenderPending != 0)
     return;
   m_RenderPending = 1;
   QMetaObject::invokeMethod(this, &VXVisualizationWidget::renderQueued, Qt::QueuedConnection);
@@ -359,7 +362,7 @@ void VXVisualizationWidget::render()
 void VXVisualizationWidget::renderQueued()
 {
   m_RenderPending = 0;
-  if(renderWindow() != nullptr && renderWindow()->GetInteractor() != nullptr)
+  if (renderWindow() != nullptr && renderWindow()->GetInteractor() != nullptr)
   {
     renderWindow()->GetInteractor()->Render();
     ++m_FrameCount;
@@ -369,38 +372,38 @@ void VXVisualizationWidget::renderQueued()
 
 void VXVisualizationWidget::onWindowStartRender(vtkObject*, unsigned long, void*)
 {
-  if(m_OutlineRenderer != nullptr)
+  if (m_OutlineRenderer != nullptr)
     m_OutlineRenderer->SetDraw(m_OutlineRenderer->VisibleActorCount() > 0);
 }
 
 void VXVisualizationWidget::renderNow()
 {
-  if(renderWindow() != nullptr && renderWindow()->GetInteractor() != nullptr)
+  if (renderWindow() != nullptr && renderWindow()->GetInteractor() != nullptr)
     renderWindow()->GetInteractor()->Render();
 }
 
 bool VXVisualizationWidget::event(QEvent* event)
 {
-  switch(event->type())
+  switch (event->type())
   {
-  case QEvent::TouchBegin:
-  case QEvent::TouchUpdate:
-  case QEvent::TouchEnd:
-    // touch gestures would reach VTK as mouse presses with no release
-    event->accept();
-    return true;
-  case QEvent::DevicePixelRatioChange:
-    QTimer::singleShot(0, this, &VXVisualizationWidget::render);
-    break;
-  default:
-    break;
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+      // touch gestures would reach VTK as mouse presses with no release
+      event->accept();
+      return true;
+    case QEvent::DevicePixelRatioChange:
+      QTimer::singleShot(0, this, &VXVisualizationWidget::render);
+      break;
+    default:
+      break;
   }
   return VXGLWidget::event(event);
 }
 
 void VXVisualizationWidget::setRenderWindowBackgroundColor(QColor color)
 {
-  if(m_Renderer == nullptr || !color.isValid())
+  if (m_Renderer == nullptr || !color.isValid())
     return;
   const vtkColor3d rgb = KXVtk::utils::GetVtkColor3dFromQColor(color);
   m_Renderer->SetBackground(rgb.GetData());
@@ -410,13 +413,14 @@ void VXVisualizationWidget::setRenderWindowBackgroundColor(QColor color)
 
 void VXVisualizationWidget::setOrientationMarkerText(QStringList faceLabels)
 {
-  if(faceLabels.size() != 6)
+  if (faceLabels.size() != 6)
     return;
-  if(m_CameraOrientationWidget != nullptr)
+  if (m_CameraOrientationWidget != nullptr)
     m_CameraOrientationWidget->setFaceLabels(faceLabels);
-  if(m_OrientationWidget != nullptr)
+  if (m_OrientationWidget != nullptr)
   {
-    if(auto* cube = vtkAnnotatedCubeActor::SafeDownCast(m_OrientationWidget->GetOrientationMarker()))
+    if (auto* cube =
+          vtkAnnotatedCubeActor::SafeDownCast(m_OrientationWidget->GetOrientationMarker()))
     {
       cube->SetXPlusFaceText(faceLabels.at(0).toUtf8().constData());
       cube->SetXMinusFaceText(faceLabels.at(1).toUtf8().constData());
@@ -434,21 +438,23 @@ void VXVisualizationWidget::setOrientationMarkerText(QStringList faceLabels)
 
 std::array<double, 4> VXVisualizationWidget::getCameraFocalPointAndDistance() const
 {
-  if(m_Renderer == nullptr)
-    return {0.0, 0.0, 0.0, 0.0};
+  if (m_Renderer == nullptr)
+    return { 0.0, 0.0, 0.0, 0.0 };
   vtkCamera* camera = m_Renderer->GetActiveCamera();
   double focal[3];
   double position[3];
   camera->GetFocalPoint(focal);
   camera->GetPosition(position);
   const double distance = std::sqrt((position[0] - focal[0]) * (position[0] - focal[0]) +
-    (position[1] - focal[1]) * (position[1] - focal[1]) + (position[2] - focal[2]) * (position[2] - focal[2]));
-  return {focal[0], focal[1], focal[2], distance};
+                                    (position[1] - focal[1]) * (position[1] - focal[1]) +
+                                    (position[2] - focal[2]) * (position[2] - focal[2]));
+  return { focal[0], focal[1], focal[2], distance };
 }
 
-void VXVisualizationWidget::placeCamera(double dx, double dy, double dz, double upX, double upY, double upZ)
+void VXVisualizationWidget::placeCamera(double dx, double dy, double dz, double upX, double upY,
+                                        double upZ)
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return;
   resetCamera();
   const std::array<double, 4> fd = getCameraFocalPointAndDistance();
@@ -460,26 +466,26 @@ void VXVisualizationWidget::placeCamera(double dx, double dy, double dz, double 
 
 void VXVisualizationWidget::setCameraView(CameraPosition position)
 {
-  switch(position)
+  switch (position)
   {
-  case CameraPosition::XPlus:
-    placeCamera(-1, 0, 0, 0, 0, 1);
-    break;
-  case CameraPosition::YPlus:
-    placeCamera(0, -1, 0, 0, 0, 1);
-    break;
-  case CameraPosition::ZPlus:
-    placeCamera(0, 0, -1, 0, 1, 0);
-    break;
-  case CameraPosition::XMinus:
-    placeCamera(1, 0, 0, 0, 0, 1);
-    break;
-  case CameraPosition::YMinus:
-    placeCamera(0, 1, 0, 0, 0, 1);
-    break;
-  case CameraPosition::ZMinus:
-    placeCamera(0, 0, 1, 0, 1, 0);
-    break;
+    case CameraPosition::XPlus:
+      placeCamera(-1, 0, 0, 0, 0, 1);
+      break;
+    case CameraPosition::YPlus:
+      placeCamera(0, -1, 0, 0, 0, 1);
+      break;
+    case CameraPosition::ZPlus:
+      placeCamera(0, 0, -1, 0, 1, 0);
+      break;
+    case CameraPosition::XMinus:
+      placeCamera(1, 0, 0, 0, 0, 1);
+      break;
+    case CameraPosition::YMinus:
+      placeCamera(0, 1, 0, 0, 0, 1);
+      break;
+    case CameraPosition::ZMinus:
+      placeCamera(0, 0, 1, 0, 1, 0);
+      break;
   }
 }
 
@@ -521,7 +527,7 @@ void VXVisualizationWidget::camImageView()
 
 void VXVisualizationWidget::rotateCamClockwise()
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return;
   m_Renderer->GetActiveCamera()->Roll(-90.0);
   renderNow();
@@ -529,7 +535,7 @@ void VXVisualizationWidget::rotateCamClockwise()
 
 void VXVisualizationWidget::rotateCamCounterClockwise()
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return;
   m_Renderer->GetActiveCamera()->Roll(90.0);
   renderNow();
@@ -537,10 +543,10 @@ void VXVisualizationWidget::rotateCamCounterClockwise()
 
 void VXVisualizationWidget::resetCamera()
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return;
   m_Renderer->ResetCamera();
-  if(!m_CenterOfRotationLocked && m_InteractorStyle != nullptr)
+  if (!m_CenterOfRotationLocked && m_InteractorStyle != nullptr)
   {
     m_InteractorStyle->setCenterOfRotation(m_Renderer->GetActiveCamera()->GetFocalPoint());
     syncCenterOfRotationCursor(visiblePropBounds());
@@ -550,7 +556,7 @@ void VXVisualizationWidget::resetCamera()
 
 void VXVisualizationWidget::toggleParallelProjection()
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return;
   vtkCamera* camera = m_Renderer->GetActiveCamera();
   const bool parallel = camera->GetParallelProjection() == 0;
@@ -561,7 +567,7 @@ void VXVisualizationWidget::toggleParallelProjection()
 
 QString VXVisualizationWidget::addCustomCameraPosPreset()
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return {};
   vtkCamera* camera = m_Renderer->GetActiveCamera();
   CameraPreset preset{};
@@ -573,7 +579,7 @@ QString VXVisualizationWidget::addCustomCameraPosPreset()
   preset.parallel = camera->GetParallelProjection() != 0;
   int index = m_CameraPresets.size() + 1;
   QString name = QStringLiteral("Camera Position %1").arg(index);
-  while(m_CameraPresets.contains(name))
+  while (m_CameraPresets.contains(name))
     name = QStringLiteral("Camera Position %1").arg(++index);
   m_CameraPresets.insert(name, preset);
   return name;
@@ -581,7 +587,7 @@ QString VXVisualizationWidget::addCustomCameraPosPreset()
 
 void VXVisualizationWidget::applyCustomCameraPosPreset(QString presetName)
 {
-  if(m_Renderer == nullptr || !m_CameraPresets.contains(presetName))
+  if (m_Renderer == nullptr || !m_CameraPresets.contains(presetName))
     return;
   const CameraPreset preset = m_CameraPresets.value(presetName);
   vtkCamera* camera = m_Renderer->GetActiveCamera();
@@ -601,11 +607,11 @@ void VXVisualizationWidget::applyCustomCameraPosPreset(QString presetName)
 
 void VXVisualizationWidget::addActor(vtkProp* prop)
 {
-  if(m_Renderer == nullptr || prop == nullptr)
+  if (m_Renderer == nullptr || prop == nullptr)
     return;
   m_Renderer->AddViewProp(prop);
   Q_EMIT actorAdded(prop);
-  if(!m_CenterOfRotationLocked && !m_CenterResetPending)
+  if (!m_CenterOfRotationLocked && !m_CenterResetPending)
   {
     m_CenterResetPending = true;
     QMetaObject::invokeMethod(
@@ -613,7 +619,7 @@ void VXVisualizationWidget::addActor(vtkProp* prop)
       [this]()
       {
         m_CenterResetPending = false;
-        if(!m_CenterOfRotationLocked)
+        if (!m_CenterOfRotationLocked)
           resetCenterOfRotation(true);
       },
       Qt::QueuedConnection);
@@ -622,11 +628,11 @@ void VXVisualizationWidget::addActor(vtkProp* prop)
 
 void VXVisualizationWidget::removeActor(vtkProp* prop)
 {
-  if(m_Renderer == nullptr || prop == nullptr)
+  if (m_Renderer == nullptr || prop == nullptr)
     return;
   Q_EMIT actorRemoved(prop);
   m_Renderer->RemoveViewProp(prop);
-  if(!m_CenterOfRotationLocked && !m_CenterResetPending)
+  if (!m_CenterOfRotationLocked && !m_CenterResetPending)
   {
     m_CenterResetPending = true;
     QMetaObject::invokeMethod(
@@ -634,7 +640,7 @@ void VXVisualizationWidget::removeActor(vtkProp* prop)
       [this]()
       {
         m_CenterResetPending = false;
-        if(!m_CenterOfRotationLocked)
+        if (!m_CenterOfRotationLocked)
           resetCenterOfRotation(true);
       },
       Qt::QueuedConnection);
@@ -643,25 +649,26 @@ void VXVisualizationWidget::removeActor(vtkProp* prop)
 
 bool VXVisualizationWidget::isDataViewActor(vtkProp* prop) const
 {
-  if(prop == nullptr || m_Renderer == nullptr || prop->GetVisibility() == 0 || !m_Renderer->HasViewProp(prop))
+  if (prop == nullptr || m_Renderer == nullptr || prop->GetVisibility() == 0 ||
+      !m_Renderer->HasViewProp(prop))
     return false;
-  if(m_ViewActions != nullptr && prop == m_ViewActions->getGridAxesActor())
+  if (m_ViewActions != nullptr && prop == m_ViewActions->getGridAxesActor())
     return false;
-  if(m_PickerCallback != nullptr &&
-    (prop == m_PickerCallback->getPointHighlightActor() || prop == m_PickerCallback->getCellHighlightActor()))
+  if (m_PickerCallback != nullptr && (prop == m_PickerCallback->getPointHighlightActor() ||
+                                      prop == m_PickerCallback->getCellHighlightActor()))
     return false;
   return true;
 }
 
 void VXVisualizationWidget::addOutline(vtkProp* prop) const
 {
-  if(m_OutlineRenderer != nullptr && prop != nullptr && !m_OutlineRenderer->HasViewProp(prop))
+  if (m_OutlineRenderer != nullptr && prop != nullptr && !m_OutlineRenderer->HasViewProp(prop))
     m_OutlineRenderer->AddViewProp(prop);
 }
 
 void VXVisualizationWidget::removeOutline(vtkProp* prop) const
 {
-  if(m_OutlineRenderer != nullptr && prop != nullptr && m_OutlineRenderer->HasViewProp(prop))
+  if (m_OutlineRenderer != nullptr && prop != nullptr && m_OutlineRenderer->HasViewProp(prop))
     m_OutlineRenderer->RemoveViewProp(prop);
 }
 
@@ -672,7 +679,7 @@ bool VXVisualizationWidget::hasOutlineActor(vtkProp* prop) const
 
 void VXVisualizationWidget::clearOutlines() const
 {
-  if(m_OutlineRenderer != nullptr)
+  if (m_OutlineRenderer != nullptr)
     m_OutlineRenderer->RemoveAllViewProps();
 }
 
@@ -683,17 +690,17 @@ void VXVisualizationWidget::hideAllRepresentations()
 
 void VXVisualizationWidget::clearRenderWindow()
 {
-  if(m_CameraOrientationWidget != nullptr)
+  if (m_CameraOrientationWidget != nullptr)
   {
     m_CameraOrientationWidget->Off();
     m_CameraOrientationWidget = nullptr;
   }
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return;
   m_Renderer->RemoveAllViewProps();
   renderNow();
   m_Renderer->ResetCamera();
-  if(!m_CenterOfRotationLocked && m_InteractorStyle != nullptr)
+  if (!m_CenterOfRotationLocked && m_InteractorStyle != nullptr)
   {
     m_InteractorStyle->setCenterOfRotation(m_Renderer->GetActiveCamera()->GetFocalPoint());
     syncCenterOfRotationCursor(visiblePropBounds());
@@ -702,14 +709,14 @@ void VXVisualizationWidget::clearRenderWindow()
 
 void VXVisualizationWidget::copy(const VXVisualizationWidget* other)
 {
-  if(other == nullptr || other->m_Renderer == nullptr || m_Renderer == nullptr)
+  if (other == nullptr || other->m_Renderer == nullptr || m_Renderer == nullptr)
     return;
   vtkCamera* source = other->m_Renderer->GetActiveCamera();
   vtkCamera* camera = m_Renderer->GetActiveCamera();
   camera->SetPosition(source->GetPosition());
   camera->SetFocalPoint(source->GetFocalPoint());
   camera->SetViewUp(source->GetViewUp());
-  if(m_InteractorStyle != nullptr && other->m_InteractorStyle != nullptr)
+  if (m_InteractorStyle != nullptr && other->m_InteractorStyle != nullptr)
   {
     double center[3];
     other->m_InteractorStyle->getCenterOfRotation(center);
@@ -722,16 +729,17 @@ void VXVisualizationWidget::copy(const VXVisualizationWidget* other)
 
 QImage VXVisualizationWidget::captureViewImage(bool transparent, const QColor& background)
 {
-  return m_ViewActions != nullptr ? m_ViewActions->captureViewImage(transparent, background) : QImage();
+  return m_ViewActions != nullptr ? m_ViewActions->captureViewImage(transparent, background)
+                                  : QImage();
 }
 
 bool VXVisualizationWidget::areDimensionsValid(int x, int y, int z, int& maxSize) const
 {
   maxSize = 0;
-  if(auto* window = vtkOpenGLRenderWindow::SafeDownCast(renderWindow()))
+  if (auto* window = vtkOpenGLRenderWindow::SafeDownCast(renderWindow()))
     maxSize = vtkTextureObject::GetMaximumTextureSize3D(window);
   // without a context the query fails; 2048 is what every desktop driver offers
-  if(maxSize < 1)
+  if (maxSize < 1)
     maxSize = 2048;
   return x <= maxSize && y <= maxSize && z <= maxSize;
 }
@@ -741,14 +749,15 @@ bool VXVisualizationWidget::areDimensionsValid(int x, int y, int z, int& maxSize
 
 void VXVisualizationWidget::resetCenterOfRotation(bool shouldLink)
 {
-  if(m_Renderer == nullptr || m_CenterOfRotationCursor == nullptr || m_CenterOfRotationActor == nullptr)
+  if (m_Renderer == nullptr || m_CenterOfRotationCursor == nullptr ||
+      m_CenterOfRotationActor == nullptr)
     return;
   const std::array<double, 6> bounds = visiblePropBounds();
   m_CenterOfRotationLocked = false;
   double center[3];
-  if(validBounds(bounds))
+  if (validBounds(bounds))
   {
-    for(int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i)
       center[i] = (bounds[2 * i + 1] - bounds[2 * i]) * 0.5 + bounds[2 * i];
   }
   else
@@ -756,40 +765,41 @@ void VXVisualizationWidget::resetCenterOfRotation(bool shouldLink)
     // nothing visible: the midpoint of uninitialised bounds is not a number
     m_Renderer->GetActiveCamera()->GetFocalPoint(center);
   }
-  if(m_InteractorStyle != nullptr)
+  if (m_InteractorStyle != nullptr)
     m_InteractorStyle->setCenterOfRotation(center);
   syncCenterOfRotationCursor(bounds);
   render();
-  if(!shouldLink)
+  if (!shouldLink)
     return;
-  for(VXVisualizationWidget* linked : m_LinkedWidgets)
+  for (VXVisualizationWidget* linked : m_LinkedWidgets)
   {
-    if(linked == this || linked->m_Renderer == nullptr || linked->m_CenterOfRotationCursor == nullptr ||
-      linked->m_CenterOfRotationActor == nullptr)
+    if (linked == this || linked->m_Renderer == nullptr ||
+        linked->m_CenterOfRotationCursor == nullptr || linked->m_CenterOfRotationActor == nullptr)
       continue;
     linked->m_CenterOfRotationLocked = false;
-    if(linked->m_InteractorStyle != nullptr)
+    if (linked->m_InteractorStyle != nullptr)
       linked->m_InteractorStyle->setCenterOfRotation(center);
     linked->syncCenterOfRotationCursor(linked->visiblePropBounds());
     linked->render();
   }
 }
 
-void VXVisualizationWidget::updateCenterOfRotation(
-  double pickPos[3], bool pick1ModeOn, bool pick2ModeOn, bool shouldLink)
+void VXVisualizationWidget::updateCenterOfRotation(double pickPos[3], bool pick1ModeOn,
+                                                   bool pick2ModeOn, bool shouldLink)
 {
-  if(m_Renderer == nullptr || m_CenterOfRotationCursor == nullptr || m_CenterOfRotationActor == nullptr)
+  if (m_Renderer == nullptr || m_CenterOfRotationCursor == nullptr ||
+      m_CenterOfRotationActor == nullptr)
     return;
   m_CenterOfRotationLocked = pick1ModeOn || pick2ModeOn;
-  if(m_InteractorStyle != nullptr)
+  if (m_InteractorStyle != nullptr)
     m_InteractorStyle->setCenterOfRotation(pickPos);
   syncCenterOfRotationCursor(visiblePropBounds());
   render();
-  if(!shouldLink)
+  if (!shouldLink)
     return;
-  for(VXVisualizationWidget* linked : m_LinkedWidgets)
+  for (VXVisualizationWidget* linked : m_LinkedWidgets)
   {
-    if(linked != this)
+    if (linked != this)
       linked->updateCenterOfRotation(pickPos, pick1ModeOn, pick2ModeOn, false);
   }
 }
@@ -801,20 +811,21 @@ void VXVisualizationWidget::syncCenterOfRotationCursor()
 
 void VXVisualizationWidget::syncCenterOfRotationCursor(std::array<double, 6> bounds)
 {
-  if(m_CenterOfRotationCursor == nullptr || m_Renderer == nullptr)
+  if (m_CenterOfRotationCursor == nullptr || m_Renderer == nullptr)
     return;
   const std::array<double, 3> center = getCenterOfRotation();
-  double r = 0.25 * std::max({bounds[1] - bounds[0], bounds[3] - bounds[2], bounds[5] - bounds[4]});
-  if(r < 0.0 || !std::isfinite(r))
+  double r =
+    0.25 * std::max({ bounds[1] - bounds[0], bounds[3] - bounds[2], bounds[5] - bounds[4] });
+  if (r < 0.0 || !std::isfinite(r))
     r = 1.0;
   m_CenterOfRotationCursor->SetFocalPoint(center[0], center[1], center[2]);
-  m_CenterOfRotationCursor->SetModelBounds(
-    center[0] - r, center[0] + r, center[1] - r, center[1] + r, center[2] - r, center[2] + r);
+  m_CenterOfRotationCursor->SetModelBounds(center[0] - r, center[0] + r, center[1] - r,
+                                           center[1] + r, center[2] - r, center[2] + r);
 }
 
 void VXVisualizationWidget::toggleCenterOfRotationVisibility(bool visible)
 {
-  if(m_CenterOfRotationActor == nullptr)
+  if (m_CenterOfRotationActor == nullptr)
     return;
   m_CenterOfRotationActor->SetVisibility(visible);
   renderNow();
@@ -822,7 +833,7 @@ void VXVisualizationWidget::toggleCenterOfRotationVisibility(bool visible)
 
 void VXVisualizationWidget::toggleCenterOfRotationPicking(bool checked)
 {
-  if(m_InteractorStyle != nullptr)
+  if (m_InteractorStyle != nullptr)
     m_InteractorStyle->setCellPickMode(checked);
   toggleHoverCells(checked);
 }
@@ -832,13 +843,13 @@ void VXVisualizationWidget::toggleCenterOfRotationPicking(bool checked)
 
 void VXVisualizationWidget::toggleHoverPoints(bool checked)
 {
-  if(m_PickerCallback == nullptr || m_HoverWidget == nullptr)
+  if (m_PickerCallback == nullptr || m_HoverWidget == nullptr)
     return;
-  if(getRenderWindowInteractor() != nullptr)
+  if (getRenderWindowInteractor() != nullptr)
     m_HoverWidget->SetEnabled(checked ? 1 : 0);
   m_PickerCallback->setHoverCells(false);
   m_PickerCallback->setHoverPoints(checked);
-  if(!checked)
+  if (!checked)
   {
     m_PickerCallback->toggleHighlightersVisibility(false);
     render();
@@ -852,13 +863,13 @@ void VXVisualizationWidget::toggleHoverPoints()
 
 void VXVisualizationWidget::toggleHoverCells(bool checked)
 {
-  if(m_PickerCallback == nullptr || m_HoverWidget == nullptr)
+  if (m_PickerCallback == nullptr || m_HoverWidget == nullptr)
     return;
-  if(getRenderWindowInteractor() != nullptr)
+  if (getRenderWindowInteractor() != nullptr)
     m_HoverWidget->SetEnabled(checked ? 1 : 0);
   m_PickerCallback->setHoverPoints(false);
   m_PickerCallback->setHoverCells(checked);
-  if(!checked)
+  if (!checked)
   {
     m_PickerCallback->toggleHighlightersVisibility(false);
     render();
@@ -872,7 +883,7 @@ void VXVisualizationWidget::toggleHoverCells()
 
 void VXVisualizationWidget::enableDisableHoverFeatures(int allowHover)
 {
-  if(m_Toolbar != nullptr)
+  if (m_Toolbar != nullptr)
     m_Toolbar->enableDisableHoverFeatures(allowHover);
 }
 
@@ -886,7 +897,7 @@ void VXVisualizationWidget::startLinkCameras()
 
 void VXVisualizationWidget::linkCameraWith(VXVisualizationWidget* other)
 {
-  if(other == nullptr || m_Renderer == nullptr)
+  if (other == nullptr || m_Renderer == nullptr)
     return;
   vtkCamera* shared = m_Renderer->GetActiveCamera();
   std::set<VXVisualizationWidget*> merged = m_LinkedWidgets;
@@ -897,14 +908,14 @@ void VXVisualizationWidget::linkCameraWith(VXVisualizationWidget* other)
   double center[3];
   const std::array<double, 3> ownCenter = getCenterOfRotation();
   std::copy(ownCenter.begin(), ownCenter.end(), center);
-  for(VXVisualizationWidget* member : merged)
+  for (VXVisualizationWidget* member : merged)
   {
-    if(member == this || member->m_Renderer == nullptr)
+    if (member == this || member->m_Renderer == nullptr)
       continue;
     member->m_Renderer->SetActiveCamera(shared);
     member->m_OutlineRenderer->SetActiveCamera(shared);
     member->m_LinkedWidgets = merged;
-    if(member->m_InteractorStyle != nullptr)
+    if (member->m_InteractorStyle != nullptr)
       member->m_InteractorStyle->setCenterOfRotation(center);
     member->m_CenterOfRotationLocked = m_CenterOfRotationLocked;
     member->syncCenterOfRotationCursor(member->visiblePropBounds());
@@ -917,18 +928,18 @@ void VXVisualizationWidget::removeLinkedWidget(VXVisualizationWidget* widget)
 {
   m_LinkedWidgets.erase(widget);
   // a set of one is no link at all
-  if(m_LinkedWidgets.size() == 1 && m_LinkedWidgets.count(this) == 1)
+  if (m_LinkedWidgets.size() == 1 && m_LinkedWidgets.count(this) == 1)
     m_LinkedWidgets.clear();
 }
 
 void VXVisualizationWidget::unlinkCamera()
 {
-  if(m_Renderer != nullptr && !m_LinkedWidgets.empty())
+  if (m_Renderer != nullptr && !m_LinkedWidgets.empty())
   {
-    if(m_Camera == nullptr)
+    if (m_Camera == nullptr)
       m_Camera = m_Renderer->MakeCamera();
     vtkCamera* shared = m_Renderer->GetActiveCamera();
-    if(m_Camera == shared)
+    if (m_Camera == shared)
     {
       // the others keep the camera they share: this view takes a copy of it as its own
       auto own = vtkSmartPointer<vtkCamera>::New();
@@ -939,9 +950,9 @@ void VXVisualizationWidget::unlinkCamera()
     m_OutlineRenderer->SetActiveCamera(m_Camera);
   }
   const std::set<VXVisualizationWidget*> members = m_LinkedWidgets;
-  for(VXVisualizationWidget* member : members)
+  for (VXVisualizationWidget* member : members)
   {
-    if(member != this)
+    if (member != this)
       member->removeLinkedWidget(this);
   }
   m_LinkedWidgets.clear();
@@ -952,11 +963,12 @@ void VXVisualizationWidget::unlinkCamera()
 
 void VXVisualizationWidget::updateGridAxesBounds(bool propagate)
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return;
-  if(m_ViewActions != nullptr)
+  if (m_ViewActions != nullptr)
     m_ViewActions->recomputeGridAxesBounds();
-  if(!m_CenterOfRotationLocked && m_CenterOfRotationActor != nullptr && m_CenterOfRotationCursor != nullptr)
+  if (!m_CenterOfRotationLocked && m_CenterOfRotationActor != nullptr &&
+      m_CenterOfRotationCursor != nullptr)
   {
     m_Renderer->RemoveActor(m_CenterOfRotationActor);
     syncCenterOfRotationCursor(visiblePropBounds());
@@ -964,11 +976,11 @@ void VXVisualizationWidget::updateGridAxesBounds(bool propagate)
     m_Renderer->AddActor(m_CenterOfRotationActor);
   }
   render();
-  if(!propagate)
+  if (!propagate)
     return;
-  for(VXVisualizationWidget* linked : m_LinkedWidgets)
+  for (VXVisualizationWidget* linked : m_LinkedWidgets)
   {
-    if(linked != this)
+    if (linked != this)
       linked->updateGridAxesBounds(false);
   }
 }
@@ -978,7 +990,7 @@ void VXVisualizationWidget::updateGridAxesBounds(bool propagate)
 
 void VXVisualizationWidget::recenterToolbar()
 {
-  if(m_Toolbar == nullptr)
+  if (m_Toolbar == nullptr)
     return;
   const int parentHeight = height();
   const int y = parentHeight / 2 > m_Toolbar->height() ? parentHeight / 4 : 20;
@@ -995,7 +1007,7 @@ void VXVisualizationWidget::mousePressEvent(QMouseEvent* event)
 {
   VXGLWidget::mousePressEvent(event);
   m_CheckContextMenu = event->button() == Qt::RightButton;
-  if(hoverPointsModeOn() || hoverCellsModeOn())
+  if (hoverPointsModeOn() || hoverCellsModeOn())
   {
     // the display text is indented by runs of four blanks; the clipboard gets it flat
     QString text = m_PickerCallback->getPickedDataText();
@@ -1016,7 +1028,7 @@ void VXVisualizationWidget::mouseMoveEvent(QMouseEvent* event)
 void VXVisualizationWidget::mouseReleaseEvent(QMouseEvent* event)
 {
   VXGLWidget::mouseReleaseEvent(event);
-  if(m_CheckContextMenu)
+  if (m_CheckContextMenu)
   {
     m_CheckContextMenu = false;
     showContextMenu(event->position().toPoint());
@@ -1026,13 +1038,13 @@ void VXVisualizationWidget::mouseReleaseEvent(QMouseEvent* event)
 void VXVisualizationWidget::mouseDoubleClickEvent(QMouseEvent* event)
 {
   VXGLWidget::mouseDoubleClickEvent(event);
-  if(event->button() == Qt::LeftButton)
+  if (event->button() == Qt::LeftButton)
     Q_EMIT doubleClicked(event->position().toPoint());
 }
 
 void VXVisualizationWidget::focusInEvent(QFocusEvent* event)
 {
-  if(m_LinkingWidget != nullptr && m_LinkingWidget != this)
+  if (m_LinkingWidget != nullptr && m_LinkingWidget != this)
     m_LinkingWidget->linkCameraWith(this);
   m_LinkingWidget = nullptr;
   VXGLWidget::focusInEvent(event);
@@ -1040,11 +1052,11 @@ void VXVisualizationWidget::focusInEvent(QFocusEvent* event)
 
 void VXVisualizationWidget::showContextMenu(QPoint pos)
 {
-  if(!m_OwnContextMenu)
+  if (!m_OwnContextMenu)
     return;
   std::unique_ptr<QMenu> menu(getContextMenu());
   const QPoint globalPos = mapToGlobal(pos);
-  if(m_ContextMenuExecutor)
+  if (m_ContextMenuExecutor)
     m_ContextMenuExecutor(menu.get(), globalPos);
   else
     menu->exec(globalPos);
@@ -1052,117 +1064,119 @@ void VXVisualizationWidget::showContextMenu(QPoint pos)
 
 QAction* VXVisualizationWidget::makeAction(QAction*& slot, const QString& text)
 {
-  if(slot == nullptr)
+  if (slot == nullptr)
     slot = new QAction(text, this);
   return slot;
 }
 
 QAction* VXVisualizationWidget::getShowAllAction()
 {
-  if(m_ShowAllAction == nullptr)
-    connect(makeAction(m_ShowAllAction, QStringLiteral("Show All Geometries")), &QAction::triggered, this,
-      &VXVisualizationWidget::showAll);
+  if (m_ShowAllAction == nullptr)
+    connect(makeAction(m_ShowAllAction, QStringLiteral("Show All Geometries")), &QAction::triggered,
+            this, &VXVisualizationWidget::showAll);
   return m_ShowAllAction;
 }
 
 QAction* VXVisualizationWidget::getHideAllAction()
 {
-  if(m_HideAllAction == nullptr)
-    connect(makeAction(m_HideAllAction, QStringLiteral("Hide All Geometries")), &QAction::triggered, this,
-      &VXVisualizationWidget::hideAll);
+  if (m_HideAllAction == nullptr)
+    connect(makeAction(m_HideAllAction, QStringLiteral("Hide All Geometries")), &QAction::triggered,
+            this, &VXVisualizationWidget::hideAll);
   return m_HideAllAction;
 }
 
 QAction* VXVisualizationWidget::getLinkCamerasAction()
 {
-  if(m_LinkCamerasAction == nullptr)
-    connect(makeAction(m_LinkCamerasAction, QStringLiteral("Link Cameras")), &QAction::triggered, this,
-      &VXVisualizationWidget::startLinkCameras);
+  if (m_LinkCamerasAction == nullptr)
+    connect(makeAction(m_LinkCamerasAction, QStringLiteral("Link Cameras")), &QAction::triggered,
+            this, &VXVisualizationWidget::startLinkCameras);
   return m_LinkCamerasAction;
 }
 
 QAction* VXVisualizationWidget::getLinkAllCamerasAction()
 {
-  if(m_LinkAllCamerasAction == nullptr)
-    connect(makeAction(m_LinkAllCamerasAction, QStringLiteral("Link All Cameras")), &QAction::triggered, this,
-      &VXVisualizationWidget::requestLinkAllCameras);
+  if (m_LinkAllCamerasAction == nullptr)
+    connect(makeAction(m_LinkAllCamerasAction, QStringLiteral("Link All Cameras")),
+            &QAction::triggered, this, &VXVisualizationWidget::requestLinkAllCameras);
   return m_LinkAllCamerasAction;
 }
 
 QAction* VXVisualizationWidget::getUnlinkCamerasAction()
 {
-  if(m_UnlinkCamerasAction == nullptr)
-    connect(makeAction(m_UnlinkCamerasAction, QStringLiteral("Unlink Cameras")), &QAction::triggered, this,
-      &VXVisualizationWidget::unlinkCamera);
+  if (m_UnlinkCamerasAction == nullptr)
+    connect(makeAction(m_UnlinkCamerasAction, QStringLiteral("Unlink Cameras")),
+            &QAction::triggered, this, &VXVisualizationWidget::unlinkCamera);
   return m_UnlinkCamerasAction;
 }
 
 QAction* VXVisualizationWidget::getUnlinkAllCamerasAction()
 {
-  if(m_UnlinkAllCamerasAction == nullptr)
-    connect(makeAction(m_UnlinkAllCamerasAction, QStringLiteral("Unlink All Cameras")), &QAction::triggered, this,
-      &VXVisualizationWidget::requestUnlinkAllCameras);
+  if (m_UnlinkAllCamerasAction == nullptr)
+    connect(makeAction(m_UnlinkAllCamerasAction, QStringLiteral("Unlink All Cameras")),
+            &QAction::triggered, this, &VXVisualizationWidget::requestUnlinkAllCameras);
   return m_UnlinkAllCamerasAction;
 }
 
 QAction* VXVisualizationWidget::getParallelProjectionAction()
 {
-  if(m_ParallelProjectionAction == nullptr)
+  if (m_ParallelProjectionAction == nullptr)
   {
     makeAction(m_ParallelProjectionAction, QStringLiteral("Camera Parallel Projection"));
     m_ParallelProjectionAction->setCheckable(true);
-    if(m_Renderer != nullptr)
-      m_ParallelProjectionAction->setChecked(m_Renderer->GetActiveCamera()->GetParallelProjection() != 0);
-    connect(m_ParallelProjectionAction, &QAction::triggered, this, &VXVisualizationWidget::toggleParallelProjection);
+    if (m_Renderer != nullptr)
+      m_ParallelProjectionAction->setChecked(
+        m_Renderer->GetActiveCamera()->GetParallelProjection() != 0);
+    connect(m_ParallelProjectionAction, &QAction::triggered, this,
+            &VXVisualizationWidget::toggleParallelProjection);
   }
   return m_ParallelProjectionAction;
 }
 
 QAction* VXVisualizationWidget::getSplitHorizontallyAction()
 {
-  if(m_SplitHorizontallyAction == nullptr)
-    connect(makeAction(m_SplitHorizontallyAction, QStringLiteral("Split View Horizontally")), &QAction::triggered,
-      this, &VXVisualizationWidget::requestSplitHorizontally);
+  if (m_SplitHorizontallyAction == nullptr)
+    connect(makeAction(m_SplitHorizontallyAction, QStringLiteral("Split View Horizontally")),
+            &QAction::triggered, this, &VXVisualizationWidget::requestSplitHorizontally);
   return m_SplitHorizontallyAction;
 }
 
 QAction* VXVisualizationWidget::getSplitVerticallyAction()
 {
-  if(m_SplitVerticallyAction == nullptr)
-    connect(makeAction(m_SplitVerticallyAction, QStringLiteral("Split View Vertically")), &QAction::triggered, this,
-      &VXVisualizationWidget::requestSplitVertically);
+  if (m_SplitVerticallyAction == nullptr)
+    connect(makeAction(m_SplitVerticallyAction, QStringLiteral("Split View Vertically")),
+            &QAction::triggered, this, &VXVisualizationWidget::requestSplitVertically);
   return m_SplitVerticallyAction;
 }
 
 QAction* VXVisualizationWidget::getSaveAllViewsScreenshotAction()
 {
-  if(m_SaveAllViewsScreenshotAction == nullptr)
-    connect(makeAction(m_SaveAllViewsScreenshotAction, QStringLiteral("Save Screenshot ...")), &QAction::triggered,
-      this, &VXVisualizationWidget::requestSaveAllViewsScreenshot);
+  if (m_SaveAllViewsScreenshotAction == nullptr)
+    connect(makeAction(m_SaveAllViewsScreenshotAction, QStringLiteral("Save Screenshot ...")),
+            &QAction::triggered, this, &VXVisualizationWidget::requestSaveAllViewsScreenshot);
   return m_SaveAllViewsScreenshotAction;
 }
 
 QAction* VXVisualizationWidget::getCopyAllViewsToClipboardAction()
 {
-  if(m_CopyAllViewsToClipboardAction == nullptr)
-    connect(makeAction(m_CopyAllViewsToClipboardAction, QStringLiteral("Copy to Clipboard")), &QAction::triggered,
-      this, &VXVisualizationWidget::requestCopyAllViewsToClipboard);
+  if (m_CopyAllViewsToClipboardAction == nullptr)
+    connect(makeAction(m_CopyAllViewsToClipboardAction, QStringLiteral("Copy to Clipboard")),
+            &QAction::triggered, this, &VXVisualizationWidget::requestCopyAllViewsToClipboard);
   return m_CopyAllViewsToClipboardAction;
 }
 
 QAction* VXVisualizationWidget::getEqualizeViewWidthsAction()
 {
-  if(m_EqualizeViewWidthsAction == nullptr)
-    connect(makeAction(m_EqualizeViewWidthsAction, QStringLiteral("Equalize View Widths")), &QAction::triggered,
-      this, &VXVisualizationWidget::requestEqualizeViewWidths);
+  if (m_EqualizeViewWidthsAction == nullptr)
+    connect(makeAction(m_EqualizeViewWidthsAction, QStringLiteral("Equalize View Widths")),
+            &QAction::triggered, this, &VXVisualizationWidget::requestEqualizeViewWidths);
   return m_EqualizeViewWidthsAction;
 }
 
 QAction* VXVisualizationWidget::getEqualizeViewHeightsAction()
 {
-  if(m_EqualizeViewHeightsAction == nullptr)
-    connect(makeAction(m_EqualizeViewHeightsAction, QStringLiteral("Equalize View Heights")), &QAction::triggered,
-      this, &VXVisualizationWidget::requestEqualizeViewHeights);
+  if (m_EqualizeViewHeightsAction == nullptr)
+    connect(makeAction(m_EqualizeViewHeightsAction, QStringLiteral("Equalize View Heights")),
+            &QAction::triggered, this, &VXVisualizationWidget::requestEqualizeViewHeights);
   return m_EqualizeViewHeightsAction;
 }
 
@@ -1206,13 +1220,13 @@ QMenu* VXVisualizationWidget::getContextMenu()
 
   menu->addAction(getLinkCamerasAction());
   menu->addAction(getLinkAllCamerasAction());
-  if(!m_LinkedWidgets.empty())
+  if (!m_LinkedWidgets.empty())
     menu->addAction(getUnlinkCamerasAction());
   const bool anyLinked = m_AnyViewLinkedQuery ? m_AnyViewLinkedQuery() : !m_LinkedWidgets.empty();
-  if(anyLinked)
+  if (anyLinked)
     menu->addAction(getUnlinkAllCamerasAction());
   QAction* parallel = getParallelProjectionAction();
-  if(m_Renderer != nullptr)
+  if (m_Renderer != nullptr)
     parallel->setChecked(m_Renderer->GetActiveCamera()->GetParallelProjection() != 0);
   menu->addAction(parallel);
   menu->addSeparator();
@@ -1245,7 +1259,7 @@ QMenu* VXVisualizationWidget::getContextMenu()
 
 void VXVisualizationWidget::saveState(nlohmann::json& output)
 {
-  if(m_Renderer == nullptr)
+  if (m_Renderer == nullptr)
     return;
   vtkCamera* camera = m_Renderer->GetActiveCamera();
   output["parallel_projection"] = camera->GetParallelProjection();
@@ -1256,7 +1270,7 @@ void VXVisualizationWidget::saveState(nlohmann::json& output)
   output["global_grid_axes_spacingy"] = grid.spacing[1];
   output["global_grid_axes_spacingz"] = grid.spacing[2];
   output["global_grid_axes_show_grid_lines"] = grid.showGrid;
-  output["global_grid_axes_color"] = {grid.color.redF(), grid.color.greenF(), grid.color.blueF()};
+  output["global_grid_axes_color"] = { grid.color.redF(), grid.color.greenF(), grid.color.blueF() };
   output["global_grid_axes_opacity"] = grid.opacity;
   output["global_grid_axes_show_labels"] = grid.showLabels;
   output["global_grid_axes_title_x"] = grid.titles[0].toStdString();
@@ -1282,7 +1296,7 @@ void VXVisualizationWidget::saveState(nlohmann::json& output)
   output["camera_focal_pt_z"] = v[2];
   output["camera_view_angle"] = camera->GetViewAngle();
   output["camera_parallel_scale"] = camera->GetParallelScale();
-  if(m_InteractorStyle != nullptr)
+  if (m_InteractorStyle != nullptr)
   {
     m_InteractorStyle->getCenterOfRotation(v);
     output["camera_center_of_rotation_x"] = v[0];
@@ -1293,14 +1307,17 @@ void VXVisualizationWidget::saveState(nlohmann::json& output)
 
 void VXVisualizationWidget::loadState(nlohmann::json input)
 {
-  if(m_Renderer == nullptr || !input.is_object())
+  if (m_Renderer == nullptr || !input.is_object())
     return;
   vtkCamera* camera = m_Renderer->GetActiveCamera();
   auto number = [&input](const char* key) { return input.at(key).get<double>(); };
-  auto hasNumber = [&input](const char* key) { return input.contains(key) && input.at(key).is_number(); };
-  auto hasBool = [&input](const char* key) { return input.contains(key) && input.at(key).is_boolean(); };
+  auto hasNumber = [&input](const char* key)
+  { return input.contains(key) && input.at(key).is_number(); };
+  auto hasBool = [&input](const char* key)
+  { return input.contains(key) && input.at(key).is_boolean(); };
 
-  if(input.contains("parallel_projection") && (input.at("parallel_projection").is_number() || input.at("parallel_projection").is_boolean()))
+  if (input.contains("parallel_projection") &&
+      (input.at("parallel_projection").is_number() || input.at("parallel_projection").is_boolean()))
   {
     const auto& value = input.at("parallel_projection");
     const bool parallel = value.is_boolean() ? value.get<bool>() : value.get<double>() != 0.0;
@@ -1308,63 +1325,70 @@ void VXVisualizationWidget::loadState(nlohmann::json input)
     getParallelProjectionAction()->setChecked(parallel);
   }
 
-  if(hasBool("global_grid_axes"))
+  if (hasBool("global_grid_axes"))
     m_ViewActions->setGridAxesEnabled(input.at("global_grid_axes").get<bool>());
 
   // the grid keys change a copy of the current settings, so a file naming only some keeps the rest
   VXGridAxesConfig grid = m_ViewActions->gridAxesConfig();
-  if(allPresent(input, "global_grid_axes_spacingx", "global_grid_axes_spacingy", "global_grid_axes_spacingz"))
-    grid.spacing = {number("global_grid_axes_spacingx"), number("global_grid_axes_spacingy"),
-      number("global_grid_axes_spacingz")};
-  if(hasBool("global_grid_axes_show_grid_lines"))
+  if (allPresent(input, "global_grid_axes_spacingx", "global_grid_axes_spacingy",
+                 "global_grid_axes_spacingz"))
+    grid.spacing = { number("global_grid_axes_spacingx"), number("global_grid_axes_spacingy"),
+                     number("global_grid_axes_spacingz") };
+  if (hasBool("global_grid_axes_show_grid_lines"))
     grid.showGrid = input.at("global_grid_axes_show_grid_lines").get<bool>();
-  if(input.contains("global_grid_axes_color") && input.at("global_grid_axes_color").is_array() &&
-    input.at("global_grid_axes_color").size() == 3)
+  if (input.contains("global_grid_axes_color") && input.at("global_grid_axes_color").is_array() &&
+      input.at("global_grid_axes_color").size() == 3)
   {
     const auto& color = input.at("global_grid_axes_color");
-    if(color[0].is_number() && color[1].is_number() && color[2].is_number())
+    if (color[0].is_number() && color[1].is_number() && color[2].is_number())
     {
-      auto clamp01 = [](double value) { return std::isnan(value) ? 0.0 : std::clamp(value, 0.0, 1.0); };
+      auto clamp01 = [](double value)
+      { return std::isnan(value) ? 0.0 : std::clamp(value, 0.0, 1.0); };
       grid.color = QColor::fromRgbF(static_cast<float>(clamp01(color[0].get<double>())),
-        static_cast<float>(clamp01(color[1].get<double>())), static_cast<float>(clamp01(color[2].get<double>())));
+                                    static_cast<float>(clamp01(color[1].get<double>())),
+                                    static_cast<float>(clamp01(color[2].get<double>())));
     }
   }
-  if(hasNumber("global_grid_axes_opacity"))
+  if (hasNumber("global_grid_axes_opacity"))
     grid.opacity = number("global_grid_axes_opacity");
-  if(hasBool("global_grid_axes_show_labels"))
+  if (hasBool("global_grid_axes_show_labels"))
     grid.showLabels = input.at("global_grid_axes_show_labels").get<bool>();
-  const char* titleKeys[3] = {"global_grid_axes_title_x", "global_grid_axes_title_y", "global_grid_axes_title_z"};
-  for(size_t axis = 0; axis < 3; ++axis)
+  const char* titleKeys[3] = { "global_grid_axes_title_x", "global_grid_axes_title_y",
+                               "global_grid_axes_title_z" };
+  for (size_t axis = 0; axis < 3; ++axis)
   {
-    if(input.contains(titleKeys[axis]) && input.at(titleKeys[axis]).is_string())
+    if (input.contains(titleKeys[axis]) && input.at(titleKeys[axis]).is_string())
       grid.titles[axis] = QString::fromStdString(input.at(titleKeys[axis]).get<std::string>());
   }
-  m_ViewActions->setGridAxesConfig(grid.spacing, grid.showGrid, grid.color, grid.opacity, grid.showLabels, grid.titles);
+  m_ViewActions->setGridAxesConfig(grid.spacing, grid.showGrid, grid.color, grid.opacity,
+                                   grid.showLabels, grid.titles);
 
-  if(hasBool("own_context_menu"))
+  if (hasBool("own_context_menu"))
     m_OwnContextMenu = input.at("own_context_menu").get<bool>();
-  if(hasBool("check_context_menu"))
+  if (hasBool("check_context_menu"))
     m_CheckContextMenu = input.at("check_context_menu").get<bool>();
-  if(hasNumber("num_render_layers"))
+  if (hasNumber("num_render_layers"))
     m_NumRenderLayers = static_cast<int>(number("num_render_layers"));
 
-  if(allPresent(input, "camera_pos_x", "camera_pos_y", "camera_pos_z"))
+  if (allPresent(input, "camera_pos_x", "camera_pos_y", "camera_pos_z"))
     camera->SetPosition(number("camera_pos_x"), number("camera_pos_y"), number("camera_pos_z"));
-  if(allPresent(input, "camera_view_up_x", "camera_view_up_y", "camera_view_up_z"))
-    camera->SetViewUp(number("camera_view_up_x"), number("camera_view_up_y"), number("camera_view_up_z"));
-  if(allPresent(input, "camera_focal_pt_x", "camera_focal_pt_y", "camera_focal_pt_z"))
-    camera->SetFocalPoint(number("camera_focal_pt_x"), number("camera_focal_pt_y"), number("camera_focal_pt_z"));
-  if(hasNumber("camera_view_angle"))
+  if (allPresent(input, "camera_view_up_x", "camera_view_up_y", "camera_view_up_z"))
+    camera->SetViewUp(number("camera_view_up_x"), number("camera_view_up_y"),
+                      number("camera_view_up_z"));
+  if (allPresent(input, "camera_focal_pt_x", "camera_focal_pt_y", "camera_focal_pt_z"))
+    camera->SetFocalPoint(number("camera_focal_pt_x"), number("camera_focal_pt_y"),
+                          number("camera_focal_pt_z"));
+  if (hasNumber("camera_view_angle"))
     camera->SetViewAngle(number("camera_view_angle"));
-  if(hasNumber("camera_parallel_scale"))
+  if (hasNumber("camera_parallel_scale"))
     camera->SetParallelScale(number("camera_parallel_scale"));
 
-  if(m_InteractorStyle != nullptr)
+  if (m_InteractorStyle != nullptr)
   {
     double center[3];
     camera->GetFocalPoint(center);
-    if(allPresent(
-         input, "camera_center_of_rotation_x", "camera_center_of_rotation_y", "camera_center_of_rotation_z"))
+    if (allPresent(input, "camera_center_of_rotation_x", "camera_center_of_rotation_y",
+                   "camera_center_of_rotation_z"))
     {
       center[0] = number("camera_center_of_rotation_x");
       center[1] = number("camera_center_of_rotation_y");

@@ -66,14 +66,16 @@ public:
   };
   Q_ENUM(CameraPosition)
 
-  /** Shows the context menu @p menu at global position @p globalPos; the default runs QMenu::exec. */
+  /** Shows the context menu @p menu at global position @p globalPos; the default runs QMenu::exec.
+   */
   using ContextMenuExecutor = std::function<void(QMenu* menu, const QPoint& globalPos)>;
 
   /** @p numRenderLayers is the layer count of the render window (frames pass 2). */
   explicit VXVisualizationWidget(QWidget* parent = nullptr, int numRenderLayers = 2);
   ~VXVisualizationWidget() override;
 
-  /** Adds a prop to the scene and recentres the rotation (once for many calls) unless the user picked it. */
+  /** Adds a prop to the scene and recentres the rotation (once for many calls) unless the user
+   * picked it. */
   void addActor(vtkProp* prop);
   /** Removes a prop from the scene; recentres like addActor. */
   void removeActor(vtkProp* prop);
@@ -131,12 +133,19 @@ public:
   QImage captureViewImage(bool transparent, const QColor& background);
   /** Whether a 3D texture of x by y by z fits; @p maxSize receives the limit. */
   bool areDimensionsValid(int x, int y, int z, int& maxSize) const;
-  /** Fits the grid and the centre cross to the visible geometry; with @p propagate the linked views too. */
+  /** Fits the grid and the centre cross to the visible geometry; with @p propagate the linked views
+   * too. */
   void updateGridAxesBounds(bool propagate);
   /** Lets the module say whether any view is linked ("Unlink All Cameras" in the menu). */
-  void setAnyViewLinkedQuery(std::function<bool()> query) { m_AnyViewLinkedQuery = std::move(query); }
+  void setAnyViewLinkedQuery(std::function<bool()> query)
+  {
+    m_AnyViewLinkedQuery = std::move(query);
+  }
   /** Replaces how the context menu is shown, e.g. so tests see it without a modal loop. */
-  void setContextMenuExecutor(ContextMenuExecutor executor) { m_ContextMenuExecutor = std::move(executor); }
+  void setContextMenuExecutor(ContextMenuExecutor executor)
+  {
+    m_ContextMenuExecutor = std::move(executor);
+  }
 
   bool hoverCellsModeOn() const;
   bool hoverPointsModeOn() const;
@@ -197,11 +206,13 @@ public Q_SLOTS:
   void rotateCamClockwise();
   void rotateCamCounterClockwise();
   void toggleCenterOfRotationVisibility(bool visible);
-  /** Back to automatic centring: the centre of the visible props; with @p shouldLink in linked views too. */
+  /** Back to automatic centring: the centre of the visible props; with @p shouldLink in linked
+   * views too. */
   void resetCenterOfRotation(bool shouldLink = false);
   /** Fits the centre cross to the visible props. */
   void syncCenterOfRotationCursor();
-  /** Places the centre cross at the centre of rotation, sized a quarter of the largest extent of @p bounds. */
+  /** Places the centre cross at the centre of rotation, sized a quarter of the largest extent of @p
+   * bounds. */
   void syncCenterOfRotationCursor(std::array<double, 6> bounds);
   /** A click on the data sets the centre of rotation while @p checked. */
   void toggleCenterOfRotationPicking(bool checked);
@@ -225,7 +236,8 @@ protected Q_SLOTS:
   virtual void showContextMenu(QPoint pos);
   virtual void startLinkCameras();
   virtual void toggleParallelProjection();
-  void updateCenterOfRotation(double pickPos[3], bool pick1ModeOn, bool pick2ModeOn, bool shouldLink = false);
+  void updateCenterOfRotation(double pickPos[3], bool pick1ModeOn, bool pick2ModeOn,
+                              bool shouldLink = false);
   bool event(QEvent* event) override;
 
 Q_SIGNALS:
@@ -250,7 +262,8 @@ Q_SIGNALS:
   void requestUnlinkAllCameras();
 
 protected:
-  /** Creates renderers, window, passes, hover, picking, style and the centre cross (once); orientation widget and camera always. */
+  /** Creates renderers, window, passes, hover, picking, style and the centre cross (once);
+   * orientation widget and camera always. */
   virtual void initializeRendererAndAxes();
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;

@@ -23,17 +23,16 @@ const QSize k_PreviewSize(160, 16);
 
 QColor ColorAt(const std::vector<float>& values, size_t first)
 {
-  const auto channel = [&values, first](size_t i) {
-    return std::clamp(static_cast<double>(values[first + i]), 0.0, 1.0);
-  };
+  const auto channel = [&values, first](size_t i)
+  { return std::clamp(static_cast<double>(values[first + i]), 0.0, 1.0); };
   return QColor::fromRgbF(static_cast<float>(channel(0)), static_cast<float>(channel(1)),
                           static_cast<float>(channel(2)));
 }
 } // namespace
 
 ColorPresetsDialog::ColorPresetsDialog(QWidget* parent)
-: QDialog(parent)
-, m_Presets(KXColorPresets::LoadBuiltIn())
+  : QDialog(parent)
+  , m_Presets(KXColorPresets::LoadBuiltIn())
 {
   setWindowTitle(tr("Color Map Presets"));
 
@@ -54,7 +53,8 @@ ColorPresetsDialog::ColorPresetsDialog(QWidget* parent)
   auto* buttons = new QDialogButtonBox(this);
   QPushButton* applyButton = buttons->addButton(tr("Apply"), QDialogButtonBox::ApplyRole);
   applyButton->setObjectName(QStringLiteral("applyButton"));
-  QPushButton* defaultButton = buttons->addButton(tr("Restore Default"), QDialogButtonBox::ResetRole);
+  QPushButton* defaultButton =
+    buttons->addButton(tr("Restore Default"), QDialogButtonBox::ResetRole);
   defaultButton->setObjectName(QStringLiteral("restoreDefaultButton"));
   QPushButton* closeButton = buttons->addButton(QDialogButtonBox::Close);
 
@@ -67,7 +67,8 @@ ColorPresetsDialog::ColorPresetsDialog(QWidget* parent)
   connect(defaultButton, &QPushButton::clicked, this, &ColorPresetsDialog::requestDefaultPreset);
   connect(closeButton, &QPushButton::clicked, this, &QDialog::reject);
   connect(m_List, &QListWidget::itemDoubleClicked, this, &ColorPresetsDialog::applySelectedPreset);
-  connect(m_NanColorButton, &KXColorButton::changedColor, this, &ColorPresetsDialog::nanColorChanged);
+  connect(m_NanColorButton, &KXColorButton::changedColor, this,
+          &ColorPresetsDialog::nanColorChanged);
 
   rebuildList();
 }
@@ -87,7 +88,7 @@ const std::vector<ColorPreset>& ColorPresetsDialog::presets() const
 
 void ColorPresetsDialog::setFilter(Filter filter)
 {
-  if(filter == m_Filter)
+  if (filter == m_Filter)
   {
     return;
   }
@@ -103,7 +104,7 @@ ColorPresetsDialog::Filter ColorPresetsDialog::filter() const
 QStringList ColorPresetsDialog::listedPresetNames() const
 {
   QStringList names;
-  for(int row = 0; row < m_List->count(); ++row)
+  for (int row = 0; row < m_List->count(); ++row)
   {
     names.append(m_List->item(row)->text());
   }
@@ -112,9 +113,9 @@ QStringList ColorPresetsDialog::listedPresetNames() const
 
 bool ColorPresetsDialog::selectPreset(const QString& name)
 {
-  for(int row = 0; row < m_List->count(); ++row)
+  for (int row = 0; row < m_List->count(); ++row)
   {
-    if(m_List->item(row)->text() == name)
+    if (m_List->item(row)->text() == name)
     {
       m_List->setCurrentRow(row);
       return true;
@@ -126,12 +127,12 @@ bool ColorPresetsDialog::selectPreset(const QString& name)
 std::optional<ColorPreset> ColorPresetsDialog::selectedPreset() const
 {
   const QListWidgetItem* item = m_List->currentItem();
-  if(item == nullptr || !item->isSelected())
+  if (item == nullptr || !item->isSelected())
   {
     return std::nullopt;
   }
   const int index = item->data(k_PresetIndexRole).toInt();
-  if(index < 0 || static_cast<size_t>(index) >= m_Presets.size())
+  if (index < 0 || static_cast<size_t>(index) >= m_Presets.size())
   {
     return std::nullopt;
   }
@@ -156,7 +157,7 @@ void ColorPresetsDialog::setNanColor(const QColor& color)
 void ColorPresetsDialog::applySelectedPreset()
 {
   const std::optional<ColorPreset> preset = selectedPreset();
-  if(!preset)
+  if (!preset)
   {
     return;
   }
@@ -176,14 +177,14 @@ QPixmap ColorPresetsDialog::PreviewPixmap(const ColorPreset& preset, const QSize
   QPainter painter(&pixmap);
   const QRectF area(0, 0, size.width(), size.height());
   const size_t indexedCount = preset.indexedColors.size() / 3;
-  if(preset.rgbPoints.size() >= 4 && indexedCount == 0)
+  if (preset.rgbPoints.size() >= 4 && indexedCount == 0)
   {
     const size_t count = preset.rgbPoints.size() / 4;
     const double first = preset.rgbPoints.front();
     const double last = preset.rgbPoints[(count - 1) * 4];
     const double span = last > first ? last - first : 1.0;
     QLinearGradient gradient(area.topLeft(), area.topRight());
-    for(size_t i = 0; i < count; ++i)
+    for (size_t i = 0; i < count; ++i)
     {
       // Positions are data values; the strip shows them over the map's own range.
       const double stop = std::clamp((preset.rgbPoints[i * 4] - first) / span, 0.0, 1.0);
@@ -191,10 +192,10 @@ QPixmap ColorPresetsDialog::PreviewPixmap(const ColorPreset& preset, const QSize
     }
     painter.fillRect(area, gradient);
   }
-  else if(indexedCount > 0)
+  else if (indexedCount > 0)
   {
     const double width = area.width() / static_cast<double>(indexedCount);
-    for(size_t i = 0; i < indexedCount; ++i)
+    for (size_t i = 0; i < indexedCount; ++i)
     {
       painter.fillRect(QRectF(width * static_cast<double>(i), 0, width + 0.5, area.height()),
                        ColorAt(preset.indexedColors, i * 3));
@@ -205,14 +206,14 @@ QPixmap ColorPresetsDialog::PreviewPixmap(const ColorPreset& preset, const QSize
 
 bool ColorPresetsDialog::accepts(const ColorPreset& preset) const
 {
-  switch(m_Filter)
+  switch (m_Filter)
   {
-  case Filter::Continuous:
-    return KXColorPresets::IsContinuous(preset);
-  case Filter::Indexed:
-    return kx::core::ColorTableUtilities::IsValidIndexedPreset(preset);
-  case Filter::All:
-    break;
+    case Filter::Continuous:
+      return KXColorPresets::IsContinuous(preset);
+    case Filter::Indexed:
+      return kx::core::ColorTableUtilities::IsValidIndexedPreset(preset);
+    case Filter::All:
+      break;
   }
   return true;
 }
@@ -220,10 +221,10 @@ bool ColorPresetsDialog::accepts(const ColorPreset& preset) const
 void ColorPresetsDialog::rebuildList()
 {
   m_List->clear();
-  for(size_t i = 0; i < m_Presets.size(); ++i)
+  for (size_t i = 0; i < m_Presets.size(); ++i)
   {
     const ColorPreset& preset = m_Presets[i];
-    if(!accepts(preset))
+    if (!accepts(preset))
     {
       continue;
     }

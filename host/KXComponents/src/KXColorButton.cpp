@@ -9,14 +9,14 @@
 #include <algorithm>
 
 KXColorButton::KXColorButton(QWidget* parent)
-: KXColorButton(QColor(Qt::white), parent)
+  : KXColorButton(QColor(Qt::white), parent)
 {
 }
 
 KXColorButton::KXColorButton(const QColor& color, QWidget* parent)
-: QPushButton(parent)
+  : QPushButton(parent)
 {
-  if(color.isValid())
+  if (color.isValid())
   {
     m_Color = color;
   }
@@ -48,7 +48,7 @@ bool KXColorButton::alphaEnabled() const
 
 void KXColorButton::setColor(const QColor& color)
 {
-  if(!color.isValid() || color == m_Color)
+  if (!color.isValid() || color == m_Color)
   {
     return;
   }
@@ -59,7 +59,7 @@ void KXColorButton::setColor(const QColor& color)
 void KXColorButton::chooseColor()
 {
   QColor chosen;
-  if(m_Chooser)
+  if (m_Chooser)
   {
     chosen = m_Chooser(m_Color, this);
   }
@@ -69,7 +69,7 @@ void KXColorButton::chooseColor()
       m_AlphaEnabled ? QColorDialog::ShowAlphaChannel : QColorDialog::ColorDialogOptions();
     chosen = QColorDialog::getColor(m_Color, this, tr("Select Color"), options);
   }
-  if(!chosen.isValid() || chosen == m_Color)
+  if (!chosen.isValid() || chosen == m_Color)
   {
     return;
   }

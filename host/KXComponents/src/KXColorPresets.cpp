@@ -15,18 +15,18 @@ std::vector<ColorPreset> KXColorPresets::Parse(const QByteArray& jsonText)
   std::vector<ColorPreset> presets;
   const nlohmann::json document =
     nlohmann::json::parse(jsonText.constBegin(), jsonText.constEnd(), nullptr, false);
-  if(!document.is_array())
+  if (!document.is_array())
   {
     return presets;
   }
-  for(const nlohmann::json& entry : document)
+  for (const nlohmann::json& entry : document)
   {
-    if(!entry.is_object())
+    if (!entry.is_object())
     {
       continue;
     }
     ColorPreset preset(entry);
-    if(preset.name.empty())
+    if (preset.name.empty())
     {
       continue;
     }
@@ -38,9 +38,10 @@ std::vector<ColorPreset> KXColorPresets::Parse(const QByteArray& jsonText)
 const std::vector<ColorPreset>& KXColorPresets::LoadBuiltIn()
 {
   // Function-local static: thread-safe, and the resource is read only once.
-  static const std::vector<ColorPreset> s_Presets = [] {
+  static const std::vector<ColorPreset> s_Presets = []
+  {
     QFile file(BuiltInResourcePath());
-    if(!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly))
     {
       return std::vector<ColorPreset>{};
     }
@@ -52,9 +53,9 @@ const std::vector<ColorPreset>& KXColorPresets::LoadBuiltIn()
 std::optional<ColorPreset> KXColorPresets::Find(const QString& name)
 {
   const std::string wanted = name.toStdString();
-  for(const ColorPreset& preset : LoadBuiltIn())
+  for (const ColorPreset& preset : LoadBuiltIn())
   {
-    if(preset.name == wanted)
+    if (preset.name == wanted)
     {
       return preset;
     }

@@ -25,8 +25,8 @@ struct KXDataStructureModel::Node
 };
 
 KXDataStructureModel::KXDataStructureModel(QObject* parent)
-: QAbstractItemModel(parent)
-, m_Root(std::make_unique<Node>())
+  : QAbstractItemModel(parent)
+  , m_Root(std::make_unique<Node>())
 {
 }
 
@@ -55,16 +55,17 @@ void KXDataStructureModel::refresh()
 void KXDataStructureModel::buildNodes()
 {
   m_Root = std::make_unique<Node>();
-  if(!m_DataStructure)
+  if (!m_DataStructure)
   {
     return;
   }
   // Depth-first over the group maps; a group cannot contain its own ancestor
   // (DataStructure refuses such links), so the recursion ends.
-  const auto addChildren = [](auto& self, Node* parentNode, const DataMap& map) -> void {
-    for(const auto& [id, object] : map)
+  const auto addChildren = [](auto& self, Node* parentNode, const DataMap& map) -> void
+  {
+    for (const auto& [id, object] : map)
     {
-      if(!object)
+      if (!object)
       {
         continue;
       }
@@ -74,7 +75,7 @@ void KXDataStructureModel::buildNodes()
       node->id = id;
       node->name = QString::fromStdString(object->getName());
       node->typeName = QString::fromStdString(object->getTypeName());
-      if(const auto* group = dynamic_cast<const BaseGroup*>(object.get()))
+      if (const auto* group = dynamic_cast<const BaseGroup*>(object.get()))
       {
         self(self, node.get(), group->getDataMap());
       }
@@ -87,8 +88,8 @@ void KXDataStructureModel::buildNodes()
 DataPath KXDataStructureModel::dataPath(const QModelIndex& index) const
 {
   std::vector<std::string> names;
-  for(auto* node = static_cast<Node*>(index.internalPointer()); index.isValid() && node != nullptr && node != m_Root.get();
-      node = node->parent)
+  for (auto* node = static_cast<Node*>(index.internalPointer());
+       index.isValid() && node != nullptr && node != m_Root.get(); node = node->parent)
   {
     names.insert(names.begin(), node->name.toStdString());
   }
@@ -99,19 +100,19 @@ QModelIndex KXDataStructureModel::indexFromPath(const DataPath& path) const
 {
   const Node* node = m_Root.get();
   QModelIndex result;
-  for(const std::string& name : path.getPathVector())
+  for (const std::string& name : path.getPathVector())
   {
     const QString wanted = QString::fromStdString(name);
     const Node* next = nullptr;
-    for(const auto& child : node->children)
+    for (const auto& child : node->children)
     {
-      if(child->name == wanted)
+      if (child->name == wanted)
       {
         next = child.get();
         break;
       }
     }
-    if(next == nullptr)
+    if (next == nullptr)
     {
       return QModelIndex();
     }
@@ -123,12 +124,13 @@ QModelIndex KXDataStructureModel::indexFromPath(const DataPath& path) const
 
 QModelIndex KXDataStructureModel::index(int row, int column, const QModelIndex& parent) const
 {
-  if(column != 0 || row < 0 || (parent.isValid() && parent.column() != 0))
+  if (column != 0 || row < 0 || (parent.isValid() && parent.column() != 0))
   {
     return QModelIndex();
   }
-  const Node* parentNode = parent.isValid() ? static_cast<Node*>(parent.internalPointer()) : m_Root.get();
-  if(static_cast<size_t>(row) >= parentNode->children.size())
+  const Node* parentNode =
+    parent.isValid() ? static_cast<Node*>(parent.internalPointer()) : m_Root.get();
+  if (static_cast<size_t>(row) >= parentNode->children.size())
   {
     return QModelIndex();
   }
@@ -137,12 +139,12 @@ QModelIndex KXDataStructureModel::index(int row, int column, const QModelIndex& 
 
 QModelIndex KXDataStructureModel::parent(const QModelIndex& child) const
 {
-  if(!child.isValid())
+  if (!child.isValid())
   {
     return QModelIndex();
   }
   const Node* parentNode = static_cast<Node*>(child.internalPointer())->parent;
-  if(parentNode == nullptr || parentNode == m_Root.get())
+  if (parentNode == nullptr || parentNode == m_Root.get())
   {
     return QModelIndex();
   }
@@ -151,7 +153,7 @@ QModelIndex KXDataStructureModel::parent(const QModelIndex& child) const
 
 int KXDataStructureModel::rowCount(const QModelIndex& parent) const
 {
-  if(parent.isValid() && parent.column() != 0)
+  if (parent.isValid() && parent.column() != 0)
   {
     return 0;
   }
@@ -166,30 +168,30 @@ int KXDataStructureModel::columnCount(const QModelIndex& /*parent*/) const
 
 QVariant KXDataStructureModel::data(const QModelIndex& index, int role) const
 {
-  if(!index.isValid())
+  if (!index.isValid())
   {
     return QVariant();
   }
   const Node* node = static_cast<Node*>(index.internalPointer());
-  switch(role)
+  switch (role)
   {
-  case Qt::DisplayRole:
-  case Qt::ToolTipRole:
-    return node->name;
-  case IdRole:
-    return QVariant::fromValue<qulonglong>(node->id);
-  case TypeNameRole:
-    return node->typeName;
-  case PathRole:
-    return QString::fromStdString(dataPath(index).toString());
-  default:
-    return QVariant();
+    case Qt::DisplayRole:
+    case Qt::ToolTipRole:
+      return node->name;
+    case IdRole:
+      return QVariant::fromValue<qulonglong>(node->id);
+    case TypeNameRole:
+      return node->typeName;
+    case PathRole:
+      return QString::fromStdString(dataPath(index).toString());
+    default:
+      return QVariant();
   }
 }
 
 QVariant KXDataStructureModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-  if(section == 0 && orientation == Qt::Horizontal && role == Qt::DisplayRole)
+  if (section == 0 && orientation == Qt::Horizontal && role == Qt::DisplayRole)
   {
     return tr("Name");
   }

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 KXIconPushButton::KXIconPushButton(QWidget* parent)
-: QPushButton(parent)
+  : QPushButton(parent)
 {
   setFlat(true);
   setIconSize(KXStyle::getIconSize());
@@ -13,7 +13,7 @@ KXIconPushButton::KXIconPushButton(QWidget* parent)
 }
 
 KXIconPushButton::KXIconPushButton(const QString& iconName, bool checkable, QWidget* parent)
-: KXIconPushButton(parent)
+  : KXIconPushButton(parent)
 {
   setCheckable(checkable);
   setIconName(iconName);

@@ -12,7 +12,7 @@ namespace
 {
 ColorPreset BuiltInPreset(const QString& name)
 {
-  if(auto preset = KXColorPresets::Find(name))
+  if (auto preset = KXColorPresets::Find(name))
   {
     return *preset;
   }
@@ -21,8 +21,8 @@ ColorPreset BuiltInPreset(const QString& name)
   ColorPreset fallback;
   fallback.name = name.toStdString();
   fallback.colorSpace = "RGB";
-  fallback.nanColor = {1.0f, 1.0f, 0.0f};
-  fallback.rgbPoints = {0.0f, 0.23f, 0.30f, 0.75f, 1.0f, 0.71f, 0.02f, 0.15f};
+  fallback.nanColor = { 1.0f, 1.0f, 0.0f };
+  fallback.rgbPoints = { 0.0f, 0.23f, 0.30f, 0.75f, 1.0f, 0.71f, 0.02f, 0.15f };
   return fallback;
 }
 
@@ -57,14 +57,14 @@ PreferenceValues& Values()
   return s_Values;
 }
 
-template <typename T, typename Member>
+template<typename T, typename Member>
 T Get(Member member)
 {
   QMutexLocker lock(&s_Mutex);
   return Values().*member;
 }
 
-template <typename T, typename Member>
+template<typename T, typename Member>
 void Set(Member member, const T& value)
 {
   QMutexLocker lock(&s_Mutex);
@@ -76,12 +76,12 @@ std::optional<ColorPreset> PresetFromText(const QString& text)
 {
   const std::string utf8 = text.toStdString();
   const nlohmann::json json = nlohmann::json::parse(utf8, nullptr, false);
-  if(!json.is_object())
+  if (!json.is_object())
   {
     return std::nullopt;
   }
   ColorPreset preset(json);
-  if(preset.name.empty())
+  if (preset.name.empty())
   {
     return std::nullopt;
   }
@@ -124,7 +124,7 @@ QColor KXPreferences::getDefaultRenderWindowBackground()
 
 void KXPreferences::setDefaultRenderWindowBackground(const QColor& color)
 {
-  if(color.isValid())
+  if (color.isValid())
   {
     Set(&PreferenceValues::background, color);
   }
@@ -147,13 +147,13 @@ QStringList KXPreferences::getOrientationMarkerText()
 
 void KXPreferences::setOrientationMarkerText(const QStringList& texts)
 {
-  if(texts.size() != 6)
+  if (texts.size() != 6)
   {
     return;
   }
   {
     QMutexLocker lock(&s_Mutex);
-    if(Values().orientationMarkerText == texts)
+    if (Values().orientationMarkerText == texts)
     {
       return;
     }
@@ -198,20 +198,22 @@ void KXPreferences::readSettings()
   QtKXSettings settings;
   settings.beginGroup(k_Group);
 
-  if(auto preset = PresetFromText(settings.value(k_ColorPresetKey).toString()))
+  if (auto preset = PresetFromText(settings.value(k_ColorPresetKey).toString()))
   {
     setDefaultColorPreset(*preset);
   }
-  if(auto preset = PresetFromText(settings.value(k_IndexedColorPresetKey).toString()))
+  if (auto preset = PresetFromText(settings.value(k_IndexedColorPresetKey).toString()))
   {
     setDefaultIndexedColorPreset(*preset);
   }
-  if(settings.contains(k_BackgroundKey))
+  if (settings.contains(k_BackgroundKey))
   {
-    setDefaultRenderWindowBackground(QColor::fromString(settings.value(k_BackgroundKey).toString()));
+    setDefaultRenderWindowBackground(
+      QColor::fromString(settings.value(k_BackgroundKey).toString()));
   }
-  const auto readBool = [&settings](const QString& key, void (*setter)(bool)) {
-    if(settings.contains(key))
+  const auto readBool = [&settings](const QString& key, void (*setter)(bool))
+  {
+    if (settings.contains(key))
     {
       setter(settings.value(key).toBool());
     }
@@ -219,8 +221,9 @@ void KXPreferences::readSettings()
   readBool(k_ParallelProjectionKey, &KXPreferences::setCameraParallelProjDefault);
   readBool(k_DisableDecimationKey, &KXPreferences::setDisableDecimation);
   readBool(k_AllowTooManyIndexedValuesKey, &KXPreferences::setAllowTooManyIndexedValues);
-  readBool(k_AllowMoreValuesThanIndexedColorsKey, &KXPreferences::setAllowMoreValuesThanIndexedColors);
-  if(settings.contains(k_OrientationMarkerTextKey))
+  readBool(k_AllowMoreValuesThanIndexedColorsKey,
+           &KXPreferences::setAllowMoreValuesThanIndexedColors);
+  if (settings.contains(k_OrientationMarkerTextKey))
   {
     setOrientationMarkerText(settings.value(k_OrientationMarkerTextKey).toStringList());
   }
@@ -231,7 +234,8 @@ void KXPreferences::writeSettings()
 {
   QtKXSettings settings;
   settings.beginGroup(k_Group);
-  settings.setValue(k_ColorPresetKey, QString::fromStdString(getDefaultColorPreset().toJsonString()));
+  settings.setValue(k_ColorPresetKey,
+                    QString::fromStdString(getDefaultColorPreset().toJsonString()));
   settings.setValue(k_IndexedColorPresetKey,
                     QString::fromStdString(getDefaultIndexedColorPreset().toJsonString()));
   // Stored as "#aarrggbb" text so the INI file stays readable and keeps alpha.

@@ -56,44 +56,44 @@ struct IconRecipe
 
 // The single list of theme icon names; tests iterate over KXStyle::iconNames().
 constexpr std::array k_Recipes = {
-  IconRecipe{"PipelineFileBridgeObj", Shape::Document, 0xff3d7cc9, 'F'},
-  IconRecipe{"DataSource", Shape::Database, 0xff3a9d5d, '\0'},
-  IconRecipe{"VertexGeometry", Shape::Points, 0xff2f6fb3, '\0'},
-  IconRecipe{"Cells", Shape::Cells, 0xffd08a2c, '\0'},
-  IconRecipe{"TriangleGeometry", Shape::Triangle, 0xff8c5bc7, '\0'},
-  IconRecipe{"Wireframe", Shape::Wireframe, 0xff4f9fb8, '\0'},
-  IconRecipe{"Visualization", Shape::BoxOutline, 0xff5a6d84, '\0'},
-  IconRecipe{"SliceView", Shape::Slice, 0xff2c9c9c, '\0'},
-  IconRecipe{"VolumeView", Shape::Volume, 0xffc0504d, '\0'},
-  IconRecipe{"GlyphView", Shape::Glyphs, 0xff9a7b2f, '\0'},
-  IconRecipe{"VXPipelineTreeIcon", Shape::Tree, 0xff607d8b, '\0'},
-  IconRecipe{"Eye", Shape::Eye, 0xff37474f, '\0'},
-  IconRecipe{"Close", Shape::Cross, 0xffc62828, '\0'},
-  IconRecipe{"Split Horizontal", Shape::SplitH, 0xff455a64, '\0'},
-  IconRecipe{"Split Vertical", Shape::SplitV, 0xff455a64, '\0'},
-  IconRecipe{"Run", Shape::Play, 0xff2e7d32, '\0'},
-  IconRecipe{"target", Shape::Target, 0xffd84315, '\0'},
-  IconRecipe{"Undo", Shape::Undo, 0xff1565c0, '\0'},
-  IconRecipe{"preset", Shape::Gradient, 0xff000000, '\0'},
-  IconRecipe{"invert", Shape::Invert, 0xff212121, '\0'},
-  IconRecipe{"ScaleToData", Shape::ScaleArrows, 0xff00838f, '\0'},
-  IconRecipe{"CustomRange", Shape::Range, 0xff6a1b9a, '\0'},
-  IconRecipe{"Help", Shape::Circle, 0xff1e88e5, '?'},
-  IconRecipe{"Save", Shape::Floppy, 0xff3949ab, '\0'},
-  IconRecipe{"GridAxes", Shape::Grid, 0xff546e7a, '\0'},
-  IconRecipe{"Link", Shape::Chain, 0xff546e7a, '\0'},
-  IconRecipe{"Sync", Shape::Circle, 0xff00897b, 'S'},
-  IconRecipe{"Settings", Shape::Badge, 0xff757575, 'S'},
-  IconRecipe{"Filter", Shape::Badge, 0xff7cb342, 'F'},
-  IconRecipe{"Threshold", Shape::Badge, 0xffef6c00, 'T'},
-  IconRecipe{"Clip", Shape::Badge, 0xff5e35b1, 'C'},
+  IconRecipe{ "PipelineFileBridgeObj", Shape::Document, 0xff3d7cc9, 'F' },
+  IconRecipe{ "DataSource", Shape::Database, 0xff3a9d5d, '\0' },
+  IconRecipe{ "VertexGeometry", Shape::Points, 0xff2f6fb3, '\0' },
+  IconRecipe{ "Cells", Shape::Cells, 0xffd08a2c, '\0' },
+  IconRecipe{ "TriangleGeometry", Shape::Triangle, 0xff8c5bc7, '\0' },
+  IconRecipe{ "Wireframe", Shape::Wireframe, 0xff4f9fb8, '\0' },
+  IconRecipe{ "Visualization", Shape::BoxOutline, 0xff5a6d84, '\0' },
+  IconRecipe{ "SliceView", Shape::Slice, 0xff2c9c9c, '\0' },
+  IconRecipe{ "VolumeView", Shape::Volume, 0xffc0504d, '\0' },
+  IconRecipe{ "GlyphView", Shape::Glyphs, 0xff9a7b2f, '\0' },
+  IconRecipe{ "VXPipelineTreeIcon", Shape::Tree, 0xff607d8b, '\0' },
+  IconRecipe{ "Eye", Shape::Eye, 0xff37474f, '\0' },
+  IconRecipe{ "Close", Shape::Cross, 0xffc62828, '\0' },
+  IconRecipe{ "Split Horizontal", Shape::SplitH, 0xff455a64, '\0' },
+  IconRecipe{ "Split Vertical", Shape::SplitV, 0xff455a64, '\0' },
+  IconRecipe{ "Run", Shape::Play, 0xff2e7d32, '\0' },
+  IconRecipe{ "target", Shape::Target, 0xffd84315, '\0' },
+  IconRecipe{ "Undo", Shape::Undo, 0xff1565c0, '\0' },
+  IconRecipe{ "preset", Shape::Gradient, 0xff000000, '\0' },
+  IconRecipe{ "invert", Shape::Invert, 0xff212121, '\0' },
+  IconRecipe{ "ScaleToData", Shape::ScaleArrows, 0xff00838f, '\0' },
+  IconRecipe{ "CustomRange", Shape::Range, 0xff6a1b9a, '\0' },
+  IconRecipe{ "Help", Shape::Circle, 0xff1e88e5, '?' },
+  IconRecipe{ "Save", Shape::Floppy, 0xff3949ab, '\0' },
+  IconRecipe{ "GridAxes", Shape::Grid, 0xff546e7a, '\0' },
+  IconRecipe{ "Link", Shape::Chain, 0xff546e7a, '\0' },
+  IconRecipe{ "Sync", Shape::Circle, 0xff00897b, 'S' },
+  IconRecipe{ "Settings", Shape::Badge, 0xff757575, 'S' },
+  IconRecipe{ "Filter", Shape::Badge, 0xff7cb342, 'F' },
+  IconRecipe{ "Threshold", Shape::Badge, 0xffef6c00, 'T' },
+  IconRecipe{ "Clip", Shape::Badge, 0xff5e35b1, 'C' },
 };
 
 std::optional<IconRecipe> FindRecipe(const QString& name)
 {
-  for(const IconRecipe& recipe : k_Recipes)
+  for (const IconRecipe& recipe : k_Recipes)
   {
-    if(name == QLatin1String(recipe.name))
+    if (name == QLatin1String(recipe.name))
     {
       return recipe;
     }
@@ -120,272 +120,272 @@ QPen Stroke(const QColor& color, qreal width = 1.5)
 void DrawRecipe(QPainter& p, Shape shape, const QColor& c, char letter)
 {
   const QColor light = c.lighter(160);
-  switch(shape)
+  switch (shape)
   {
-  case Shape::Badge:
-    p.setPen(Qt::NoPen);
-    p.setBrush(c);
-    p.drawRoundedRect(QRectF(1, 1, 14, 14), 3, 3);
-    DrawLetter(p, QRectF(1, 1, 14, 14), letter, Qt::white);
-    break;
-  case Shape::Circle:
-    p.setPen(Qt::NoPen);
-    p.setBrush(c);
-    p.drawEllipse(QRectF(1, 1, 14, 14));
-    DrawLetter(p, QRectF(1, 1, 14, 14), letter, Qt::white);
-    break;
-  case Shape::Document:
-  {
-    QPainterPath page;
-    page.moveTo(3, 1);
-    page.lineTo(10, 1);
-    page.lineTo(13, 4);
-    page.lineTo(13, 15);
-    page.lineTo(3, 15);
-    page.closeSubpath();
-    p.setPen(Stroke(c.darker(130), 1));
-    p.setBrush(light);
-    p.drawPath(page);
-    p.drawLine(QPointF(10, 1), QPointF(10, 4));
-    p.drawLine(QPointF(10, 4), QPointF(13, 4));
-    DrawLetter(p, QRectF(3, 5, 10, 10), letter, c.darker(150));
-    break;
-  }
-  case Shape::Database:
-    p.setPen(Stroke(c.darker(140), 1));
-    p.setBrush(c);
-    p.drawRect(QRectF(2.5, 4, 11, 8));
-    p.drawEllipse(QRectF(2.5, 10, 11, 4));
-    p.setPen(Qt::NoPen);
-    p.drawRect(QRectF(3, 5, 10, 7));
-    p.setPen(Stroke(c.darker(140), 1));
-    p.setBrush(light);
-    p.drawEllipse(QRectF(2.5, 2, 11, 4));
-    break;
-  case Shape::Points:
-    p.setPen(Qt::NoPen);
-    p.setBrush(c);
-    for(int row = 0; row < 3; ++row)
-    {
-      for(int col = 0; col < 3; ++col)
-      {
-        p.drawEllipse(QPointF(3.5 + 4.5 * col, 3.5 + 4.5 * row), 1.8, 1.8);
-      }
-    }
-    break;
-  case Shape::Cells:
-    p.setPen(Stroke(c.darker(150), 1));
-    for(int row = 0; row < 2; ++row)
-    {
-      for(int col = 0; col < 2; ++col)
-      {
-        p.setBrush((row + col) % 2 == 0 ? c : light);
-        p.drawRect(QRectF(1.5 + 6.5 * col, 1.5 + 6.5 * row, 6.5, 6.5));
-      }
-    }
-    break;
-  case Shape::Triangle:
-    p.setPen(Stroke(c.darker(140), 1));
-    p.setBrush(c);
-    p.drawPolygon(QPolygonF({QPointF(8, 1.5), QPointF(14.5, 14), QPointF(1.5, 14)}));
-    break;
-  case Shape::Wireframe:
-    p.setPen(Stroke(c, 1.2));
-    p.setBrush(Qt::NoBrush);
-    p.drawPolygon(QPolygonF({QPointF(8, 1.5), QPointF(14.5, 14), QPointF(1.5, 14)}));
-    p.drawLine(QPointF(4.75, 7.75), QPointF(11.25, 7.75));
-    p.drawLine(QPointF(4.75, 7.75), QPointF(8, 14));
-    p.drawLine(QPointF(11.25, 7.75), QPointF(8, 14));
-    break;
-  case Shape::BoxOutline:
-  case Shape::Volume:
-  {
-    const QPolygonF front({QPointF(2, 5), QPointF(11, 5), QPointF(11, 14), QPointF(2, 14)});
-    const QPolygonF top({QPointF(2, 5), QPointF(5, 2), QPointF(14, 2), QPointF(11, 5)});
-    const QPolygonF side({QPointF(11, 5), QPointF(14, 2), QPointF(14, 11), QPointF(11, 14)});
-    p.setPen(Stroke(shape == Shape::Volume ? c.darker(150) : c, 1.2));
-    if(shape == Shape::Volume)
-    {
+    case Shape::Badge:
+      p.setPen(Qt::NoPen);
       p.setBrush(c);
-      p.drawPolygon(front);
+      p.drawRoundedRect(QRectF(1, 1, 14, 14), 3, 3);
+      DrawLetter(p, QRectF(1, 1, 14, 14), letter, Qt::white);
+      break;
+    case Shape::Circle:
+      p.setPen(Qt::NoPen);
+      p.setBrush(c);
+      p.drawEllipse(QRectF(1, 1, 14, 14));
+      DrawLetter(p, QRectF(1, 1, 14, 14), letter, Qt::white);
+      break;
+    case Shape::Document:
+    {
+      QPainterPath page;
+      page.moveTo(3, 1);
+      page.lineTo(10, 1);
+      page.lineTo(13, 4);
+      page.lineTo(13, 15);
+      page.lineTo(3, 15);
+      page.closeSubpath();
+      p.setPen(Stroke(c.darker(130), 1));
       p.setBrush(light);
-      p.drawPolygon(top);
-      p.setBrush(c.darker(130));
-      p.drawPolygon(side);
+      p.drawPath(page);
+      p.drawLine(QPointF(10, 1), QPointF(10, 4));
+      p.drawLine(QPointF(10, 4), QPointF(13, 4));
+      DrawLetter(p, QRectF(3, 5, 10, 10), letter, c.darker(150));
+      break;
     }
-    else
-    {
+    case Shape::Database:
+      p.setPen(Stroke(c.darker(140), 1));
+      p.setBrush(c);
+      p.drawRect(QRectF(2.5, 4, 11, 8));
+      p.drawEllipse(QRectF(2.5, 10, 11, 4));
+      p.setPen(Qt::NoPen);
+      p.drawRect(QRectF(3, 5, 10, 7));
+      p.setPen(Stroke(c.darker(140), 1));
+      p.setBrush(light);
+      p.drawEllipse(QRectF(2.5, 2, 11, 4));
+      break;
+    case Shape::Points:
+      p.setPen(Qt::NoPen);
+      p.setBrush(c);
+      for (int row = 0; row < 3; ++row)
+      {
+        for (int col = 0; col < 3; ++col)
+        {
+          p.drawEllipse(QPointF(3.5 + 4.5 * col, 3.5 + 4.5 * row), 1.8, 1.8);
+        }
+      }
+      break;
+    case Shape::Cells:
+      p.setPen(Stroke(c.darker(150), 1));
+      for (int row = 0; row < 2; ++row)
+      {
+        for (int col = 0; col < 2; ++col)
+        {
+          p.setBrush((row + col) % 2 == 0 ? c : light);
+          p.drawRect(QRectF(1.5 + 6.5 * col, 1.5 + 6.5 * row, 6.5, 6.5));
+        }
+      }
+      break;
+    case Shape::Triangle:
+      p.setPen(Stroke(c.darker(140), 1));
+      p.setBrush(c);
+      p.drawPolygon(QPolygonF({ QPointF(8, 1.5), QPointF(14.5, 14), QPointF(1.5, 14) }));
+      break;
+    case Shape::Wireframe:
+      p.setPen(Stroke(c, 1.2));
       p.setBrush(Qt::NoBrush);
-      p.drawPolygon(front);
-      p.drawPolygon(top);
-      p.drawPolygon(side);
-    }
-    break;
-  }
-  case Shape::Slice:
-    p.setPen(Stroke(c.darker(140), 1));
-    p.setBrush(c);
-    p.drawPolygon(QPolygonF({QPointF(1, 12), QPointF(5, 4), QPointF(15, 4), QPointF(11, 12)}));
-    p.setPen(Stroke(light, 1));
-    p.drawLine(QPointF(4, 9), QPointF(12, 9));
-    break;
-  case Shape::Glyphs:
-    p.setPen(Stroke(c, 1.5));
-    for(const QPointF& origin : {QPointF(2, 13), QPointF(7, 9), QPointF(2, 6)})
+      p.drawPolygon(QPolygonF({ QPointF(8, 1.5), QPointF(14.5, 14), QPointF(1.5, 14) }));
+      p.drawLine(QPointF(4.75, 7.75), QPointF(11.25, 7.75));
+      p.drawLine(QPointF(4.75, 7.75), QPointF(8, 14));
+      p.drawLine(QPointF(11.25, 7.75), QPointF(8, 14));
+      break;
+    case Shape::BoxOutline:
+    case Shape::Volume:
     {
-      const QPointF tip = origin + QPointF(6, -4);
-      p.drawLine(origin, tip);
-      p.drawLine(tip, tip + QPointF(-2.5, 0.2));
-      p.drawLine(tip, tip + QPointF(-0.8, 2.3));
+      const QPolygonF front({ QPointF(2, 5), QPointF(11, 5), QPointF(11, 14), QPointF(2, 14) });
+      const QPolygonF top({ QPointF(2, 5), QPointF(5, 2), QPointF(14, 2), QPointF(11, 5) });
+      const QPolygonF side({ QPointF(11, 5), QPointF(14, 2), QPointF(14, 11), QPointF(11, 14) });
+      p.setPen(Stroke(shape == Shape::Volume ? c.darker(150) : c, 1.2));
+      if (shape == Shape::Volume)
+      {
+        p.setBrush(c);
+        p.drawPolygon(front);
+        p.setBrush(light);
+        p.drawPolygon(top);
+        p.setBrush(c.darker(130));
+        p.drawPolygon(side);
+      }
+      else
+      {
+        p.setBrush(Qt::NoBrush);
+        p.drawPolygon(front);
+        p.drawPolygon(top);
+        p.drawPolygon(side);
+      }
+      break;
     }
-    break;
-  case Shape::Tree:
-    p.setPen(Stroke(c, 1.2));
-    p.drawLine(QPointF(4, 4), QPointF(4, 12));
-    p.drawLine(QPointF(4, 8), QPointF(11, 8));
-    p.drawLine(QPointF(4, 12), QPointF(11, 12));
-    p.setPen(Qt::NoPen);
-    p.setBrush(c);
-    p.drawRect(QRectF(1.5, 1.5, 5, 4));
-    p.setBrush(light);
-    p.drawRect(QRectF(10, 6, 5, 4));
-    p.drawRect(QRectF(10, 10.5, 5, 4));
-    break;
-  case Shape::Eye:
-  {
-    QPainterPath lids;
-    lids.moveTo(1, 8);
-    lids.quadTo(8, 0.5, 15, 8);
-    lids.quadTo(8, 15.5, 1, 8);
-    p.setPen(Stroke(c, 1.2));
-    p.setBrush(Qt::white);
-    p.drawPath(lids);
-    p.setPen(Qt::NoPen);
-    p.setBrush(c);
-    p.drawEllipse(QPointF(8, 8), 2.8, 2.8);
-    break;
-  }
-  case Shape::Cross:
-    p.setPen(Stroke(c, 2.2));
-    p.drawLine(QPointF(3.5, 3.5), QPointF(12.5, 12.5));
-    p.drawLine(QPointF(12.5, 3.5), QPointF(3.5, 12.5));
-    break;
-  case Shape::SplitH:
-  case Shape::SplitV:
-    p.setPen(Stroke(c, 1.2));
-    p.setBrush(Qt::white);
-    p.drawRect(QRectF(1.5, 2.5, 13, 11));
-    p.setPen(Stroke(c, 1.6));
-    if(shape == Shape::SplitH)
+    case Shape::Slice:
+      p.setPen(Stroke(c.darker(140), 1));
+      p.setBrush(c);
+      p.drawPolygon(QPolygonF({ QPointF(1, 12), QPointF(5, 4), QPointF(15, 4), QPointF(11, 12) }));
+      p.setPen(Stroke(light, 1));
+      p.drawLine(QPointF(4, 9), QPointF(12, 9));
+      break;
+    case Shape::Glyphs:
+      p.setPen(Stroke(c, 1.5));
+      for (const QPointF& origin : { QPointF(2, 13), QPointF(7, 9), QPointF(2, 6) })
+      {
+        const QPointF tip = origin + QPointF(6, -4);
+        p.drawLine(origin, tip);
+        p.drawLine(tip, tip + QPointF(-2.5, 0.2));
+        p.drawLine(tip, tip + QPointF(-0.8, 2.3));
+      }
+      break;
+    case Shape::Tree:
+      p.setPen(Stroke(c, 1.2));
+      p.drawLine(QPointF(4, 4), QPointF(4, 12));
+      p.drawLine(QPointF(4, 8), QPointF(11, 8));
+      p.drawLine(QPointF(4, 12), QPointF(11, 12));
+      p.setPen(Qt::NoPen);
+      p.setBrush(c);
+      p.drawRect(QRectF(1.5, 1.5, 5, 4));
+      p.setBrush(light);
+      p.drawRect(QRectF(10, 6, 5, 4));
+      p.drawRect(QRectF(10, 10.5, 5, 4));
+      break;
+    case Shape::Eye:
     {
-      p.drawLine(QPointF(8, 2.5), QPointF(8, 13.5));
+      QPainterPath lids;
+      lids.moveTo(1, 8);
+      lids.quadTo(8, 0.5, 15, 8);
+      lids.quadTo(8, 15.5, 1, 8);
+      p.setPen(Stroke(c, 1.2));
+      p.setBrush(Qt::white);
+      p.drawPath(lids);
+      p.setPen(Qt::NoPen);
+      p.setBrush(c);
+      p.drawEllipse(QPointF(8, 8), 2.8, 2.8);
+      break;
     }
-    else
+    case Shape::Cross:
+      p.setPen(Stroke(c, 2.2));
+      p.drawLine(QPointF(3.5, 3.5), QPointF(12.5, 12.5));
+      p.drawLine(QPointF(12.5, 3.5), QPointF(3.5, 12.5));
+      break;
+    case Shape::SplitH:
+    case Shape::SplitV:
+      p.setPen(Stroke(c, 1.2));
+      p.setBrush(Qt::white);
+      p.drawRect(QRectF(1.5, 2.5, 13, 11));
+      p.setPen(Stroke(c, 1.6));
+      if (shape == Shape::SplitH)
+      {
+        p.drawLine(QPointF(8, 2.5), QPointF(8, 13.5));
+      }
+      else
+      {
+        p.drawLine(QPointF(1.5, 8), QPointF(14.5, 8));
+      }
+      break;
+    case Shape::Play:
+      p.setPen(Qt::NoPen);
+      p.setBrush(c);
+      p.drawPolygon(QPolygonF({ QPointF(4, 2), QPointF(14, 8), QPointF(4, 14) }));
+      break;
+    case Shape::Target:
+      p.setBrush(Qt::NoBrush);
+      p.setPen(Stroke(c, 1.4));
+      p.drawEllipse(QPointF(8, 8), 6.3, 6.3);
+      p.drawEllipse(QPointF(8, 8), 3.5, 3.5);
+      p.setPen(Qt::NoPen);
+      p.setBrush(c);
+      p.drawEllipse(QPointF(8, 8), 1.3, 1.3);
+      break;
+    case Shape::Undo:
     {
-      p.drawLine(QPointF(1.5, 8), QPointF(14.5, 8));
+      QPainterPath arc;
+      arc.moveTo(4, 6);
+      arc.lineTo(10, 6);
+      arc.cubicTo(15, 6, 15, 14, 10, 14);
+      arc.lineTo(6, 14);
+      p.setPen(Stroke(c, 1.8));
+      p.setBrush(Qt::NoBrush);
+      p.drawPath(arc);
+      p.setPen(Qt::NoPen);
+      p.setBrush(c);
+      p.drawPolygon(QPolygonF({ QPointF(1, 6), QPointF(5.5, 2), QPointF(5.5, 10) }));
+      break;
     }
-    break;
-  case Shape::Play:
-    p.setPen(Qt::NoPen);
-    p.setBrush(c);
-    p.drawPolygon(QPolygonF({QPointF(4, 2), QPointF(14, 8), QPointF(4, 14)}));
-    break;
-  case Shape::Target:
-    p.setBrush(Qt::NoBrush);
-    p.setPen(Stroke(c, 1.4));
-    p.drawEllipse(QPointF(8, 8), 6.3, 6.3);
-    p.drawEllipse(QPointF(8, 8), 3.5, 3.5);
-    p.setPen(Qt::NoPen);
-    p.setBrush(c);
-    p.drawEllipse(QPointF(8, 8), 1.3, 1.3);
-    break;
-  case Shape::Undo:
-  {
-    QPainterPath arc;
-    arc.moveTo(4, 6);
-    arc.lineTo(10, 6);
-    arc.cubicTo(15, 6, 15, 14, 10, 14);
-    arc.lineTo(6, 14);
-    p.setPen(Stroke(c, 1.8));
-    p.setBrush(Qt::NoBrush);
-    p.drawPath(arc);
-    p.setPen(Qt::NoPen);
-    p.setBrush(c);
-    p.drawPolygon(QPolygonF({QPointF(1, 6), QPointF(5.5, 2), QPointF(5.5, 10)}));
-    break;
-  }
-  case Shape::Gradient:
-  {
-    QLinearGradient ramp(QPointF(1, 0), QPointF(15, 0));
-    ramp.setColorAt(0.0, QColor(59, 76, 192));
-    ramp.setColorAt(0.5, QColor(221, 221, 221));
-    ramp.setColorAt(1.0, QColor(180, 4, 38));
-    p.setPen(Stroke(c, 1));
-    p.setBrush(ramp);
-    p.drawRect(QRectF(1.5, 4.5, 13, 7));
-    break;
-  }
-  case Shape::Invert:
-    p.setPen(Stroke(c, 1));
-    p.setBrush(Qt::white);
-    p.drawEllipse(QRectF(1.5, 1.5, 13, 13));
-    p.setBrush(c);
-    p.drawPie(QRectF(1.5, 1.5, 13, 13), 90 * 16, 180 * 16);
-    break;
-  case Shape::ScaleArrows:
-    p.setPen(Stroke(c, 1.5));
-    p.drawLine(QPointF(2, 5), QPointF(14, 5));
-    p.drawLine(QPointF(2, 5), QPointF(4.5, 2.5));
-    p.drawLine(QPointF(2, 5), QPointF(4.5, 7.5));
-    p.drawLine(QPointF(14, 5), QPointF(11.5, 2.5));
-    p.drawLine(QPointF(14, 5), QPointF(11.5, 7.5));
-    p.setPen(Qt::NoPen);
-    p.setBrush(c);
-    p.drawRect(QRectF(2, 10, 12, 4));
-    break;
-  case Shape::Range:
-    p.setPen(Stroke(c, 1.5));
-    p.drawLine(QPointF(2, 3), QPointF(2, 13));
-    p.drawLine(QPointF(14, 3), QPointF(14, 13));
-    p.setPen(Qt::NoPen);
-    p.setBrush(light);
-    p.drawRect(QRectF(2, 6, 12, 4));
-    p.setBrush(c);
-    p.drawRect(QRectF(5, 6, 6, 4));
-    break;
-  case Shape::Floppy:
-    p.setPen(Stroke(c.darker(130), 1));
-    p.setBrush(c);
-    p.drawRect(QRectF(1.5, 1.5, 13, 13));
-    p.setBrush(Qt::white);
-    p.drawRect(QRectF(4, 1.5, 8, 5));
-    p.setBrush(light);
-    p.drawRect(QRectF(3.5, 9, 9, 5.5));
-    break;
-  case Shape::Grid:
-    p.setPen(Stroke(c.lighter(130), 0.8));
-    for(int i = 1; i < 4; ++i)
+    case Shape::Gradient:
     {
-      p.drawLine(QPointF(2 + 3.3 * i, 2), QPointF(2 + 3.3 * i, 14));
-      p.drawLine(QPointF(2, 14 - 3.3 * i), QPointF(14, 14 - 3.3 * i));
+      QLinearGradient ramp(QPointF(1, 0), QPointF(15, 0));
+      ramp.setColorAt(0.0, QColor(59, 76, 192));
+      ramp.setColorAt(0.5, QColor(221, 221, 221));
+      ramp.setColorAt(1.0, QColor(180, 4, 38));
+      p.setPen(Stroke(c, 1));
+      p.setBrush(ramp);
+      p.drawRect(QRectF(1.5, 4.5, 13, 7));
+      break;
     }
-    p.setPen(Stroke(c, 1.6));
-    p.drawLine(QPointF(2, 2), QPointF(2, 14));
-    p.drawLine(QPointF(2, 14), QPointF(14, 14));
-    break;
-  case Shape::Chain:
-    p.setPen(Stroke(c, 1.6));
-    p.setBrush(Qt::NoBrush);
-    p.drawRoundedRect(QRectF(1.5, 5, 8, 6), 3, 3);
-    p.drawRoundedRect(QRectF(6.5, 5, 8, 6), 3, 3);
-    break;
+    case Shape::Invert:
+      p.setPen(Stroke(c, 1));
+      p.setBrush(Qt::white);
+      p.drawEllipse(QRectF(1.5, 1.5, 13, 13));
+      p.setBrush(c);
+      p.drawPie(QRectF(1.5, 1.5, 13, 13), 90 * 16, 180 * 16);
+      break;
+    case Shape::ScaleArrows:
+      p.setPen(Stroke(c, 1.5));
+      p.drawLine(QPointF(2, 5), QPointF(14, 5));
+      p.drawLine(QPointF(2, 5), QPointF(4.5, 2.5));
+      p.drawLine(QPointF(2, 5), QPointF(4.5, 7.5));
+      p.drawLine(QPointF(14, 5), QPointF(11.5, 2.5));
+      p.drawLine(QPointF(14, 5), QPointF(11.5, 7.5));
+      p.setPen(Qt::NoPen);
+      p.setBrush(c);
+      p.drawRect(QRectF(2, 10, 12, 4));
+      break;
+    case Shape::Range:
+      p.setPen(Stroke(c, 1.5));
+      p.drawLine(QPointF(2, 3), QPointF(2, 13));
+      p.drawLine(QPointF(14, 3), QPointF(14, 13));
+      p.setPen(Qt::NoPen);
+      p.setBrush(light);
+      p.drawRect(QRectF(2, 6, 12, 4));
+      p.setBrush(c);
+      p.drawRect(QRectF(5, 6, 6, 4));
+      break;
+    case Shape::Floppy:
+      p.setPen(Stroke(c.darker(130), 1));
+      p.setBrush(c);
+      p.drawRect(QRectF(1.5, 1.5, 13, 13));
+      p.setBrush(Qt::white);
+      p.drawRect(QRectF(4, 1.5, 8, 5));
+      p.setBrush(light);
+      p.drawRect(QRectF(3.5, 9, 9, 5.5));
+      break;
+    case Shape::Grid:
+      p.setPen(Stroke(c.lighter(130), 0.8));
+      for (int i = 1; i < 4; ++i)
+      {
+        p.drawLine(QPointF(2 + 3.3 * i, 2), QPointF(2 + 3.3 * i, 14));
+        p.drawLine(QPointF(2, 14 - 3.3 * i), QPointF(14, 14 - 3.3 * i));
+      }
+      p.setPen(Stroke(c, 1.6));
+      p.drawLine(QPointF(2, 2), QPointF(2, 14));
+      p.drawLine(QPointF(2, 14), QPointF(14, 14));
+      break;
+    case Shape::Chain:
+      p.setPen(Stroke(c, 1.6));
+      p.setBrush(Qt::NoBrush);
+      p.drawRoundedRect(QRectF(1.5, 5, 8, 6), 3, 3);
+      p.drawRoundedRect(QRectF(6.5, 5, 8, 6), 3, 3);
+      break;
   }
 }
 
 QIcon MakeIcon(const std::function<void(QPainter&)>& draw)
 {
   QIcon icon;
-  for(const int side : {16, 24, 32, 64})
+  for (const int side : { 16, 24, 32, 64 })
   {
     QPixmap pixmap(side, side);
     pixmap.fill(Qt::transparent);
@@ -402,12 +402,14 @@ QIcon MakeIcon(const std::function<void(QPainter&)>& draw)
 
 QIcon MakeFallbackIcon()
 {
-  return MakeIcon([](QPainter& p) {
-    p.setPen(Qt::NoPen);
-    p.setBrush(QColor(255, 0, 255));
-    p.drawRect(QRectF(0, 0, 16, 16));
-    DrawLetter(p, QRectF(0, 0, 16, 16), '?', Qt::black);
-  });
+  return MakeIcon(
+    [](QPainter& p)
+    {
+      p.setPen(Qt::NoPen);
+      p.setBrush(QColor(255, 0, 255));
+      p.drawRect(QRectF(0, 0, 16, 16));
+      DrawLetter(p, QRectF(0, 0, 16, 16), '?', Qt::black);
+    });
 }
 
 QMutex s_CacheMutex;
@@ -422,16 +424,16 @@ QIcon KXStyle::generateThemeIconFromName(const QString& name)
 {
   QMutexLocker lock(&s_CacheMutex);
   auto found = Cache().constFind(name);
-  if(found != Cache().constEnd())
+  if (found != Cache().constEnd())
   {
     return found.value();
   }
   QIcon icon;
-  if(const auto recipe = FindRecipe(name))
+  if (const auto recipe = FindRecipe(name))
   {
-    icon = MakeIcon([&recipe](QPainter& p) {
-      DrawRecipe(p, recipe->shape, QColor::fromRgba(recipe->color), recipe->letter);
-    });
+    icon =
+      MakeIcon([&recipe](QPainter& p)
+               { DrawRecipe(p, recipe->shape, QColor::fromRgba(recipe->color), recipe->letter); });
   }
   else
   {
@@ -449,7 +451,7 @@ bool KXStyle::hasThemeIcon(const QString& name)
 QStringList KXStyle::iconNames()
 {
   QStringList names;
-  for(const IconRecipe& recipe : k_Recipes)
+  for (const IconRecipe& recipe : k_Recipes)
   {
     names.append(QLatin1String(recipe.name));
   }

@@ -6,13 +6,13 @@
 #include <QtWidgets/QToolTip>
 
 QElidedLabel::QElidedLabel(QWidget* parent)
-: QElidedLabel(QString(), parent)
+  : QElidedLabel(QString(), parent)
 {
 }
 
 QElidedLabel::QElidedLabel(const QString& text, QWidget* parent)
-: QFrame(parent)
-, m_Text(text)
+  : QFrame(parent)
+  , m_Text(text)
 {
   // Expanding but willing to shrink to nothing: the point of the widget.
   setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -27,7 +27,7 @@ QString QElidedLabel::text() const
 
 void QElidedLabel::setText(const QString& text)
 {
-  if(text == m_Text)
+  if (text == m_Text)
   {
     return;
   }
@@ -77,7 +77,8 @@ QSize QElidedLabel::sizeHint() const
 {
   const QFontMetrics metrics = fontMetrics();
   const QMargins margins = contentsMargins();
-  return QSize(metrics.horizontalAdvance(m_Text) + margins.left() + margins.right() + 2 * frameWidth(),
+  return QSize(metrics.horizontalAdvance(m_Text) + margins.left() + margins.right() +
+                 2 * frameWidth(),
                metrics.height() + margins.top() + margins.bottom() + 2 * frameWidth());
 }
 
@@ -91,7 +92,8 @@ void QElidedLabel::paintEvent(QPaintEvent* event)
 {
   QFrame::paintEvent(event);
   QPainter painter(this);
-  painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
+  painter.setPen(
+    palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
   painter.drawText(contentsRect(), static_cast<int>(m_Alignment), displayedText());
 }
 
@@ -99,7 +101,7 @@ bool QElidedLabel::event(QEvent* event)
 {
   // Decided at hover time rather than on resize: a hidden widget gets no
   // resize events, and the width may change many times between hovers.
-  if(event->type() == QEvent::ToolTip && toolTip().isEmpty() && isElided())
+  if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && isElided())
   {
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), m_Text, this);
     return true;

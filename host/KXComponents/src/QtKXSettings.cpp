@@ -15,7 +15,7 @@ QString s_FilePath; // empty: the default location below
 QString DefaultFilePath()
 {
   QString folder = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
-  if(folder.isEmpty())
+  if (folder.isEmpty())
   {
     folder = QDir::homePath() + QStringLiteral("/.config/KXVtkLib");
   }
@@ -24,7 +24,7 @@ QString DefaultFilePath()
 } // namespace
 
 QtKXSettings::QtKXSettings()
-: m_Settings(std::make_unique<QSettings>(FilePath(), QSettings::IniFormat))
+  : m_Settings(std::make_unique<QSettings>(FilePath(), QSettings::IniFormat))
 {
 }
 
@@ -81,7 +81,7 @@ void QtKXSettings::remove(const QString& key)
 {
   // QSettings::remove("") would wipe the whole current group; an empty key
   // is far more likely a caller's mistake than a request for clearGroup().
-  if(key.isEmpty())
+  if (key.isEmpty())
   {
     return;
   }

@@ -3,7 +3,7 @@
 namespace kx::core
 {
 BaseGroup::BaseGroup(DataStructure& dataStructure, std::string name, IdType id)
-: DataObject(dataStructure, std::move(name), id)
+  : DataObject(dataStructure, std::move(name), id)
 {
 }
 

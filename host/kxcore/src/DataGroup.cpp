@@ -5,7 +5,7 @@
 namespace kx::core
 {
 DataGroup::DataGroup(DataStructure& ds, std::string name, IdType id)
-: BaseGroup(ds, std::move(name), id)
+  : BaseGroup(ds, std::move(name), id)
 {
 }
 
@@ -14,7 +14,8 @@ DataGroup* DataGroup::Create(DataStructure& ds, std::string name, std::optional<
   return Import(ds, std::move(name), ds.generateId(), parentId);
 }
 
-DataGroup* DataGroup::Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId)
+DataGroup* DataGroup::Import(DataStructure& ds, std::string name, IdType importId,
+                             std::optional<IdType> parentId)
 {
   std::shared_ptr<DataGroup> group(new DataGroup(ds, std::move(name), importId));
   return ds.insert(group, parentId) ? group.get() : nullptr;

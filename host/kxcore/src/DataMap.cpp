@@ -6,16 +6,16 @@ std::vector<IdType> DataMap::getKeys() const
 {
   std::vector<IdType> keys;
   keys.reserve(m_Map.size());
-  for(const auto& [id, object] : m_Map)
+  for (const auto& [id, object] : m_Map)
     keys.push_back(id);
   return keys;
 }
 
 std::shared_ptr<DataObject> DataMap::getByName(const std::string& name) const
 {
-  for(const auto& [id, object] : m_Map)
+  for (const auto& [id, object] : m_Map)
   {
-    if(object->getName() == name)
+    if (object->getName() == name)
       return object;
   }
   return nullptr;
@@ -29,7 +29,7 @@ std::shared_ptr<DataObject> DataMap::get(IdType id) const
 
 bool DataMap::insert(const std::shared_ptr<DataObject>& object)
 {
-  if(!object || m_Map.count(object->getId()) > 0 || getByName(object->getName()))
+  if (!object || m_Map.count(object->getId()) > 0 || getByName(object->getName()))
     return false;
   m_Map.emplace(object->getId(), object);
   return true;

@@ -14,9 +14,9 @@ DataStructure::DataStructure(const DataStructure& other)
 }
 
 DataStructure::DataStructure(DataStructure&& other) noexcept
-: m_Objects(std::move(other.m_Objects))
-, m_Root(std::move(other.m_Root))
-, m_NextId(other.m_NextId)
+  : m_Objects(std::move(other.m_Objects))
+  , m_Root(std::move(other.m_Root))
+  , m_NextId(other.m_NextId)
 {
   other.m_Objects.clear();
   other.m_Root.clear();
@@ -26,7 +26,7 @@ DataStructure::DataStructure(DataStructure&& other) noexcept
 
 DataStructure& DataStructure::operator=(const DataStructure& other)
 {
-  if(this != &other)
+  if (this != &other)
   {
     m_Objects.clear();
     m_Root.clear();
@@ -37,7 +37,7 @@ DataStructure& DataStructure::operator=(const DataStructure& other)
 
 DataStructure& DataStructure::operator=(DataStructure&& other) noexcept
 {
-  if(this != &other)
+  if (this != &other)
   {
     m_Objects = std::move(other.m_Objects);
     m_Root = std::move(other.m_Root);
@@ -54,31 +54,31 @@ DataStructure::~DataStructure() = default;
 
 void DataStructure::adoptObjects()
 {
-  for(auto& [id, object] : m_Objects)
+  for (auto& [id, object] : m_Objects)
     object->m_DataStructure = this;
 }
 
 void DataStructure::copyFrom(const DataStructure& other)
 {
   m_NextId = other.m_NextId;
-  for(const auto& [id, object] : other.m_Objects)
+  for (const auto& [id, object] : other.m_Objects)
   {
     auto copy = object->shallowCopy();
     copy->m_DataStructure = this;
     m_Objects.emplace(id, std::move(copy));
   }
   // the copied groups still point at the other structure's children
-  for(auto& [id, object] : m_Objects)
+  for (auto& [id, object] : m_Objects)
   {
     auto* group = dynamic_cast<BaseGroup*>(object.get());
-    if(group == nullptr)
+    if (group == nullptr)
       continue;
     const std::vector<IdType> keys = group->m_DataMap.getKeys();
     group->m_DataMap.clear();
-    for(IdType key : keys)
+    for (IdType key : keys)
       group->m_DataMap.insert(m_Objects.at(key));
   }
-  for(IdType key : other.m_Root.getKeys())
+  for (IdType key : other.m_Root.getKeys())
     m_Root.insert(m_Objects.at(key));
 }
 
@@ -96,16 +96,16 @@ std::shared_ptr<DataObject> DataStructure::getSharedData(IdType id) const
 
 std::shared_ptr<DataObject> DataStructure::getSharedData(const DataPath& path) const
 {
-  if(path.empty())
+  if (path.empty())
     return nullptr;
   const DataMap* map = &m_Root;
   std::shared_ptr<DataObject> object;
-  for(usize depth = 0; depth < path.getLength(); depth++)
+  for (usize depth = 0; depth < path.getLength(); depth++)
   {
-    if(map == nullptr)
+    if (map == nullptr)
       return nullptr;
     object = map->getByName(path[depth]);
-    if(!object)
+    if (!object)
       return nullptr;
     const auto* group = dynamic_cast<const BaseGroup*>(object.get());
     map = group != nullptr ? &group->getDataMap() : nullptr;
@@ -124,13 +124,14 @@ std::optional<IdType> DataStructure::getId(const DataPath& path) const
   return object == nullptr ? std::nullopt : std::optional<IdType>(object->getId());
 }
 
-void DataStructure::collectPaths(const DataMap& map, const DataPath& prefix, std::vector<DataPath>& out) const
+void DataStructure::collectPaths(const DataMap& map, const DataPath& prefix,
+                                 std::vector<DataPath>& out) const
 {
-  for(const auto& [id, object] : map)
+  for (const auto& [id, object] : map)
   {
     DataPath path = prefix.createChildPath(object->getName());
     out.push_back(path);
-    if(const auto* group = dynamic_cast<const BaseGroup*>(object.get()))
+    if (const auto* group = dynamic_cast<const BaseGroup*>(object.get()))
       collectPaths(group->getDataMap(), path, out);
   }
 }
@@ -146,14 +147,14 @@ void DataStructure::resetIds(IdType start)
 {
   std::map<IdType, IdType> oldToNew;
   IdType next = start;
-  for(const auto& [id, object] : m_Objects)
+  for (const auto& [id, object] : m_Objects)
     oldToNew.emplace(id, next++);
 
   std::map<IdType, std::shared_ptr<DataObject>> renumbered;
-  for(auto& [id, object] : m_Objects)
+  for (auto& [id, object] : m_Objects)
   {
     object->m_Id = oldToNew.at(id);
-    for(IdType& parentId : object->m_ParentIds)
+    for (IdType& parentId : object->m_ParentIds)
       parentId = oldToNew.at(parentId);
     std::sort(object->m_ParentIds.begin(), object->m_ParentIds.end());
     object->remapIds(oldToNew);
@@ -162,36 +163,38 @@ void DataStructure::resetIds(IdType start)
   m_Objects = std::move(renumbered);
 
   // maps are keyed by identifier: rebuild them with the new keys
-  auto rekey = [](DataMap& map) {
+  auto rekey = [](DataMap& map)
+  {
     std::vector<std::shared_ptr<DataObject>> children;
-    for(const auto& [id, child] : map)
+    for (const auto& [id, child] : map)
       children.push_back(child);
     map.clear();
-    for(auto& child : children)
+    for (auto& child : children)
       map.insert(child);
   };
-  for(auto& [id, object] : m_Objects)
+  for (auto& [id, object] : m_Objects)
   {
-    if(auto* group = dynamic_cast<BaseGroup*>(object.get()))
+    if (auto* group = dynamic_cast<BaseGroup*>(object.get()))
       rekey(group->m_DataMap);
   }
   rekey(m_Root);
   m_NextId = next;
 }
 
-bool DataStructure::insert(const std::shared_ptr<DataObject>& object, std::optional<IdType> parentId)
+bool DataStructure::insert(const std::shared_ptr<DataObject>& object,
+                           std::optional<IdType> parentId)
 {
-  if(!object || m_Objects.count(object->getId()) > 0 || object->m_DataStructure != this)
+  if (!object || m_Objects.count(object->getId()) > 0 || object->m_DataStructure != this)
     return false;
-  if(parentId.has_value())
+  if (parentId.has_value())
   {
     auto* parent = getDataAs<BaseGroup>(*parentId);
-    if(parent == nullptr || !parent->canInsert(*object))
+    if (parent == nullptr || !parent->canInsert(*object))
       return false;
     parent->m_DataMap.insert(object);
-    object->m_ParentIds = {*parentId};
+    object->m_ParentIds = { *parentId };
   }
-  else if(!m_Root.insert(object))
+  else if (!m_Root.insert(object))
   {
     return false;
   }
@@ -203,11 +206,11 @@ bool DataStructure::insert(const std::shared_ptr<DataObject>& object, std::optio
 bool DataStructure::isAncestor(IdType candidateAncestor, IdType id) const
 {
   const DataObject* object = getData(id);
-  if(object == nullptr)
+  if (object == nullptr)
     return false;
-  for(IdType parentId : object->m_ParentIds)
+  for (IdType parentId : object->m_ParentIds)
   {
-    if(parentId == candidateAncestor || isAncestor(candidateAncestor, parentId))
+    if (parentId == candidateAncestor || isAncestor(candidateAncestor, parentId))
       return true;
   }
   return false;
@@ -217,9 +220,9 @@ bool DataStructure::setAdditionalParent(IdType targetId, IdType parentId)
 {
   auto target = getSharedData(targetId);
   auto* parent = getDataAs<BaseGroup>(parentId);
-  if(!target || parent == nullptr || targetId == parentId || isAncestor(targetId, parentId))
+  if (!target || parent == nullptr || targetId == parentId || isAncestor(targetId, parentId))
     return false;
-  if(!parent->canInsert(*target))
+  if (!parent->canInsert(*target))
     return false;
   parent->m_DataMap.insert(target);
   target->m_ParentIds.push_back(parentId);
@@ -230,25 +233,25 @@ bool DataStructure::setAdditionalParent(IdType targetId, IdType parentId)
 bool DataStructure::removeData(IdType id)
 {
   auto object = getSharedData(id);
-  if(!object)
+  if (!object)
     return false;
   m_Root.remove(id);
-  for(IdType parentId : object->m_ParentIds)
+  for (IdType parentId : object->m_ParentIds)
   {
-    if(auto* parent = getDataAs<BaseGroup>(parentId))
+    if (auto* parent = getDataAs<BaseGroup>(parentId))
       parent->m_DataMap.remove(id);
   }
   m_Objects.erase(id);
-  if(auto* group = dynamic_cast<BaseGroup*>(object.get()))
+  if (auto* group = dynamic_cast<BaseGroup*>(object.get()))
   {
-    for(IdType childId : group->m_DataMap.getKeys())
+    for (IdType childId : group->m_DataMap.getKeys())
     {
       auto child = getSharedData(childId);
-      if(!child)
+      if (!child)
         continue;
       auto& parents = child->m_ParentIds;
       parents.erase(std::remove(parents.begin(), parents.end(), id), parents.end());
-      if(parents.empty() && !m_Root.contains(childId))
+      if (parents.empty() && !m_Root.contains(childId))
         removeData(childId);
     }
     group->m_DataMap.clear();

@@ -5,7 +5,7 @@
 namespace kx::core
 {
 EdgeGeom::EdgeGeom(DataStructure& ds, std::string name, IdType id)
-: INodeGeometry1D(ds, std::move(name), id)
+  : INodeGeometry1D(ds, std::move(name), id)
 {
 }
 
@@ -14,7 +14,8 @@ EdgeGeom* EdgeGeom::Create(DataStructure& ds, std::string name, std::optional<Id
   return Import(ds, std::move(name), ds.generateId(), parentId);
 }
 
-EdgeGeom* EdgeGeom::Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId)
+EdgeGeom* EdgeGeom::Import(DataStructure& ds, std::string name, IdType importId,
+                           std::optional<IdType> parentId)
 {
   std::shared_ptr<EdgeGeom> geom(new EdgeGeom(ds, std::move(name), importId));
   return ds.insert(geom, parentId) ? geom.get() : nullptr;

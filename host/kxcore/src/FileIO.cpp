@@ -11,21 +11,21 @@ namespace kx::core::HDF5
 FileIO::FileIO() = default;
 
 FileIO::FileIO(std::int64_t id, std::filesystem::path filePath)
-: m_Id(id)
-, m_FilePath(std::move(filePath))
+  : m_Id(id)
+  , m_FilePath(std::move(filePath))
 {
 }
 
 FileIO::FileIO(FileIO&& other) noexcept
-: m_Id(std::exchange(other.m_Id, -1))
-, m_FilePath(std::move(other.m_FilePath))
-, m_ErrorMessage(std::move(other.m_ErrorMessage))
+  : m_Id(std::exchange(other.m_Id, -1))
+  , m_FilePath(std::move(other.m_FilePath))
+  , m_ErrorMessage(std::move(other.m_ErrorMessage))
 {
 }
 
 FileIO& FileIO::operator=(FileIO&& other) noexcept
 {
-  if(this != &other)
+  if (this != &other)
   {
     close();
     m_Id = std::exchange(other.m_Id, -1);
@@ -42,7 +42,7 @@ FileIO::~FileIO()
 
 void FileIO::close()
 {
-  if(m_Id >= 0)
+  if (m_Id >= 0)
     H5Fclose(static_cast<hid_t>(m_Id));
   m_Id = -1;
 }
@@ -58,34 +58,35 @@ FileIO FileIO::ReadFile(const std::filesystem::path& filePath)
   // instead of HDF5's generic "unable to open file".
   std::error_code ec;
   const auto status = std::filesystem::status(filePath, ec);
-  if(ec || !std::filesystem::exists(status))
+  if (ec || !std::filesystem::exists(status))
   {
     file.m_ErrorMessage = fmt::format("The file '{}' does not exist.", name);
     return file;
   }
-  if(std::filesystem::is_directory(status))
+  if (std::filesystem::is_directory(status))
   {
     file.m_ErrorMessage = fmt::format("'{}' is a directory, not a file.", name);
     return file;
   }
   const auto size = std::filesystem::file_size(filePath, ec);
-  if(!ec && size == 0)
+  if (!ec && size == 0)
   {
     file.m_ErrorMessage = fmt::format("The file '{}' is empty.", name);
     return file;
   }
-  if(H5Fis_accessible(name.c_str(), H5P_DEFAULT) == 0)
+  if (H5Fis_accessible(name.c_str(), H5P_DEFAULT) == 0)
   {
     file.m_ErrorMessage = fmt::format("The file '{}' is not an HDF5 file.", name);
     return file;
   }
 
   const hid_t id = H5Fopen(name.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT);
-  if(id < 0)
+  if (id < 0)
   {
     const std::string detail = MostSpecificError();
-    file.m_ErrorMessage = fmt::format("The file '{}' could not be opened as HDF5, it may be truncated or damaged{}{}.",
-                                      name, detail.empty() ? "" : ": ", detail);
+    file.m_ErrorMessage =
+      fmt::format("The file '{}' could not be opened as HDF5, it may be truncated or damaged{}{}.",
+                  name, detail.empty() ? "" : ": ", detail);
     return file;
   }
   file.m_Id = id;

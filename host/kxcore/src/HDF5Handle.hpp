@@ -20,18 +20,18 @@ public:
 
   Handle() = default;
   Handle(hid_t id, Closer closer)
-  : m_Id(id)
-  , m_Closer(closer)
+    : m_Id(id)
+    , m_Closer(closer)
   {
   }
   Handle(Handle&& other) noexcept
-  : m_Id(std::exchange(other.m_Id, H5I_INVALID_HID))
-  , m_Closer(other.m_Closer)
+    : m_Id(std::exchange(other.m_Id, H5I_INVALID_HID))
+    , m_Closer(other.m_Closer)
   {
   }
   Handle& operator=(Handle&& other) noexcept
   {
-    if(this != &other)
+    if (this != &other)
     {
       reset();
       m_Id = std::exchange(other.m_Id, H5I_INVALID_HID);
@@ -49,7 +49,7 @@ public:
   /** Closes now; the status tells whether HDF5 could flush and release it. */
   bool close()
   {
-    if(m_Id < 0)
+    if (m_Id < 0)
       return true;
     const herr_t status = m_Closer(m_Id);
     m_Id = H5I_INVALID_HID;
@@ -57,14 +57,14 @@ public:
   }
   void reset() { close(); }
 
-  static Handle File(hid_t id) { return {id, &H5Fclose}; }
-  static Handle Group(hid_t id) { return {id, &H5Gclose}; }
-  static Handle Dataset(hid_t id) { return {id, &H5Dclose}; }
-  static Handle Attribute(hid_t id) { return {id, &H5Aclose}; }
-  static Handle Dataspace(hid_t id) { return {id, &H5Sclose}; }
-  static Handle Datatype(hid_t id) { return {id, &H5Tclose}; }
-  static Handle PropertyList(hid_t id) { return {id, &H5Pclose}; }
-  static Handle Object(hid_t id) { return {id, &H5Oclose}; }
+  static Handle File(hid_t id) { return { id, &H5Fclose }; }
+  static Handle Group(hid_t id) { return { id, &H5Gclose }; }
+  static Handle Dataset(hid_t id) { return { id, &H5Dclose }; }
+  static Handle Attribute(hid_t id) { return { id, &H5Aclose }; }
+  static Handle Dataspace(hid_t id) { return { id, &H5Sclose }; }
+  static Handle Datatype(hid_t id) { return { id, &H5Tclose }; }
+  static Handle PropertyList(hid_t id) { return { id, &H5Pclose }; }
+  static Handle Object(hid_t id) { return { id, &H5Oclose }; }
 
 private:
   hid_t m_Id = H5I_INVALID_HID;
@@ -84,9 +84,10 @@ inline void SilenceErrorStack()
 inline std::string MostSpecificError()
 {
   std::string message;
-  auto walker = [](unsigned n, const H5E_error2_t* error, void* data) -> herr_t {
+  auto walker = [](unsigned n, const H5E_error2_t* error, void* data) -> herr_t
+  {
     auto* text = static_cast<std::string*>(data);
-    if(n == 0 && error != nullptr && error->desc != nullptr)
+    if (n == 0 && error != nullptr && error->desc != nullptr)
       *text = error->desc;
     return 0;
   };

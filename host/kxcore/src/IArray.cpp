@@ -3,7 +3,7 @@
 namespace kx::core
 {
 IArray::IArray(DataStructure& ds, std::string name, IdType id)
-: DataObject(ds, std::move(name), id)
+  : DataObject(ds, std::move(name), id)
 {
 }
 

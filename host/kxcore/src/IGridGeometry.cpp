@@ -5,7 +5,7 @@
 namespace kx::core
 {
 IGridGeometry::IGridGeometry(DataStructure& ds, std::string name, IdType id)
-: IGeometry(ds, std::move(name), id)
+  : IGeometry(ds, std::move(name), id)
 {
 }
 

@@ -3,7 +3,7 @@
 namespace kx::core
 {
 INodeGeometry0D::INodeGeometry0D(DataStructure& ds, std::string name, IdType id)
-: IGeometry(ds, std::move(name), id)
+  : IGeometry(ds, std::move(name), id)
 {
 }
 
@@ -11,7 +11,7 @@ INodeGeometry0D::~INodeGeometry0D() = default;
 
 Float32Array* INodeGeometry0D::getVertices() const
 {
-  if(!m_VertexListId.has_value() || getDataStructure() == nullptr)
+  if (!m_VertexListId.has_value() || getDataStructure() == nullptr)
     return nullptr;
   return getDataStructure()->getDataAs<Float32Array>(*m_VertexListId);
 }
@@ -24,7 +24,7 @@ usize INodeGeometry0D::getNumberOfVertices() const
 
 UInt64Array* INodeGeometry0D::connectivity(const std::optional<IdType>& id) const
 {
-  if(!id.has_value() || getDataStructure() == nullptr)
+  if (!id.has_value() || getDataStructure() == nullptr)
     return nullptr;
   return getDataStructure()->getDataAs<UInt64Array>(*id);
 }

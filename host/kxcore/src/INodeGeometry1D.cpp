@@ -3,7 +3,7 @@
 namespace kx::core
 {
 INodeGeometry1D::INodeGeometry1D(DataStructure& ds, std::string name, IdType id)
-: INodeGeometry0D(ds, std::move(name), id)
+  : INodeGeometry0D(ds, std::move(name), id)
 {
 }
 

@@ -3,7 +3,7 @@
 namespace kx::core
 {
 INodeGeometry2D::INodeGeometry2D(DataStructure& ds, std::string name, IdType id)
-: INodeGeometry1D(ds, std::move(name), id)
+  : INodeGeometry1D(ds, std::move(name), id)
 {
 }
 

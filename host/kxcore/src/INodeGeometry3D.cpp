@@ -3,7 +3,7 @@
 namespace kx::core
 {
 INodeGeometry3D::INodeGeometry3D(DataStructure& ds, std::string name, IdType id)
-: INodeGeometry2D(ds, std::move(name), id)
+  : INodeGeometry2D(ds, std::move(name), id)
 {
 }
 

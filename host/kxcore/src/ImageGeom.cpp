@@ -5,7 +5,7 @@
 namespace kx::core
 {
 ImageGeom::ImageGeom(DataStructure& ds, std::string name, IdType id)
-: IGridGeometry(ds, std::move(name), id)
+  : IGridGeometry(ds, std::move(name), id)
 {
 }
 
@@ -14,7 +14,8 @@ ImageGeom* ImageGeom::Create(DataStructure& ds, std::string name, std::optional<
   return Import(ds, std::move(name), ds.generateId(), parentId);
 }
 
-ImageGeom* ImageGeom::Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId)
+ImageGeom* ImageGeom::Import(DataStructure& ds, std::string name, IdType importId,
+                             std::optional<IdType> parentId)
 {
   std::shared_ptr<ImageGeom> geom(new ImageGeom(ds, std::move(name), importId));
   return ds.insert(geom, parentId) ? geom.get() : nullptr;

@@ -13,16 +13,16 @@ namespace kx::core::VOXELIA
  * the file so that FinishImportingObject can read the data later. Its storage
  * format is "preflight", which keeps callers that need a buffer away from it.
  */
-template <typename T>
+template<typename T>
 class PreflightDataStore : public AbstractDataStore<T>
 {
 public:
   static constexpr const char* k_StorageFormat = "preflight";
 
   PreflightDataStore(ShapeType tupleShape, ShapeType componentShape, std::string datasetPath)
-  : m_TupleShape(std::move(tupleShape))
-  , m_ComponentShape(std::move(componentShape))
-  , m_DatasetPath(std::move(datasetPath))
+    : m_TupleShape(std::move(tupleShape))
+    , m_ComponentShape(std::move(componentShape))
+    , m_DatasetPath(std::move(datasetPath))
   {
   }
 

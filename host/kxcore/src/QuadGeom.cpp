@@ -5,7 +5,7 @@
 namespace kx::core
 {
 QuadGeom::QuadGeom(DataStructure& ds, std::string name, IdType id)
-: INodeGeometry2D(ds, std::move(name), id)
+  : INodeGeometry2D(ds, std::move(name), id)
 {
 }
 
@@ -14,7 +14,8 @@ QuadGeom* QuadGeom::Create(DataStructure& ds, std::string name, std::optional<Id
   return Import(ds, std::move(name), ds.generateId(), parentId);
 }
 
-QuadGeom* QuadGeom::Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId)
+QuadGeom* QuadGeom::Import(DataStructure& ds, std::string name, IdType importId,
+                           std::optional<IdType> parentId)
 {
   std::shared_ptr<QuadGeom> geom(new QuadGeom(ds, std::move(name), importId));
   return ds.insert(geom, parentId) ? geom.get() : nullptr;

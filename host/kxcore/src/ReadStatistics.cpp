@@ -8,7 +8,7 @@ namespace kx::core::HDF5
 {
 namespace
 {
-std::atomic<std::uint64_t> s_DatasetReads{0};
+std::atomic<std::uint64_t> s_DatasetReads{ 0 };
 } // namespace
 
 void NoteDatasetRead()

@@ -3,16 +3,18 @@
 namespace kx::core
 {
 RectGridGeom::RectGridGeom(DataStructure& ds, std::string name, IdType id)
-: IGridGeometry(ds, std::move(name), id)
+  : IGridGeometry(ds, std::move(name), id)
 {
 }
 
-RectGridGeom* RectGridGeom::Create(DataStructure& ds, std::string name, std::optional<IdType> parentId)
+RectGridGeom* RectGridGeom::Create(DataStructure& ds, std::string name,
+                                   std::optional<IdType> parentId)
 {
   return Import(ds, std::move(name), ds.generateId(), parentId);
 }
 
-RectGridGeom* RectGridGeom::Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId)
+RectGridGeom* RectGridGeom::Import(DataStructure& ds, std::string name, IdType importId,
+                                   std::optional<IdType> parentId)
 {
   std::shared_ptr<RectGridGeom> geom(new RectGridGeom(ds, std::move(name), importId));
   return ds.insert(geom, parentId) ? geom.get() : nullptr;
@@ -20,7 +22,7 @@ RectGridGeom* RectGridGeom::Import(DataStructure& ds, std::string name, IdType i
 
 std::shared_ptr<Float32Array> RectGridGeom::bounds(int axis) const
 {
-  if(!m_BoundsIds[axis].has_value() || getDataStructure() == nullptr)
+  if (!m_BoundsIds[axis].has_value() || getDataStructure() == nullptr)
     return nullptr;
   return getDataStructure()->getSharedDataAs<Float32Array>(*m_BoundsIds[axis]);
 }
@@ -40,7 +42,8 @@ std::shared_ptr<Float32Array> RectGridGeom::getSharedZBounds() const
   return bounds(2);
 }
 
-void RectGridGeom::setBounds(std::optional<IdType> xId, std::optional<IdType> yId, std::optional<IdType> zId)
+void RectGridGeom::setBounds(std::optional<IdType> xId, std::optional<IdType> yId,
+                             std::optional<IdType> zId)
 {
   m_BoundsIds[0] = xId;
   m_BoundsIds[1] = yId;
@@ -50,7 +53,7 @@ void RectGridGeom::setBounds(std::optional<IdType> xId, std::optional<IdType> yI
 void RectGridGeom::remapIds(const std::map<IdType, IdType>& oldToNew)
 {
   IGridGeometry::remapIds(oldToNew);
-  for(auto& id : m_BoundsIds)
+  for (auto& id : m_BoundsIds)
     remapId(id, oldToNew);
 }
 

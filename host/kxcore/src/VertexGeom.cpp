@@ -5,7 +5,7 @@
 namespace kx::core
 {
 VertexGeom::VertexGeom(DataStructure& ds, std::string name, IdType id)
-: INodeGeometry0D(ds, std::move(name), id)
+  : INodeGeometry0D(ds, std::move(name), id)
 {
 }
 
@@ -14,7 +14,8 @@ VertexGeom* VertexGeom::Create(DataStructure& ds, std::string name, std::optiona
   return Import(ds, std::move(name), ds.generateId(), parentId);
 }
 
-VertexGeom* VertexGeom::Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId)
+VertexGeom* VertexGeom::Import(DataStructure& ds, std::string name, IdType importId,
+                               std::optional<IdType> parentId)
 {
   std::shared_ptr<VertexGeom> geom(new VertexGeom(ds, std::move(name), importId));
   return ds.insert(geom, parentId) ? geom.get() : nullptr;

@@ -70,19 +70,30 @@ enum ErrorCode : int
 /** The little-endian file type an element type is stored as; bool as uint8. */
 inline hid_t FileType(DataType type)
 {
-  switch(type)
+  switch (type)
   {
-  case DataType::int8: return H5T_STD_I8LE;
-  case DataType::uint8: return H5T_STD_U8LE;
-  case DataType::int16: return H5T_STD_I16LE;
-  case DataType::uint16: return H5T_STD_U16LE;
-  case DataType::int32: return H5T_STD_I32LE;
-  case DataType::uint32: return H5T_STD_U32LE;
-  case DataType::int64: return H5T_STD_I64LE;
-  case DataType::uint64: return H5T_STD_U64LE;
-  case DataType::float32: return H5T_IEEE_F32LE;
-  case DataType::float64: return H5T_IEEE_F64LE;
-  case DataType::boolean: return H5T_STD_U8LE;
+    case DataType::int8:
+      return H5T_STD_I8LE;
+    case DataType::uint8:
+      return H5T_STD_U8LE;
+    case DataType::int16:
+      return H5T_STD_I16LE;
+    case DataType::uint16:
+      return H5T_STD_U16LE;
+    case DataType::int32:
+      return H5T_STD_I32LE;
+    case DataType::uint32:
+      return H5T_STD_U32LE;
+    case DataType::int64:
+      return H5T_STD_I64LE;
+    case DataType::uint64:
+      return H5T_STD_U64LE;
+    case DataType::float32:
+      return H5T_IEEE_F32LE;
+    case DataType::float64:
+      return H5T_IEEE_F64LE;
+    case DataType::boolean:
+      return H5T_STD_U8LE;
   }
   return H5I_INVALID_HID;
 }
@@ -90,40 +101,62 @@ inline hid_t FileType(DataType type)
 /** The native memory type matching an element type; bool goes through uint8. */
 inline hid_t MemoryType(DataType type)
 {
-  switch(type)
+  switch (type)
   {
-  case DataType::int8: return H5T_NATIVE_INT8;
-  case DataType::uint8: return H5T_NATIVE_UINT8;
-  case DataType::int16: return H5T_NATIVE_INT16;
-  case DataType::uint16: return H5T_NATIVE_UINT16;
-  case DataType::int32: return H5T_NATIVE_INT32;
-  case DataType::uint32: return H5T_NATIVE_UINT32;
-  case DataType::int64: return H5T_NATIVE_INT64;
-  case DataType::uint64: return H5T_NATIVE_UINT64;
-  case DataType::float32: return H5T_NATIVE_FLOAT;
-  case DataType::float64: return H5T_NATIVE_DOUBLE;
-  case DataType::boolean: return H5T_NATIVE_UINT8;
+    case DataType::int8:
+      return H5T_NATIVE_INT8;
+    case DataType::uint8:
+      return H5T_NATIVE_UINT8;
+    case DataType::int16:
+      return H5T_NATIVE_INT16;
+    case DataType::uint16:
+      return H5T_NATIVE_UINT16;
+    case DataType::int32:
+      return H5T_NATIVE_INT32;
+    case DataType::uint32:
+      return H5T_NATIVE_UINT32;
+    case DataType::int64:
+      return H5T_NATIVE_INT64;
+    case DataType::uint64:
+      return H5T_NATIVE_UINT64;
+    case DataType::float32:
+      return H5T_NATIVE_FLOAT;
+    case DataType::float64:
+      return H5T_NATIVE_DOUBLE;
+    case DataType::boolean:
+      return H5T_NATIVE_UINT8;
   }
   return H5I_INVALID_HID;
 }
 
 /** Calls func.template operator()<T>() with the element type T of the runtime type. */
-template <typename Func>
+template<typename Func>
 decltype(auto) DispatchDataType(DataType type, Func&& func)
 {
-  switch(type)
+  switch (type)
   {
-  case DataType::int8: return func.template operator()<int8>();
-  case DataType::uint8: return func.template operator()<uint8>();
-  case DataType::int16: return func.template operator()<int16>();
-  case DataType::uint16: return func.template operator()<uint16>();
-  case DataType::int32: return func.template operator()<int32>();
-  case DataType::uint32: return func.template operator()<uint32>();
-  case DataType::int64: return func.template operator()<int64>();
-  case DataType::uint64: return func.template operator()<uint64>();
-  case DataType::float32: return func.template operator()<float32>();
-  case DataType::float64: return func.template operator()<float64>();
-  case DataType::boolean: break;
+    case DataType::int8:
+      return func.template operator()<int8>();
+    case DataType::uint8:
+      return func.template operator()<uint8>();
+    case DataType::int16:
+      return func.template operator()<int16>();
+    case DataType::uint16:
+      return func.template operator()<uint16>();
+    case DataType::int32:
+      return func.template operator()<int32>();
+    case DataType::uint32:
+      return func.template operator()<uint32>();
+    case DataType::int64:
+      return func.template operator()<int64>();
+    case DataType::uint64:
+      return func.template operator()<uint64>();
+    case DataType::float32:
+      return func.template operator()<float32>();
+    case DataType::float64:
+      return func.template operator()<float64>();
+    case DataType::boolean:
+      break;
   }
   return func.template operator()<bool>();
 }

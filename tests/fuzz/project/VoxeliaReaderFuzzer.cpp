@@ -18,14 +18,15 @@ namespace
 const std::filesystem::path& inputPath()
 {
   static const std::filesystem::path path =
-    std::filesystem::temp_directory_path() / ("voxelia-fuzz-" + std::to_string(::getpid()) + ".voxelia");
+    std::filesystem::temp_directory_path() /
+    ("voxelia-fuzz-" + std::to_string(::getpid()) + ".voxelia");
   return path;
 }
 
 void checkNothingOpen(const char* when)
 {
   const ssize_t open = H5Fget_obj_count(static_cast<hid_t>(H5F_OBJ_ALL), H5F_OBJ_ALL);
-  if(open != 0)
+  if (open != 0)
   {
     std::fprintf(stderr, "%zd HDF5 objects left open %s\n", open, when);
     std::abort();
@@ -43,11 +44,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto file = kx::core::HDF5::FileIO::ReadFile(inputPath());
     auto preflight = kx::core::VOXELIA::ImportDataStructureFromFile(file, true);
     auto full = kx::core::VOXELIA::ImportDataStructureFromFile(file, false);
-    if(preflight.isValid())
+    if (preflight.isValid())
     {
       kx::core::DataStructure target;
       preflight.value().resetIds(target.getNextId());
-      for(const auto& path : kx::core::VOXELIA::ExpandSelectedPathsToAncestors(preflight.value().getAllDataPaths()))
+      for (const auto& path :
+           kx::core::VOXELIA::ExpandSelectedPathsToAncestors(preflight.value().getAllDataPaths()))
         kx::core::VOXELIA::FinishImportingObject(preflight.value(), target, path, file, false);
     }
   }

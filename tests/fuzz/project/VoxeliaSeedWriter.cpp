@@ -22,11 +22,12 @@ using namespace kx::core;
 
 namespace
 {
-template <typename T>
-IdType addArray(DataStructure& ds, const std::string& name, usize tuples, usize components, IdType parent, T step = T(1))
+template<typename T>
+IdType addArray(DataStructure& ds, const std::string& name, usize tuples, usize components,
+                IdType parent, T step = T(1))
 {
-  auto store = std::make_shared<DataStore<T>>(ShapeType{tuples}, ShapeType{components});
-  for(usize i = 0; i < store->getSize(); i++)
+  auto store = std::make_shared<DataStore<T>>(ShapeType{ tuples }, ShapeType{ components });
+  for (usize i = 0; i < store->getSize(); i++)
     store->setValue(i, static_cast<T>(static_cast<T>(i % 4) * step));
   return DataArray<T>::Create(ds, name, store, parent)->getId();
 }
@@ -50,7 +51,7 @@ DataStructure grids()
   DataStructure ds;
   auto* image = ImageGeom::Create(ds, "Image");
   image->setDimensions(SizeVec3(2, 2, 1));
-  auto* cells = AttributeMatrix::Create(ds, "Cell Data", {1, 2, 2}, image->getId());
+  auto* cells = AttributeMatrix::Create(ds, "Cell Data", { 1, 2, 2 }, image->getId());
   image->setCellData(cells->getId());
   addArray<int32>(ds, "Phases", 4, 1, cells->getId());
   auto* rect = RectGridGeom::Create(ds, "Rect");
@@ -62,35 +63,35 @@ DataStructure grids()
   return ds;
 }
 
-template <typename Geometry>
+template<typename Geometry>
 DataStructure nodes(const std::string& name, usize listComponents, bool polyhedra)
 {
   DataStructure ds;
   auto* geometry = Geometry::Create(ds, name);
   const usize vertexCount = 8;
   geometry->setVertexListId(addArray<float32>(ds, "Vertices", vertexCount, 3, geometry->getId()));
-  auto* vertexData = AttributeMatrix::Create(ds, "Vertex Data", {vertexCount}, geometry->getId());
+  auto* vertexData = AttributeMatrix::Create(ds, "Vertex Data", { vertexCount }, geometry->getId());
   geometry->setVertexAttributeMatrixId(vertexData->getId());
   addArray<uint32>(ds, "Ids", vertexCount, 1, vertexData->getId());
-  if constexpr(std::is_base_of_v<INodeGeometry1D, Geometry>)
+  if constexpr (std::is_base_of_v<INodeGeometry1D, Geometry>)
   {
     const IdType list = addArray<uint64>(ds, "Connectivity", 2, listComponents, geometry->getId());
-    auto* data = AttributeMatrix::Create(ds, "Element Data", {2}, geometry->getId());
+    auto* data = AttributeMatrix::Create(ds, "Element Data", { 2 }, geometry->getId());
     addArray<int64>(ds, "Labels", 2, 2, data->getId());
-    if(polyhedra)
+    if (polyhedra)
     {
-      if constexpr(std::is_base_of_v<INodeGeometry3D, Geometry>)
+      if constexpr (std::is_base_of_v<INodeGeometry3D, Geometry>)
       {
         geometry->setPolyhedraListId(list);
         geometry->setPolyhedraAttributeMatrixId(data->getId());
       }
     }
-    else if(listComponents == 2)
+    else if (listComponents == 2)
     {
       geometry->setEdgeListId(list);
       geometry->setEdgeAttributeMatrixId(data->getId());
     }
-    else if constexpr(std::is_base_of_v<INodeGeometry2D, Geometry>)
+    else if constexpr (std::is_base_of_v<INodeGeometry2D, Geometry>)
     {
       geometry->setFaceListId(list);
       geometry->setFaceAttributeMatrixId(data->getId());
@@ -102,26 +103,26 @@ DataStructure nodes(const std::string& name, usize listComponents, bool polyhedr
 
 int main(int argc, char** argv)
 {
-  if(argc != 2)
+  if (argc != 2)
   {
     std::fprintf(stderr, "usage: voxelia_seed_writer CORPUS_DIR\n");
     return 2;
   }
   const std::filesystem::path dir = argv[1];
   const std::vector<std::pair<std::string, DataStructure>> seeds = {
-    {"groups", groups()},
-    {"grids", grids()},
-    {"vertex", nodes<VertexGeom>("Points", 0, false)},
-    {"edge", nodes<EdgeGeom>("Edges", 2, false)},
-    {"triangle", nodes<TriangleGeom>("Triangles", 3, false)},
-    {"quad", nodes<QuadGeom>("Quads", 4, false)},
-    {"tetrahedral", nodes<TetrahedralGeom>("Tets", 4, true)},
-    {"hexahedral", nodes<HexahedralGeom>("Hexes", 8, true)},
+    { "groups", groups() },
+    { "grids", grids() },
+    { "vertex", nodes<VertexGeom>("Points", 0, false) },
+    { "edge", nodes<EdgeGeom>("Edges", 2, false) },
+    { "triangle", nodes<TriangleGeom>("Triangles", 3, false) },
+    { "quad", nodes<QuadGeom>("Quads", 4, false) },
+    { "tetrahedral", nodes<TetrahedralGeom>("Tets", 4, true) },
+    { "hexahedral", nodes<HexahedralGeom>("Hexes", 8, true) },
   };
-  for(const auto& [name, ds] : seeds)
+  for (const auto& [name, ds] : seeds)
   {
     const auto result = VOXELIA::WriteFile(dir / (name + ".voxelia"), ds);
-    if(!result.isValid())
+    if (!result.isValid())
     {
       std::fprintf(stderr, "seed %s: %s\n", name.c_str(), result.errors().front().message.c_str());
       return 1;

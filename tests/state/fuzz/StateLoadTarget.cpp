@@ -59,7 +59,7 @@ Harness& harness()
 
 void pump()
 {
-  for(int i = 0; i < 3; ++i)
+  for (int i = 0; i < 3; ++i)
   {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -80,20 +80,20 @@ void clearTree(VXVisualizationModuleWidget& module)
 {
   VXInfoWidget* info = module.getInfoWidget();
   VXPipelineModel* model = module.pipelineModel();
-  for(int guard = 0; model->rowCount(QModelIndex()) > 0 && guard < 100000; ++guard)
+  for (int guard = 0; model->rowCount(QModelIndex()) > 0 && guard < 100000; ++guard)
     info->removeItem(model->index(0, 0, QModelIndex()));
   pump();
 }
 
 void checkModule(VXVisualizationModuleWidget& module, VXRepresentation::Type defaultType)
 {
-  if(VXPipeline::getDefaultRepType() != defaultType)
+  if (VXPipeline::getDefaultRepType() != defaultType)
     fail("the default data view type was not put back");
-  if(module.pipeline()->isLoadingState())
+  if (module.pipeline()->isLoadingState())
     fail("the pipeline still says it is loading a state");
-  if(module.getViewGridWidget()->viewCount() < 1)
+  if (module.getViewGridWidget()->viewCount() < 1)
     fail("the module has no view left");
-  if(module.getActiveViewWidget() == nullptr)
+  if (module.getActiveViewWidget() == nullptr)
     fail("the module has no active view");
 }
 } // namespace
@@ -105,13 +105,14 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
   KXVtk::utils::PrepareGuiProcess();
   h.app = std::make_unique<QApplication>(*argc, *argv);
 
-  h.folder = std::filesystem::temp_directory_path() / ("kxvtk-state-fuzz-" + std::to_string(::getpid()));
+  h.folder =
+    std::filesystem::temp_directory_path() / ("kxvtk-state-fuzz-" + std::to_string(::getpid()));
   std::filesystem::create_directories(h.folder);
   QtKXSettings::SetFilePath(QString::fromStdString((h.folder / "settings.ini").string()));
   kxvtk::sample::MicrostructureGenerator generator(8);
   kx::core::DataStructure structure = generator.generate();
   const auto sample = h.folder / "sample.voxelia";
-  if(!kx::core::VOXELIA::WriteFile(sample, structure).isValid())
+  if (!kx::core::VOXELIA::WriteFile(sample, structure).isValid())
     fail("cannot write the sample file");
   h.samplePath = sample.string();
   const char* data = std::getenv("KXVTK_DATA_DIR");
@@ -119,22 +120,25 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
   h.statePath = QString::fromStdString((h.folder / "input.vlxstate").string());
 
   // every question is answered at once: go on where asked, cancel every file dialog
-  VXUserPrompt::setAskHandler([](const VXUserPrompt::Question& question) {
-    return (question.buttons & QMessageBox::Open) ? QMessageBox::Open : QMessageBox::No;
-  });
+  VXUserPrompt::setAskHandler(
+    [](const VXUserPrompt::Question& question)
+    { return (question.buttons & QMessageBox::Open) ? QMessageBox::Open : QMessageBox::No; });
   VXUserPrompt::setOpenFileHandler([](const QString&, const QString&) { return QString(); });
   VXUserPrompt::setSaveFileHandler([](const QString&, const QString&) { return QString(); });
-  VXUserPrompt::setTextHandler([](const QString&, const QString&, const QString&) { return QString(); });
+  VXUserPrompt::setTextHandler([](const QString&, const QString&, const QString&)
+                               { return QString(); });
   VXUserPrompt::setBoxHandler([](QMessageBox&) { return int(QMessageBox::No); });
 
   h.module = std::make_unique<VXVisualizationModuleWidget>();
   h.module->resize(640, 400);
   h.module->show();
   pump();
-  std::atexit([] {
-    std::error_code ignored;
-    std::filesystem::remove_all(harness().folder, ignored);
-  });
+  std::atexit(
+    []
+    {
+      std::error_code ignored;
+      std::filesystem::remove_all(harness().folder, ignored);
+    });
   return 0;
 }
 
@@ -150,7 +154,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // through the file, as a user loads it
   {
     QFile file(h.statePath);
-    if(!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
       fail("cannot write the input file");
     file.write(text.data(), static_cast<qint64>(text.size()));
   }
@@ -161,7 +165,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   // straight through the JSON entry, when the bytes parse
   nlohmann::json state = nlohmann::json::parse(text, nullptr, false);
-  if(!state.is_discarded())
+  if (!state.is_discarded())
   {
     module.loadState(state);
     pump();
@@ -169,7 +173,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // what loaded can be saved again
     nlohmann::json saved;
     module.saveState(saved);
-    if(!saved.contains("split_view_state") || !saved.contains("tree_view_state"))
+    if (!saved.contains("split_view_state") || !saved.contains("tree_view_state"))
       fail("a loaded module saved no state");
     clearTree(module);
   }

@@ -75,7 +75,8 @@ public:
   const std::vector<double>& columnWidths() const { return m_ColWidths; }
   /** Fractions of the grid's height, one per row. */
   const std::vector<double>& rowHeights() const { return m_RowHeights; }
-  /** The slots a widget covers: x = column, y = row, width = column span, height = row span; null if absent. */
+  /** The slots a widget covers: x = column, y = row, width = column span, height = row span; null
+   * if absent. */
   QRect cellOf(const QWidget* widget) const;
 
   /**
@@ -87,9 +88,11 @@ public:
 public Q_SLOTS:
   /** Splits @p widget's cell top and bottom; the new widget is below. Returns it, or null. */
   QWidget* addRow(QWidget* widget);
-  /** Splits @p widget's cell left and right; the new widget is on the right. Returns it, or null. */
+  /** Splits @p widget's cell left and right; the new widget is on the right. Returns it, or null.
+   */
   QWidget* addColumn(QWidget* widget);
-  /** Removes @p widget's cell and deletes the widget later; the last cell stays. Returns whether it closed. */
+  /** Removes @p widget's cell and deletes the widget later; the last cell stays. Returns whether it
+   * closed. */
   bool closeCell(QWidget* widget);
   /** Closes every cell but the active one (or the first). */
   void resetGrid();
@@ -127,8 +130,10 @@ protected:
    * Sets up an empty grid for loading. Missing or non-positive sizes become
    * equal shares. Returns false, changing nothing, for a shape below 1 x 1.
    */
-  bool setGridShape(int rows, int cols, const std::vector<double>& colWidths, const std::vector<double>& rowHeights);
-  /** Puts @p widget at the next free slot with the given spans, cut to the grid. Returns false when full. */
+  bool setGridShape(int rows, int cols, const std::vector<double>& colWidths,
+                    const std::vector<double>& rowHeights);
+  /** Puts @p widget at the next free slot with the given spans, cut to the grid. Returns false when
+   * full. */
   bool appendCell(QWidget* widget, int rowSpan, int colSpan);
   /** Whether some slot has no widget. */
   bool hasFreeSlot() const;
@@ -141,7 +146,8 @@ protected:
   void leaveEvent(QEvent* event) override;
 
 private:
-  /** A grid line under the mouse: a column line (vertical) or a row line, by index of the cell before it. */
+  /** A grid line under the mouse: a column line (vertical) or a row line, by index of the cell
+   * before it. */
   struct Handle
   {
     bool vertical = false;

@@ -61,7 +61,8 @@ public:
    * A strip showing the preset: continuous maps interpolated between their
    * points in RGB, indexed maps as equal blocks.
    */
-  static QPixmap PreviewPixmap(const kx::core::ColorTableUtilities::ColorPreset& preset, const QSize& size);
+  static QPixmap PreviewPixmap(const kx::core::ColorTableUtilities::ColorPreset& preset,
+                               const QSize& size);
 
 public Q_SLOTS:
   /** Shows the NaN colour; emits nothing (nanColorChanged is for the user's edits). */

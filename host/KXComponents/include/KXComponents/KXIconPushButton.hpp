@@ -17,7 +17,8 @@ class KXCOMPONENTS_EXPORT KXIconPushButton : public QPushButton
 public:
   explicit KXIconPushButton(QWidget* parent = nullptr);
   /** A button with the theme icon of that name. */
-  explicit KXIconPushButton(const QString& iconName, bool checkable = false, QWidget* parent = nullptr);
+  explicit KXIconPushButton(const QString& iconName, bool checkable = false,
+                            QWidget* parent = nullptr);
   ~KXIconPushButton() override;
 
   /** The theme icon name shown; empty when none. */

@@ -28,7 +28,8 @@ public:
   static void setDefaultColorPreset(const kx::core::ColorTableUtilities::ColorPreset& preset);
   /** The indexed (categorical) colour map used when none is chosen. */
   static kx::core::ColorTableUtilities::ColorPreset getDefaultIndexedColorPreset();
-  static void setDefaultIndexedColorPreset(const kx::core::ColorTableUtilities::ColorPreset& preset);
+  static void setDefaultIndexedColorPreset(
+    const kx::core::ColorTableUtilities::ColorPreset& preset);
 
   static QColor getDefaultRenderWindowBackground();
   static void setDefaultRenderWindowBackground(const QColor& color);
@@ -63,12 +64,16 @@ public:
   /** Settings group and keys, for callers that inspect the store directly. */
   static inline const QString k_Group = QStringLiteral("Preferences");
   static inline const QString k_ColorPresetKey = QStringLiteral("default_color_preset");
-  static inline const QString k_IndexedColorPresetKey = QStringLiteral("default_indexed_color_preset");
+  static inline const QString k_IndexedColorPresetKey =
+    QStringLiteral("default_indexed_color_preset");
   static inline const QString k_BackgroundKey = QStringLiteral("default_render_window_background");
-  static inline const QString k_ParallelProjectionKey = QStringLiteral("camera_parallel_projection");
-  static inline const QString k_OrientationMarkerTextKey = QStringLiteral("orientation_marker_text");
+  static inline const QString k_ParallelProjectionKey =
+    QStringLiteral("camera_parallel_projection");
+  static inline const QString k_OrientationMarkerTextKey =
+    QStringLiteral("orientation_marker_text");
   static inline const QString k_DisableDecimationKey = QStringLiteral("disable_decimation");
-  static inline const QString k_AllowTooManyIndexedValuesKey = QStringLiteral("allow_too_many_indexed_values");
+  static inline const QString k_AllowTooManyIndexedValuesKey =
+    QStringLiteral("allow_too_many_indexed_values");
   static inline const QString k_AllowMoreValuesThanIndexedColorsKey =
     QStringLiteral("allow_more_values_than_indexed_colors");
 
@@ -77,7 +82,7 @@ public:
   static inline const QString k_DefaultIndexedColorPresetName = QStringLiteral("Distinct 12");
   /** A dark blue-grey: light data and white axis labels stay readable on it. */
   static QColor DefaultBackground() { return QColor(52, 57, 68); }
-  static QStringList DefaultOrientationMarkerText() { return {"X", "-X", "Y", "-Y", "Z", "-Z"}; }
+  static QStringList DefaultOrientationMarkerText() { return { "X", "-X", "Y", "-Y", "Z", "-Z" }; }
 
 Q_SIGNALS:
   /** The six orientation marker texts changed (by a setter or readSettings). */

@@ -8,7 +8,8 @@
 /**
  * A one-line label that shortens its text with an ellipsis ("…") to fit its
  * width, instead of forcing its layout wider. While the text is cut, hovering
- * shows the full text (unless a tool tip of its own was set). Used for item names in settings title rows.
+ * shows the full text (unless a tool tip of its own was set). Used for item names in settings title
+ * rows.
  */
 class KXCOMPONENTS_EXPORT QElidedLabel : public QFrame
 {

@@ -16,8 +16,10 @@ class KXCORE_EXPORT AttributeMatrix : public BaseGroup
 public:
   static constexpr const char* k_TypeName = "AttributeMatrix";
 
-  static AttributeMatrix* Create(DataStructure& ds, std::string name, ShapeType tupleShape, std::optional<IdType> parentId = std::nullopt);
-  static AttributeMatrix* Import(DataStructure& ds, std::string name, IdType importId, ShapeType tupleShape,
+  static AttributeMatrix* Create(DataStructure& ds, std::string name, ShapeType tupleShape,
+                                 std::optional<IdType> parentId = std::nullopt);
+  static AttributeMatrix* Import(DataStructure& ds, std::string name, IdType importId,
+                                 ShapeType tupleShape,
                                  std::optional<IdType> parentId = std::nullopt);
 
   std::string getTypeName() const override { return k_TypeName; }

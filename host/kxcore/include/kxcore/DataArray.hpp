@@ -13,7 +13,7 @@ namespace kx::core
  * An array of elements of type T held in a store. Copies of the array (for
  * example in a copied DataStructure) share the store.
  */
-template <typename T>
+template<typename T>
 class DataArray : public IArray
 {
 public:
@@ -27,12 +27,14 @@ public:
     return Import(ds, std::move(name), ds.generateId(), std::move(store), parentId);
   }
 
-  static DataArray* Import(DataStructure& ds, std::string name, IdType importId, std::shared_ptr<store_type> store,
+  static DataArray* Import(DataStructure& ds, std::string name, IdType importId,
+                           std::shared_ptr<store_type> store,
                            std::optional<IdType> parentId = std::nullopt)
   {
-    if(!store)
+    if (!store)
       return nullptr;
-    std::shared_ptr<DataArray> array(new DataArray(ds, std::move(name), importId, std::move(store)));
+    std::shared_ptr<DataArray> array(
+      new DataArray(ds, std::move(name), importId, std::move(store)));
     return ds.insert(array, parentId) ? array.get() : nullptr;
   }
 
@@ -55,13 +57,16 @@ public:
 
 protected:
   DataArray(DataStructure& ds, std::string name, IdType id, std::shared_ptr<store_type> store)
-  : IArray(ds, std::move(name), id)
-  , m_Store(std::move(store))
+    : IArray(ds, std::move(name), id)
+    , m_Store(std::move(store))
   {
   }
   DataArray(const DataArray&) = default;
 
-  std::shared_ptr<DataObject> shallowCopy() const override { return std::shared_ptr<DataArray>(new DataArray(*this)); }
+  std::shared_ptr<DataObject> shallowCopy() const override
+  {
+    return std::shared_ptr<DataArray>(new DataArray(*this));
+  }
 
 private:
   std::shared_ptr<store_type> m_Store;

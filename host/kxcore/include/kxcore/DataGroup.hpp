@@ -12,8 +12,10 @@ class KXCORE_EXPORT DataGroup : public BaseGroup
 public:
   static constexpr const char* k_TypeName = "DataGroup";
 
-  static DataGroup* Create(DataStructure& ds, std::string name, std::optional<IdType> parentId = std::nullopt);
-  static DataGroup* Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId = std::nullopt);
+  static DataGroup* Create(DataStructure& ds, std::string name,
+                           std::optional<IdType> parentId = std::nullopt);
+  static DataGroup* Import(DataStructure& ds, std::string name, IdType importId,
+                           std::optional<IdType> parentId = std::nullopt);
 
   std::string getTypeName() const override { return k_TypeName; }
 

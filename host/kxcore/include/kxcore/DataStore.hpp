@@ -13,18 +13,19 @@ namespace kx::core
  * Its buffer address lets callers that know the store is in memory read it
  * without a virtual call per element.
  */
-template <typename T>
+template<typename T>
 class DataStore : public AbstractDataStore<T>
 {
 public:
-  DataStore(ShapeType tupleShape, ShapeType componentShape, std::optional<T> initValue = std::nullopt)
-  : m_TupleShape(std::move(tupleShape))
-  , m_ComponentShape(std::move(componentShape))
-  , m_Size(IDataStore::Product(m_TupleShape) * IDataStore::Product(m_ComponentShape))
-  // new T[] without value-initialisation: a large store is not touched twice
-  , m_Buffer(m_Size > 0 ? new T[m_Size] : nullptr)
+  DataStore(ShapeType tupleShape, ShapeType componentShape,
+            std::optional<T> initValue = std::nullopt)
+    : m_TupleShape(std::move(tupleShape))
+    , m_ComponentShape(std::move(componentShape))
+    , m_Size(IDataStore::Product(m_TupleShape) * IDataStore::Product(m_ComponentShape))
+    // new T[] without value-initialisation: a large store is not touched twice
+    , m_Buffer(m_Size > 0 ? new T[m_Size] : nullptr)
   {
-    if(initValue.has_value())
+    if (initValue.has_value())
       std::fill_n(m_Buffer.get(), m_Size, *initValue);
   }
 

@@ -39,17 +39,17 @@ public:
   std::shared_ptr<DataObject> getSharedData(const DataPath& path) const;
   std::optional<IdType> getId(const DataPath& path) const;
 
-  template <typename T>
+  template<typename T>
   T* getDataAs(IdType id) const
   {
     return dynamic_cast<T*>(getData(id));
   }
-  template <typename T>
+  template<typename T>
   T* getDataAs(const DataPath& path) const
   {
     return dynamic_cast<T*>(getData(path));
   }
-  template <typename T>
+  template<typename T>
   std::shared_ptr<T> getSharedDataAs(IdType id) const
   {
     return std::dynamic_pointer_cast<T>(getSharedData(id));

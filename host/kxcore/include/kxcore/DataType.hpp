@@ -25,7 +25,7 @@ enum class DataType : uint8
   boolean
 };
 
-template <typename T>
+template<typename T>
 constexpr DataType GetDataType()
 {
   if constexpr (std::is_same_v<T, bool>)
@@ -58,29 +58,40 @@ constexpr DataType GetDataType()
 /** "int8", "uint16", "float32", "boolean" and so on. */
 constexpr std::string_view DataTypeToString(DataType type)
 {
-  switch(type)
+  switch (type)
   {
-  case DataType::int8: return "int8";
-  case DataType::uint8: return "uint8";
-  case DataType::int16: return "int16";
-  case DataType::uint16: return "uint16";
-  case DataType::int32: return "int32";
-  case DataType::uint32: return "uint32";
-  case DataType::int64: return "int64";
-  case DataType::uint64: return "uint64";
-  case DataType::float32: return "float32";
-  case DataType::float64: return "float64";
-  case DataType::boolean: return "boolean";
+    case DataType::int8:
+      return "int8";
+    case DataType::uint8:
+      return "uint8";
+    case DataType::int16:
+      return "int16";
+    case DataType::uint16:
+      return "uint16";
+    case DataType::int32:
+      return "int32";
+    case DataType::uint32:
+      return "uint32";
+    case DataType::int64:
+      return "int64";
+    case DataType::uint64:
+      return "uint64";
+    case DataType::float32:
+      return "float32";
+    case DataType::float64:
+      return "float64";
+    case DataType::boolean:
+      return "boolean";
   }
   return "unknown";
 }
 
 inline std::optional<DataType> StringToDataType(std::string_view text)
 {
-  for(int i = 0; i <= static_cast<int>(DataType::boolean); i++)
+  for (int i = 0; i <= static_cast<int>(DataType::boolean); i++)
   {
     auto type = static_cast<DataType>(i);
-    if(DataTypeToString(type) == text)
+    if (DataTypeToString(type) == text)
       return type;
   }
   return std::nullopt;
@@ -88,19 +99,23 @@ inline std::optional<DataType> StringToDataType(std::string_view text)
 
 constexpr usize GetDataTypeSize(DataType type)
 {
-  switch(type)
+  switch (type)
   {
-  case DataType::int8:
-  case DataType::uint8:
-  case DataType::boolean: return 1;
-  case DataType::int16:
-  case DataType::uint16: return 2;
-  case DataType::int32:
-  case DataType::uint32:
-  case DataType::float32: return 4;
-  case DataType::int64:
-  case DataType::uint64:
-  case DataType::float64: return 8;
+    case DataType::int8:
+    case DataType::uint8:
+    case DataType::boolean:
+      return 1;
+    case DataType::int16:
+    case DataType::uint16:
+      return 2;
+    case DataType::int32:
+    case DataType::uint32:
+    case DataType::float32:
+      return 4;
+    case DataType::int64:
+    case DataType::uint64:
+    case DataType::float64:
+      return 8;
   }
   return 0;
 }

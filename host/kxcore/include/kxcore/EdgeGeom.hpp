@@ -10,8 +10,10 @@ class KXCORE_EXPORT EdgeGeom : public INodeGeometry1D
 public:
   static constexpr const char* k_TypeName = "EdgeGeom";
 
-  static EdgeGeom* Create(DataStructure& ds, std::string name, std::optional<IdType> parentId = std::nullopt);
-  static EdgeGeom* Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId = std::nullopt);
+  static EdgeGeom* Create(DataStructure& ds, std::string name,
+                          std::optional<IdType> parentId = std::nullopt);
+  static EdgeGeom* Import(DataStructure& ds, std::string name, IdType importId,
+                          std::optional<IdType> parentId = std::nullopt);
 
   std::string getTypeName() const override { return k_TypeName; }
   Type getGeomType() const override { return Type::Edge; }

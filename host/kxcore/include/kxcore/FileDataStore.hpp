@@ -16,7 +16,7 @@ namespace kx::core
  * reads or writes that file. Its storage format is not empty, which tells
  * callers that no buffer address exists.
  */
-template <typename T>
+template<typename T>
 class FileDataStore : public AbstractDataStore<T>
 {
 public:
@@ -26,24 +26,27 @@ public:
    * Opens (creating if asked) the file holding the elements. A created file is
    * sized to the shape and filled with zero bytes.
    */
-  FileDataStore(std::filesystem::path path, ShapeType tupleShape, ShapeType componentShape, bool create)
-  : m_Path(std::move(path))
-  , m_TupleShape(std::move(tupleShape))
-  , m_ComponentShape(std::move(componentShape))
+  FileDataStore(std::filesystem::path path, ShapeType tupleShape, ShapeType componentShape,
+                bool create)
+    : m_Path(std::move(path))
+    , m_TupleShape(std::move(tupleShape))
+    , m_ComponentShape(std::move(componentShape))
   {
-    if(create)
+    if (create)
     {
       std::FILE* file = std::fopen(m_Path.string().c_str(), "wb");
-      if(file == nullptr)
-        throw std::runtime_error(fmt::format("File could not be opened for writing:\n  '{}'", m_Path.string()));
+      if (file == nullptr)
+        throw std::runtime_error(
+          fmt::format("File could not be opened for writing:\n  '{}'", m_Path.string()));
       const T zero{};
-      for(usize i = 0; i < this->getSize(); i++)
+      for (usize i = 0; i < this->getSize(); i++)
         std::fwrite(&zero, sizeof(T), 1, file);
       std::fclose(file);
     }
     m_File.reset(std::fopen(m_Path.string().c_str(), "r+b"));
-    if(!m_File)
-      throw std::runtime_error(fmt::format("File could not be opened for reading:\n  '{}'", m_Path.string()));
+    if (!m_File)
+      throw std::runtime_error(
+        fmt::format("File could not be opened for reading:\n  '{}'", m_Path.string()));
   }
 
   std::string getStorageFormat() const override { return k_StorageFormat; }
@@ -54,7 +57,7 @@ public:
   {
     T value{};
     std::fseek(m_File.get(), static_cast<long>(index * sizeof(T)), SEEK_SET);
-    if(std::fread(&value, sizeof(T), 1, m_File.get()) != 1)
+    if (std::fread(&value, sizeof(T), 1, m_File.get()) != 1)
       return T{};
     return value;
   }

@@ -10,8 +10,10 @@ class KXCORE_EXPORT HexahedralGeom : public INodeGeometry3D
 public:
   static constexpr const char* k_TypeName = "HexahedralGeom";
 
-  static HexahedralGeom* Create(DataStructure& ds, std::string name, std::optional<IdType> parentId = std::nullopt);
-  static HexahedralGeom* Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId = std::nullopt);
+  static HexahedralGeom* Create(DataStructure& ds, std::string name,
+                                std::optional<IdType> parentId = std::nullopt);
+  static HexahedralGeom* Import(DataStructure& ds, std::string name, IdType importId,
+                                std::optional<IdType> parentId = std::nullopt);
 
   std::string getTypeName() const override { return k_TypeName; }
   Type getGeomType() const override { return Type::Hexahedral; }

@@ -36,7 +36,7 @@ public:
 
   static usize Product(const ShapeType& shape)
   {
-    return std::accumulate(shape.begin(), shape.end(), usize{1}, std::multiplies<>());
+    return std::accumulate(shape.begin(), shape.end(), usize{ 1 }, std::multiplies<>());
   }
 
 protected:

@@ -14,7 +14,10 @@ public:
   SizeVec3 getDimensions() const { return m_Dimensions; }
   void setDimensions(const SizeVec3& dims) { m_Dimensions = dims; }
 
-  usize getNumberOfCells() const override { return m_Dimensions[0] * m_Dimensions[1] * m_Dimensions[2]; }
+  usize getNumberOfCells() const override
+  {
+    return m_Dimensions[0] * m_Dimensions[1] * m_Dimensions[2];
+  }
 
   const AttributeMatrix* getCellData() const;
   AttributeMatrix* getCellData();

@@ -17,7 +17,10 @@ public:
   void setVertexListId(std::optional<IdType> id) { m_VertexListId = id; }
   usize getNumberOfVertices() const;
 
-  AttributeMatrix* getVertexAttributeMatrix() const { return attributeMatrix(m_VertexAttributeMatrixId); }
+  AttributeMatrix* getVertexAttributeMatrix() const
+  {
+    return attributeMatrix(m_VertexAttributeMatrixId);
+  }
   std::optional<IdType> getVertexAttributeMatrixId() const { return m_VertexAttributeMatrixId; }
   void setVertexAttributeMatrixId(std::optional<IdType> id) { m_VertexAttributeMatrixId = id; }
 

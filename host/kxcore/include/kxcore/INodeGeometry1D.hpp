@@ -15,7 +15,10 @@ public:
   std::optional<IdType> getEdgeListId() const { return m_EdgeListId; }
   void setEdgeListId(std::optional<IdType> id) { m_EdgeListId = id; }
 
-  AttributeMatrix* getEdgeAttributeMatrix() const { return attributeMatrix(m_EdgeAttributeMatrixId); }
+  AttributeMatrix* getEdgeAttributeMatrix() const
+  {
+    return attributeMatrix(m_EdgeAttributeMatrixId);
+  }
   std::optional<IdType> getEdgeAttributeMatrixId() const { return m_EdgeAttributeMatrixId; }
   void setEdgeAttributeMatrixId(std::optional<IdType> id) { m_EdgeAttributeMatrixId = id; }
 

@@ -14,7 +14,10 @@ public:
   std::optional<IdType> getFaceListId() const { return m_FaceListId; }
   void setFaceListId(std::optional<IdType> id) { m_FaceListId = id; }
 
-  AttributeMatrix* getFaceAttributeMatrix() const { return attributeMatrix(m_FaceAttributeMatrixId); }
+  AttributeMatrix* getFaceAttributeMatrix() const
+  {
+    return attributeMatrix(m_FaceAttributeMatrixId);
+  }
   std::optional<IdType> getFaceAttributeMatrixId() const { return m_FaceAttributeMatrixId; }
   void setFaceAttributeMatrixId(std::optional<IdType> id) { m_FaceAttributeMatrixId = id; }
 

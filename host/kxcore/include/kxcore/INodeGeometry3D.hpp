@@ -14,9 +14,18 @@ public:
   std::optional<IdType> getPolyhedraListId() const { return m_PolyhedraListId; }
   void setPolyhedraListId(std::optional<IdType> id) { m_PolyhedraListId = id; }
 
-  AttributeMatrix* getPolyhedraAttributeMatrix() const { return attributeMatrix(m_PolyhedraAttributeMatrixId); }
-  std::optional<IdType> getPolyhedraAttributeMatrixId() const { return m_PolyhedraAttributeMatrixId; }
-  void setPolyhedraAttributeMatrixId(std::optional<IdType> id) { m_PolyhedraAttributeMatrixId = id; }
+  AttributeMatrix* getPolyhedraAttributeMatrix() const
+  {
+    return attributeMatrix(m_PolyhedraAttributeMatrixId);
+  }
+  std::optional<IdType> getPolyhedraAttributeMatrixId() const
+  {
+    return m_PolyhedraAttributeMatrixId;
+  }
+  void setPolyhedraAttributeMatrixId(std::optional<IdType> id)
+  {
+    m_PolyhedraAttributeMatrixId = id;
+  }
 
   virtual usize getNumberOfVerticesPerCell() const = 0;
   usize getNumberOfCells() const override { return connectivityTuples(m_PolyhedraListId); }

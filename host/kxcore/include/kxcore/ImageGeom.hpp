@@ -10,8 +10,10 @@ class KXCORE_EXPORT ImageGeom : public IGridGeometry
 public:
   static constexpr const char* k_TypeName = "ImageGeom";
 
-  static ImageGeom* Create(DataStructure& ds, std::string name, std::optional<IdType> parentId = std::nullopt);
-  static ImageGeom* Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId = std::nullopt);
+  static ImageGeom* Create(DataStructure& ds, std::string name,
+                           std::optional<IdType> parentId = std::nullopt);
+  static ImageGeom* Import(DataStructure& ds, std::string name, IdType importId,
+                           std::optional<IdType> parentId = std::nullopt);
 
   std::string getTypeName() const override { return k_TypeName; }
   Type getGeomType() const override { return Type::Image; }
@@ -27,7 +29,7 @@ protected:
   std::shared_ptr<DataObject> shallowCopy() const override;
 
 private:
-  FloatVec3 m_Origin{0.0f, 0.0f, 0.0f};
-  FloatVec3 m_Spacing{1.0f, 1.0f, 1.0f};
+  FloatVec3 m_Origin{ 0.0f, 0.0f, 0.0f };
+  FloatVec3 m_Spacing{ 1.0f, 1.0f, 1.0f };
 };
 } // namespace kx::core

@@ -11,8 +11,10 @@ class KXCORE_EXPORT RectGridGeom : public IGridGeometry
 public:
   static constexpr const char* k_TypeName = "RectGridGeom";
 
-  static RectGridGeom* Create(DataStructure& ds, std::string name, std::optional<IdType> parentId = std::nullopt);
-  static RectGridGeom* Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId = std::nullopt);
+  static RectGridGeom* Create(DataStructure& ds, std::string name,
+                              std::optional<IdType> parentId = std::nullopt);
+  static RectGridGeom* Import(DataStructure& ds, std::string name, IdType importId,
+                              std::optional<IdType> parentId = std::nullopt);
 
   std::string getTypeName() const override { return k_TypeName; }
   Type getGeomType() const override { return Type::RectGrid; }

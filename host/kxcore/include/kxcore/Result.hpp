@@ -25,16 +25,23 @@ struct Warning
  * Holds a value or a list of errors; in both cases a list of warnings.
  * Valid means: no errors.
  */
-template <typename T = void>
+template<typename T = void>
 class Result
 {
 public:
   Result() = default;
-  Result(T value) : m_Value(std::move(value)) {}
-  Result(T value, std::vector<Warning> warnings) : m_Value(std::move(value)), m_Warnings(std::move(warnings)) {}
+  Result(T value)
+    : m_Value(std::move(value))
+  {
+  }
+  Result(T value, std::vector<Warning> warnings)
+    : m_Value(std::move(value))
+    , m_Warnings(std::move(warnings))
+  {
+  }
   explicit Result(std::vector<Error> errors, std::vector<Warning> warnings = {})
-  : m_Errors(std::move(errors))
-  , m_Warnings(std::move(warnings))
+    : m_Errors(std::move(errors))
+    , m_Warnings(std::move(warnings))
   {
   }
 
@@ -61,8 +68,8 @@ class ResultVoid
 public:
   ResultVoid() = default;
   explicit ResultVoid(std::vector<Error> errors, std::vector<Warning> warnings = {})
-  : m_Errors(std::move(errors))
-  , m_Warnings(std::move(warnings))
+    : m_Errors(std::move(errors))
+    , m_Warnings(std::move(warnings))
   {
   }
 
@@ -77,7 +84,7 @@ private:
 };
 } // namespace detail
 
-template <>
+template<>
 class Result<void> : public detail::ResultVoid
 {
 public:
@@ -86,9 +93,9 @@ public:
 
 using ResultVoid = Result<void>;
 
-template <typename T = void>
+template<typename T = void>
 Result<T> MakeErrorResult(int code, std::string message)
 {
-  return Result<T>(std::vector<Error>{Error{code, std::move(message)}});
+  return Result<T>(std::vector<Error>{ Error{ code, std::move(message) } });
 }
 } // namespace kx::core

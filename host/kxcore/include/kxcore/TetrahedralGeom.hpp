@@ -10,8 +10,10 @@ class KXCORE_EXPORT TetrahedralGeom : public INodeGeometry3D
 public:
   static constexpr const char* k_TypeName = "TetrahedralGeom";
 
-  static TetrahedralGeom* Create(DataStructure& ds, std::string name, std::optional<IdType> parentId = std::nullopt);
-  static TetrahedralGeom* Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId = std::nullopt);
+  static TetrahedralGeom* Create(DataStructure& ds, std::string name,
+                                 std::optional<IdType> parentId = std::nullopt);
+  static TetrahedralGeom* Import(DataStructure& ds, std::string name, IdType importId,
+                                 std::optional<IdType> parentId = std::nullopt);
 
   std::string getTypeName() const override { return k_TypeName; }
   Type getGeomType() const override { return Type::Tetrahedral; }

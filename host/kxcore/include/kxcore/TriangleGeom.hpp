@@ -10,8 +10,10 @@ class KXCORE_EXPORT TriangleGeom : public INodeGeometry2D
 public:
   static constexpr const char* k_TypeName = "TriangleGeom";
 
-  static TriangleGeom* Create(DataStructure& ds, std::string name, std::optional<IdType> parentId = std::nullopt);
-  static TriangleGeom* Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId = std::nullopt);
+  static TriangleGeom* Create(DataStructure& ds, std::string name,
+                              std::optional<IdType> parentId = std::nullopt);
+  static TriangleGeom* Import(DataStructure& ds, std::string name, IdType importId,
+                              std::optional<IdType> parentId = std::nullopt);
 
   std::string getTypeName() const override { return k_TypeName; }
   Type getGeomType() const override { return Type::Triangle; }

@@ -22,12 +22,18 @@ using float64 = double;
 using IdType = uint64;
 
 /** Three values along x, y and z. */
-template <typename T>
+template<typename T>
 class Vec3 : public std::array<T, 3>
 {
 public:
-  constexpr Vec3() : std::array<T, 3>{T{}, T{}, T{}} {}
-  constexpr Vec3(T x, T y, T z) : std::array<T, 3>{x, y, z} {}
+  constexpr Vec3()
+    : std::array<T, 3>{ T{}, T{}, T{} }
+  {
+  }
+  constexpr Vec3(T x, T y, T z)
+    : std::array<T, 3>{ x, y, z }
+  {
+  }
 
   constexpr T getX() const { return (*this)[0]; }
   constexpr T getY() const { return (*this)[1]; }

@@ -10,8 +10,10 @@ class KXCORE_EXPORT VertexGeom : public INodeGeometry0D
 public:
   static constexpr const char* k_TypeName = "VertexGeom";
 
-  static VertexGeom* Create(DataStructure& ds, std::string name, std::optional<IdType> parentId = std::nullopt);
-  static VertexGeom* Import(DataStructure& ds, std::string name, IdType importId, std::optional<IdType> parentId = std::nullopt);
+  static VertexGeom* Create(DataStructure& ds, std::string name,
+                            std::optional<IdType> parentId = std::nullopt);
+  static VertexGeom* Import(DataStructure& ds, std::string name, IdType importId,
+                            std::optional<IdType> parentId = std::nullopt);
 
   std::string getTypeName() const override { return k_TypeName; }
   Type getGeomType() const override { return Type::Vertex; }
