@@ -3,8 +3,8 @@
 
 #include "visualization/QtWidgets/VXViewActionsController.hpp"
 #include "visualization/QtWidgets/VXVisualizationToolbarWidget.hpp"
-#include "visualization/VXInteractorStyleCamera.hpp"
-#include "visualization/VXPickerCallback.hpp"
+#include "visualization/QtWidgets/VXInteractorStyleCamera.hpp"
+#include "visualization/QtWidgets/VXPickerCallback.hpp"
 
 #include <vtkCamera.h>
 #include <vtkCursor3D.h>

@@ -4,7 +4,7 @@
 #include "visualization/QtWidgets/VXScreenshotOptionsDialog.hpp"
 #include "visualization/QtWidgets/VXViewActionsController.hpp"
 #include "visualization/QtWidgets/VXVisualizationToolbarWidget.hpp"
-#include "visualization/VXPickerCallback.hpp"
+#include "visualization/QtWidgets/VXPickerCallback.hpp"
 
 #include <KXComponents/KXColorButton.hpp>
 #include <KXComponents/KXPreferences.hpp>

@@ -1,7 +1,7 @@
 // The context menu: when it opens, what it holds, and the mouse handling around it.
 #include "RenderTestUtils.hpp"
 
-#include "visualization/VXPickerCallback.hpp"
+#include "visualization/QtWidgets/VXPickerCallback.hpp"
 
 #include <vtkCamera.h>
 #include <vtkRenderWindow.h>

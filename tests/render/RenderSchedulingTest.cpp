@@ -4,8 +4,8 @@
 #include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
 #include "visualization/QtWidgets/VXViewCubeWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationToolbarWidget.hpp"
-#include "visualization/VXInteractorStyleCamera.hpp"
-#include "visualization/VXPickerCallback.hpp"
+#include "visualization/QtWidgets/VXInteractorStyleCamera.hpp"
+#include "visualization/QtWidgets/VXPickerCallback.hpp"
 
 #include <KXComponents/KXPreferences.hpp>
 

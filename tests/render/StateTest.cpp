@@ -2,7 +2,7 @@
 #include "RenderTestUtils.hpp"
 
 #include "visualization/QtWidgets/VXViewActionsController.hpp"
-#include "visualization/VXInteractorStyleCamera.hpp"
+#include "visualization/QtWidgets/VXInteractorStyleCamera.hpp"
 
 #include <vtkCamera.h>
 #include <vtkGridAxesActor3D.h>

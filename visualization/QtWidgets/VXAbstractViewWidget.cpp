@@ -1,7 +1,7 @@
 #include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
 
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
-#include "visualization/VXInteractorStyleCamera.hpp"
+#include "visualization/QtWidgets/VXInteractorStyleCamera.hpp"
 
 #include <vtkRenderer.h>
 

@@ -1,7 +1,7 @@
 #include "visualization/QtWidgets/VXViewWidget.hpp"
 
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
-#include "visualization/VXInteractorStyleCamera.hpp"
+#include "visualization/QtWidgets/VXInteractorStyleCamera.hpp"
 
 #include <KXComponents/KXStyle.hpp>
 

@@ -7,7 +7,7 @@
 #include "visualization/QtWidgets/VXViewGridWidget.hpp"
 #include "visualization/QtWidgets/VXViewWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
-#include "visualization/VXPickerCallback.hpp"
+#include "visualization/QtWidgets/VXPickerCallback.hpp"
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXPipelineModel.hpp"
 #include "visualization/VXUserPrompt.hpp"

@@ -4,9 +4,9 @@
 #include "visualization/QtWidgets/VXViewActionsController.hpp"
 #include "visualization/QtWidgets/VXViewCubeWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationToolbarWidget.hpp"
-#include "visualization/VXFrameRateCallback.hpp"
-#include "visualization/VXInteractorStyleCamera.hpp"
-#include "visualization/VXPickerCallback.hpp"
+#include "visualization/QtWidgets/VXFrameRateCallback.hpp"
+#include "visualization/QtWidgets/VXInteractorStyleCamera.hpp"
+#include "visualization/QtWidgets/VXPickerCallback.hpp"
 
 #include <KXComponents/KXPreferences.hpp>
 

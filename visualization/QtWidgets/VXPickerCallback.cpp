@@ -1,6 +1,6 @@
-#include "visualization/VXPickerCallback.hpp"
+#include "visualization/QtWidgets/VXPickerCallback.hpp"
 
-#include "visualization/VXInteractorStyleCamera.hpp"
+#include "visualization/QtWidgets/VXInteractorStyleCamera.hpp"
 
 #include <vtkActor.h>
 #include <vtkCamera.h>

@@ -1,4 +1,4 @@
-#include "visualization/VXFrameRateCallback.hpp"
+#include "visualization/QtWidgets/VXFrameRateCallback.hpp"
 
 #include <vtkObjectFactory.h>
 #include <vtkRenderer.h>

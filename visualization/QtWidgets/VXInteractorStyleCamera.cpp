@@ -1,4 +1,4 @@
-#include "visualization/VXInteractorStyleCamera.hpp"
+#include "visualization/QtWidgets/VXInteractorStyleCamera.hpp"
 
 #include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
