@@ -1,16 +1,36 @@
-// A host-side program: builds a small image geometry and shows it through the library.
+// A host-side program: builds a small image geometry, wraps it for VTK, and
+// shows it in the module widget through its pipeline, as a host would.
 #include <bridge/VtkBridge.hpp>
+#include <visualization/QtWidgets/VXVisualizationModuleWidget.hpp>
+#include <visualization/VXPipeline.hpp>
+
+#include <KX/IPipelineController.hpp>
 
 #include <kxcore/AttributeMatrix.hpp>
 #include <kxcore/DataArray.hpp>
 #include <kxcore/DataStore.hpp>
 #include <kxcore/ImageGeom.hpp>
 
+#include <QVTKOpenGLNativeWidget.h>
 #include <vtkCellData.h>
+
+#include <QtGui/QSurfaceFormat>
+#include <QtWidgets/QApplication>
 
 #include <cstdio>
 
-int main()
+namespace
+{
+class Controller : public KX::IPipelineController
+{
+public:
+  QString getPipelineName() const override { return "Consumer"; }
+  QString getPipelineFilePath() const override { return "/tmp/consumer.pipeline"; }
+  QString getPipelineUuid() const override { return "{8c6e2f4a-0000-4000-8000-000000000001}"; }
+};
+} // namespace
+
+int main(int argc, char** argv)
 {
   using namespace kx::core;
   auto ds = std::make_shared<DataStructure>();
@@ -30,5 +50,16 @@ int main()
   wrapped->DataSet->GetCellData()->GetArray("FeatureIds")->GetRange(range, 0);
   std::printf("consumer: %lld cells, FeatureIds range %g %g\n",
               static_cast<long long>(wrapped->DataSet->GetNumberOfCells()), range[0], range[1]);
+
+  QSurfaceFormat::setDefaultFormat(QVTKOpenGLNativeWidget::defaultFormat());
+  QApplication app(argc, argv);
+  VXVisualizationModuleWidget module;
+  Controller controller;
+  VXPipeline* pipeline = module.pipeline();
+  if (pipeline == nullptr || !pipeline->importPipelineOutput(&controller, ds))
+    return 2;
+  // a host may also keep a pipeline of its own, outside any widget
+  VXPipeline standalone;
+  std::printf("consumer: module shows pipeline output\n");
   return 0;
 }

@@ -33,6 +33,6 @@ export ASAN_OPTIONS=symbolize=$symbolize:detect_leaks=0:abort_on_error=1:allocat
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 export QT_SCALE_FACTOR=1
 cd "$findings"
-# a fixed seed: every run explores the same inputs first, so a result here is the result anywhere
-"$build/state_load_fuzzer" -seed=1 -runs=400 -max_total_time="$seconds" -timeout=30 -rss_limit_mb=6144 \
+# a fixed seed: every run explores the same inputs first, so a finding reproduces anywhere
+"$build/state_load_fuzzer" -seed=1 -max_total_time="$seconds" -timeout=30 -rss_limit_mb=6144 \
   -max_len=65536 -print_final_stats=1 -artifact_prefix="$findings/" "$corpus"

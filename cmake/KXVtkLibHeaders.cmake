@@ -1,0 +1,60 @@
+# The library's headers, each listed once: those a host compiles against are
+# installed; internal helpers stay in the source tree. A header in neither list
+# stops the configuration, so a new header is a decision, not an accident.
+
+set(KXVTK_INSTALLED_HEADERS
+  bridge/Array.hpp
+  bridge/VtkBridge.hpp
+  bridge/WrappedGeometry.hpp
+  utils/ColorUtils.hpp
+  utils/DataSetReaders.hpp
+  utils/GridAxesUtils.hpp
+  utils/KXVtkModuleUtils.hpp
+  visualization/FileToVXBridge.hpp
+  visualization/KXToVXBridge.hpp
+  visualization/VXBridgeObject.hpp
+  visualization/VXCoreObject.hpp
+  visualization/VXDataSource.hpp
+  visualization/VXFilter.hpp
+  visualization/VXGlobalSource.hpp
+  visualization/VXLookupTable.hpp
+  visualization/VXLookupTableModel.hpp
+  visualization/VXOutlineRep.hpp
+  visualization/VXOutlineRepPimpl.hpp
+  visualization/VXPipeline.hpp
+  visualization/VXPipelineModel.hpp
+  visualization/VXPointsRep.hpp
+  visualization/VXPointsRepPimpl.hpp
+  visualization/VXRepresentation.hpp
+  visualization/VXRepresentationPimpl.hpp
+  visualization/VXSurfaceRep.hpp
+  visualization/VXSurfaceRepPimpl.hpp
+  visualization/VXUserPrompt.hpp
+  visualization/VXWireframeRep.hpp
+  visualization/VXWireframeRepPimpl.hpp
+  visualization/QtWidgets/VXAbstractViewWidget.hpp
+  visualization/QtWidgets/VXDatasetInfoWidget.hpp
+  visualization/QtWidgets/VXFrameRateCallback.hpp
+  visualization/QtWidgets/VXGLWidget.hpp
+  visualization/QtWidgets/VXGridAxesWidget.hpp
+  visualization/QtWidgets/VXInfoWidget.hpp
+  visualization/QtWidgets/VXInteractorStyleCamera.hpp
+  visualization/QtWidgets/VXPickerCallback.hpp
+  visualization/QtWidgets/VXScreenshotOptionsDialog.hpp
+  visualization/QtWidgets/VXViewActionsController.hpp
+  visualization/QtWidgets/VXViewCubeWidget.hpp
+  visualization/QtWidgets/VXViewGridWidget.hpp
+  visualization/QtWidgets/VXViewWidget.hpp
+  visualization/QtWidgets/VXVisualizationModuleWidget.hpp
+  visualization/QtWidgets/VXVisualizationToolbarWidget.hpp
+  visualization/QtWidgets/VXVisualizationWidget.hpp
+)
+
+set(KXVTK_INTERNAL_HEADERS
+  bridge/ComputeRangeFunctor.hpp
+  bridge/StructuredGridCellIdFunctor.hpp
+  utils/GuiProcess.hpp
+  visualization/VXRepresentationCallbacks.hpp
+  visualization/VXRepresentationUtils.hpp
+  visualization/VXStateItemFactory.hpp
+)
