@@ -24,6 +24,9 @@ class vtkAlgorithmOutput;
 #include <vtkPolyData.h>
 #include <vtkUnstructuredGrid.h>
 
+// views are named by pointer in signals; the meta-object code needs the full type
+Q_MOC_INCLUDE("visualization/QtWidgets/VXAbstractViewWidget.hpp")
+
 /**
  * Base of every item below a bridge in a visualization pipeline: data sources,
  * filters and data views. The QObject parent chain is the tree. An item owns

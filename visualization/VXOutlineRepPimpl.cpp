@@ -7,6 +7,7 @@
 #include "visualization/VXRepresentationCallbacks.hpp"
 
 #include <KXComponents/KXColorButton.hpp>
+#include <KXComponents/KXIconPushButton.hpp>
 #include <KXComponents/QtKXSettings.hpp>
 
 #include <QtCore/QUrl>

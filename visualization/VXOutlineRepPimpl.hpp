@@ -10,15 +10,7 @@
 
 #include <QtCore/QList>
 #include <QtCore/QMap>
-#include <QtWidgets/QCheckBox>
-#include <QtWidgets/QFormLayout>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QPushButton>
-#include <QtWidgets/QSlider>
-#include <QtWidgets/QVBoxLayout>
-
-#include <KXComponents/KXColorButton.hpp>
+#include <QtWidgets/QWidget> // control<W>() searches the page
 
 class KXColorButton;
 class QCheckBox;

@@ -42,6 +42,11 @@ VXPipeline::StateLoadScope::~StateLoadScope()
   m_Pipeline.m_LoadingState = m_Previous;
 }
 
+VXAbstractViewWidget* VXPipeline::activeViewWidget() const
+{
+  return m_ActiveViewWidget;
+}
+
 VXPipeline::VXPipeline(QObject* parent)
   : QObject(parent)
 {

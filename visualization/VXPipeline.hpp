@@ -16,7 +16,6 @@
 #include <memory>
 #include <vector>
 
-#include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
 #include "visualization/VXBridgeObject.hpp"
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXFilter.hpp"
@@ -26,6 +25,9 @@ namespace KX
 {
 class IPipelineController;
 }
+
+// views are named by pointer in signals; the meta-object code needs the full type
+Q_MOC_INCLUDE("visualization/QtWidgets/VXAbstractViewWidget.hpp")
 
 /**
  * The one object all items of a visualization module hang from. It makes the
@@ -69,7 +71,7 @@ public:
   bool addLoadedRepresentation(VXCoreObject* parent, VXRepresentation* representation);
   bool addGlobalSource(VXGlobalSource* source);
 
-  VXAbstractViewWidget* activeViewWidget() const { return m_ActiveViewWidget; }
+  VXAbstractViewWidget* activeViewWidget() const;
   void setActiveViewWidget(VXAbstractViewWidget* view);
   void setDataOnlyMode(bool dataOnly) { m_DataOnlyMode = dataOnly; }
   bool isDataOnlyMode() const { return m_DataOnlyMode; }

@@ -11,6 +11,7 @@
 #include "visualization/VXRepresentationUtils.hpp"
 
 #include <KXComponents/ColorPresetsDialog.hpp>
+#include <KXComponents/KXColorButton.hpp>
 #include <KXComponents/KXPreferences.hpp>
 #include <KXComponents/KXStyle.hpp>
 #include <KXComponents/QtKXSettings.hpp>

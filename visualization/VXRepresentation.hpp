@@ -15,6 +15,9 @@ class VXDatasetInfoWidget;
 class VXPipeline;
 class VXRepresentationPimpl;
 
+// views are named by pointer in signals; the meta-object code needs the full type
+Q_MOC_INCLUDE("visualization/QtWidgets/VXAbstractViewWidget.hpp")
+
 /**
  * A data view: a leaf of the pipeline tree showing its parent's output in the
  * render views. The item exists once (name, tree position, dataset info); the

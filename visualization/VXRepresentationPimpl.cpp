@@ -61,6 +61,16 @@ void applyGridAppearance(vtkGridAxesActor3D* actor, const QColor& color, double 
 }
 } // namespace
 
+VXAbstractViewWidget* VXRepresentationPimpl::view() const
+{
+  return m_View;
+}
+
+QFrame* VXRepresentationPimpl::settingsTitleFrame() const
+{
+  return m_SettingsTitleFrame;
+}
+
 VXRepresentationPimpl::VXRepresentationPimpl(VXAbstractViewWidget* view, VXRepresentation* owner)
   : QObject(nullptr)
   , m_View(view)

@@ -8,13 +8,6 @@
 #include <QtCore/QPointer>
 #include <QtCore/QString>
 #include <QtGui/QColor>
-#include <QtWidgets/QFrame>
-#include <QtWidgets/QScrollArea>
-#include <QtWidgets/QWidget>
-
-#include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
-#include <KXComponents/KXIconPushButton.hpp>
-#include <KXComponents/QElidedLabel.hpp>
 
 #include <vtkCallbackCommand.h>
 #include <vtkGridAxesActor3D.h>
@@ -41,6 +34,9 @@ class vtkGridAxesActor3D;
 class vtkObject;
 class vtkRenderer;
 class vtkRenderWindowInteractor;
+
+// views are named by pointer in signals; the meta-object code needs the full type
+Q_MOC_INCLUDE("visualization/QtWidgets/VXAbstractViewWidget.hpp")
 
 /**
  * The implementation of one data view in one render view. It owns everything
@@ -92,13 +88,13 @@ public:
   virtual void useFullGeometry() = 0;
   virtual void useDecimatedGeometry() = 0;
 
-  VXAbstractViewWidget* view() const { return m_View; }
+  VXAbstractViewWidget* view() const;
   VXVisualizationWidget* visualizationWidget() const;
   vtkRenderer* renderer() const;
   VXRepresentation* owner() const { return m_Owner; }
   /** The page of this implementation: title frame above the scroll area, built on first request. */
   QWidget* settingsWidget();
-  QFrame* settingsTitleFrame() const { return m_SettingsTitleFrame; }
+  QFrame* settingsTitleFrame() const;
 
   bool detachColorSettings() const { return m_DetachColorSettings; }
   bool isDataGridVisible() const { return m_DataGridVisible; }

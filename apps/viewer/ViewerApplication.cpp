@@ -1,5 +1,6 @@
 #include "ViewerApplication.hpp"
 
+#include <visualization/QtWidgets/VXAbstractViewWidget.hpp>
 #include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/QtWidgets/VXViewGridWidget.hpp>
 #include <visualization/QtWidgets/VXVisualizationModuleWidget.hpp>
