@@ -178,46 +178,56 @@ void displayedExtent(vtkImageData* image, vtkImageSliceMapper* sliceMapper, int 
 }
 
 /**
- * The cell of @p image under the display position @p eventPosition on the displayed slice, whose
- * extent along @p axis is one sample: the line of sight through the cursor, taken from the display
- * into the image's index space, meets the slice's plane there. @p position receives that world
- * point. -1 when the line of sight runs along the plane.
+ * Where the line of sight through the display position @p eventPosition meets the plane of the
+ * slice @p sliceIndex along @p axis of @p image: the line is taken from the display into the
+ * image's index space, so that the answer is the continuous index @p continuous and the world
+ * point @p world. False when the line runs along the plane.
  */
-vtkIdType sliceCellAt(vtkRenderer* renderer, vtkImageData* image, int axis, const int displayed[6],
-                      vtkLinearTransform* worldToData, const int eventPosition[2],
-                      double position[3])
+bool sliceIntersection(vtkRenderer* renderer, vtkImageData* image, int axis, int sliceIndex,
+                       vtkLinearTransform* worldToData, const int eventPosition[2],
+                       double continuous[3], double world[3])
 {
   double ray[2][3];
-  double continuous[2][3];
+  double index[2][3];
   for (int end = 0; end < 2; ++end)
   {
     renderer->SetDisplayPoint(eventPosition[0], eventPosition[1], end);
     renderer->DisplayToWorld();
-    double world[4];
-    renderer->GetWorldPoint(world);
-    if (world[3] == 0.0)
-      return -1;
+    double point[4];
+    renderer->GetWorldPoint(point);
+    if (point[3] == 0.0)
+      return false;
     for (int i = 0; i < 3; ++i)
-      ray[end][i] = world[i] / world[3];
+      ray[end][i] = point[i] / point[3];
     double local[3];
     worldToData->TransformPoint(ray[end], local);
-    image->TransformPhysicalPointToContinuousIndex(local, continuous[end]);
+    image->TransformPhysicalPointToContinuousIndex(local, index[end]);
   }
-  const double span = continuous[1][axis] - continuous[0][axis];
+  const double span = index[1][axis] - index[0][axis];
   if (std::abs(span) < 1e-12)
-    return -1;
-  const double t = (displayed[2 * axis] - continuous[0][axis]) / span;
+    return false;
+  const double t = (sliceIndex - index[0][axis]) / span;
+  for (int i = 0; i < 3; ++i)
+  {
+    world[i] = ray[0][i] + t * (ray[1][i] - ray[0][i]);
+    continuous[i] = index[0][i] + t * (index[1][i] - index[0][i]);
+  }
+  continuous[axis] = sliceIndex;
+  return true;
+}
+
+/** The cell of @p image that holds the continuous index, kept inside the displayed extent. */
+vtkIdType cellAtIndex(vtkImageData* image, const double continuous[3], const int displayed[6])
+{
   int ijk[3];
   const int* extent = image->GetExtent();
   for (int i = 0; i < 3; ++i)
   {
-    position[i] = ray[0][i] + t * (ray[1][i] - ray[0][i]);
-    const double index = continuous[0][i] + t * (continuous[1][i] - continuous[0][i]);
     // cells run from one sample to the next: the last sample closes the last cell
     const int lastCell = std::max(extent[2 * i], extent[2 * i + 1] - 1);
     const int low = std::min(displayed[2 * i], lastCell);
     const int high = std::max(low, std::min(displayed[2 * i + 1], lastCell));
-    ijk[i] = std::clamp(static_cast<int>(std::floor(index)), low, high);
+    ijk[i] = std::clamp(static_cast<int>(std::floor(continuous[i])), low, high);
   }
   return image->ComputeCellId(ijk);
 }
@@ -377,7 +387,11 @@ std::string VXPickerCallback::GeneratePickInfo()
     {
       // the nearest sample, on the slice that is shown when the image is shown as a slice
       double continuous[3];
-      image->TransformPhysicalPointToContinuousIndex(local, continuous);
+      if (sliceMapper == nullptr ||
+          !sliceIntersection(m_Renderer, image, sliceMapper->GetOrientation(),
+                             displayed[2 * sliceMapper->GetOrientation()], worldToData,
+                             eventPosition, continuous, position))
+        image->TransformPhysicalPointToContinuousIndex(local, continuous);
       for (int i = 0; i < 3; ++i)
       {
         const int index = static_cast<int>(std::lround(continuous[i]));
@@ -390,13 +404,19 @@ std::string VXPickerCallback::GeneratePickInfo()
       image->GetPoint(pointId, sample);
       actorTransform->TransformPoint(sample, position);
     }
-    else if (original == drawn)
-    {
-      pointId = picker->GetPointId();
-    }
     else
     {
-      pointId = original->FindPoint(local);
+      // the drawn point itself when the drawn data is the original, else (and when the pick found
+      // no mesh point within its tolerance) the original point nearest to the pick
+      pointId = original == drawn ? picker->GetPointId() : -1;
+      if (pointId < 0)
+        pointId = original->FindPoint(local);
+      if (pointId >= 0)
+      {
+        double point[3];
+        original->GetPoint(pointId, point);
+        actorTransform->TransformPoint(point, position);
+      }
     }
     if (pointId >= 0)
       createPointHighlighter(position[0], position[1], position[2], nullptr, std::nullopt);
@@ -411,8 +431,12 @@ std::string VXPickerCallback::GeneratePickInfo()
   double position[3] = { m_PickPosition[0], m_PickPosition[1], m_PickPosition[2] };
   if (image != nullptr && sliceMapper != nullptr)
   {
-    cellId = sliceCellAt(m_Renderer, image, sliceMapper->GetOrientation(), displayed, worldToData,
-                         eventPosition, position);
+    // on the displayed plane: what lies under the cursor, whatever depth the pick reports
+    const int axis = sliceMapper->GetOrientation();
+    double continuous[3];
+    if (sliceIntersection(m_Renderer, image, axis, displayed[2 * axis], worldToData, eventPosition,
+                          continuous, position))
+      cellId = cellAtIndex(image, continuous, displayed);
   }
   else if (original == drawn)
   {
@@ -429,11 +453,13 @@ std::string VXPickerCallback::GeneratePickInfo()
       vtkCell* cell = drawn->GetCell(picker->GetCellId());
       double parametric[3];
       int subId = cell->GetParametricCenter(parametric);
-      std::vector<double> weights(static_cast<size_t>(std::max(cell->GetNumberOfPoints(), 1)));
+      std::vector<double> weights(
+        static_cast<size_t>(std::max<vtkIdType>(cell->GetNumberOfPoints(), 1)));
       cell->EvaluateLocation(subId, parametric, centre, weights.data());
     }
     const double tolerance = 1e-6 * std::max(original->GetLength(), 1e-12);
-    std::vector<double> weights(static_cast<size_t>(std::max(original->GetMaxCellSize(), 8)));
+    std::vector<double> weights(
+      static_cast<size_t>(std::max<vtkIdType>(original->GetMaxCellSize(), 8)));
     double parametric[3];
     int subId = 0;
     cellId = original->FindCell(centre, nullptr, -1, tolerance * tolerance, subId, parametric,
