@@ -165,68 +165,44 @@ TEST_F(CameraView, PickedCentreSurvivesAddAndRemoveUntilReset)
   auto a = makeBox(0, 2, 0, 2, 0, 2);
   m_View->addActor(a);
   pump();
-  double picked[3] = { 0.5, 1.5, 0.25 };
-  // the toolbar's button enters the pick mode, as a user would
+  m_View->camZMinus(); // looking along -Z at the face z = 2
+  // the toolbar's button enters the pick mode and a click on the box picks, as a user does
   m_View->getToolbar()->centerOfRotationButton()->setChecked(true);
   ASSERT_TRUE(m_View->pickCenterOfRotationModeOn());
-  Q_EMIT m_View->pickEvent(picked, true, true);
+  const auto at = rendertest::displayOf(m_View->getRenderer(), 0.5, 1.5, 2.0);
+  rendertest::click(m_View->getRenderWindowInteractor(), at[0], at[1]);
   EXPECT_TRUE(m_View->isCenterOfRotationLocked());
   // the pick releases the toolbar button, which ends the pick mode
   EXPECT_FALSE(m_View->pickCenterOfRotationModeOn());
+  const std::array<double, 3> picked = m_View->getCenterOfRotation();
+  expectNear3(picked, { 0.5, 1.5, 2.0 }, 0.05);
 
   auto b = makeBox(10, 20, 10, 20, 10, 20);
   m_View->addActor(b);
   pump();
   m_View->removeActor(a);
   pump();
-  std::array<double, 3> center = m_View->getCenterOfRotation();
-  EXPECT_DOUBLE_EQ(center[0], 0.5);
-  EXPECT_DOUBLE_EQ(center[1], 1.5);
-  EXPECT_DOUBLE_EQ(center[2], 0.25);
+  EXPECT_EQ(m_View->getCenterOfRotation(), picked);
 
   m_View->resetCenterOfRotation();
   EXPECT_FALSE(m_View->isCenterOfRotationLocked());
-  center = m_View->getCenterOfRotation();
+  const std::array<double, 3> center = m_View->getCenterOfRotation();
   EXPECT_DOUBLE_EQ(center[0], 15.0);
   EXPECT_DOUBLE_EQ(center[1], 15.0);
   EXPECT_DOUBLE_EQ(center[2], 15.0);
 }
 
-TEST_F(CameraView, PickWithoutCellPickModeLeavesTheCentre)
-{
-  addBox();
-  const std::array<double, 3> before = m_View->getCenterOfRotation();
-  double picked[3] = { 100, 100, 100 };
-  Q_EMIT m_View->pickEvent(picked, true, false);
-  EXPECT_EQ(m_View->getCenterOfRotation(), before);
-  EXPECT_FALSE(m_View->isCenterOfRotationLocked());
-}
-
-TEST_F(CameraView, CentreOfRotationPickingTurnsHoverCellsOnAndOff)
-{
-  m_View->toggleHoverPoints(true);
-  EXPECT_TRUE(m_View->hoverPointsModeOn());
-  m_View->toggleCenterOfRotationPicking(true);
-  EXPECT_TRUE(m_View->pickCenterOfRotationModeOn());
-  EXPECT_TRUE(m_View->hoverCellsModeOn());
-  EXPECT_FALSE(m_View->hoverPointsModeOn());
-  m_View->toggleCenterOfRotationPicking(false);
-  EXPECT_FALSE(m_View->pickCenterOfRotationModeOn());
-  EXPECT_FALSE(m_View->hoverCellsModeOn());
-  m_View->toggleHoverPoints();
-  EXPECT_TRUE(m_View->hoverPointsModeOn());
-  m_View->toggleHoverPoints();
-  EXPECT_FALSE(m_View->hoverPointsModeOn());
-}
-
 TEST_F(CameraView, ResetCameraRecentresUnlessLocked)
 {
   addBox();
-  double picked[3] = { -3, -3, -3 };
-  m_View->getInteractorStyle()->setCellPickMode(true);
-  Q_EMIT m_View->pickEvent(picked, true, false);
+  m_View->camZMinus(); // looking along -Z at the face z = 6
+  m_View->toggleCenterOfRotationPicking(true);
+  const auto at = rendertest::displayOf(m_View->getRenderer(), 0.5, 0.5, 6.0);
+  rendertest::click(m_View->getRenderWindowInteractor(), at[0], at[1]);
+  const std::array<double, 3> picked = m_View->getCenterOfRotation();
+  EXPECT_NEAR(picked[2], 6.0, 0.05);
   m_View->resetCamera();
-  EXPECT_DOUBLE_EQ(m_View->getCenterOfRotation()[0], -3.0);
+  EXPECT_EQ(m_View->getCenterOfRotation(), picked);
   m_View->resetCenterOfRotation();
   m_View->getRenderer()->GetActiveCamera()->SetFocalPoint(50, 50, 50);
   m_View->resetCamera();

@@ -12,11 +12,15 @@
 #include <vtkNew.h>
 #include <vtkObject.h>
 #include <vtkPolyDataMapper.h>
+#include <vtkRenderWindowInteractor.h>
+#include <vtkRenderer.h>
 #include <vtkSmartPointer.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtTest/QTest>
 
+#include <array>
+#include <cmath>
 #include <memory>
 
 namespace rendertest
@@ -69,6 +73,49 @@ inline vtkSmartPointer<vtkActor> makeBox(double x0, double x1, double y0, double
   actor->SetMapper(mapper);
   mapper->Update();
   return actor;
+}
+
+/** The display position (VTK's, origin at the bottom left) of a world point. */
+inline std::array<int, 2> displayOf(vtkRenderer* renderer, double x, double y, double z)
+{
+  renderer->SetWorldPoint(x, y, z, 1.0);
+  renderer->WorldToDisplay();
+  double display[3];
+  renderer->GetDisplayPoint(display);
+  return { static_cast<int>(std::lround(display[0])), static_cast<int>(std::lround(display[1])) };
+}
+
+/** Presses (and releases) @p button of the interactor at (x, y), as the Qt adapter does. */
+inline void click(vtkRenderWindowInteractor* interactor, int x, int y,
+                  unsigned long press = vtkCommand::LeftButtonPressEvent)
+{
+  interactor->SetEventInformation(x, y, 0, 0);
+  interactor->InvokeEvent(press);
+  interactor->InvokeEvent(press + 1); // the matching release event
+}
+
+/** A button drag from (x0, y0) to (x1, y1) in four moves. */
+inline void drag(vtkRenderWindowInteractor* interactor, int x0, int y0, int x1, int y1,
+                 unsigned long press = vtkCommand::LeftButtonPressEvent)
+{
+  interactor->SetEventInformation(x0, y0, 0, 0);
+  interactor->InvokeEvent(press);
+  for (int step = 1; step <= 4; ++step)
+  {
+    interactor->SetEventInformation(x0 + (x1 - x0) * step / 4, y0 + (y1 - y0) * step / 4, 0, 0);
+    interactor->InvokeEvent(vtkCommand::MouseMoveEvent);
+  }
+  interactor->InvokeEvent(press + 1);
+}
+
+/** A key going down (or up) with the cursor at (x, y). */
+inline void key(vtkRenderWindowInteractor* interactor, char code, bool down, int x = 150,
+                int y = 150)
+{
+  const char sym[2] = { code, '\0' };
+  interactor->SetEventInformation(x, y, 0, 0);
+  interactor->SetKeyEventInformation(0, 0, code, 1, sym);
+  interactor->InvokeEvent(down ? vtkCommand::KeyPressEvent : vtkCommand::KeyReleaseEvent);
 }
 
 /** A shown 300 x 300 view, exposed and settled. */

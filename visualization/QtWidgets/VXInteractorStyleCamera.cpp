@@ -90,6 +90,11 @@ void VXInteractorStyleCamera::OnKeyRelease()
   InvokeEvent(k_KeyReleaseEvent, nullptr);
 }
 
+void VXInteractorStyleCamera::OnChar()
+{
+  // the base styles would switch representations, stereo, pick or end the application
+}
+
 void VXInteractorStyleCamera::OnLeftButtonDown()
 {
   // in the 2D image mode nothing may start a rotation: that is the 2D lock

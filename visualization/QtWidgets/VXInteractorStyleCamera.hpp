@@ -20,7 +20,7 @@ class VXAbstractViewWidget;
  * modes and the cell pick mode makes a click choose the centre of rotation: a
  * click with any of them raises PickEvent for VXPickerCallback. Every key press
  * raises UserEvent and every release UserEvent + 1, so the callback can follow
- * the pick keys without handling keys itself.
+ * the pick keys without handling keys itself. No other key does anything.
  */
 class KXVTKLIB_EXPORT VXInteractorStyleCamera : public vtkInteractorStyleImage
 {
@@ -34,6 +34,11 @@ public:
 
   void OnKeyPress() override;
   void OnKeyRelease() override;
+  /**
+   * Does nothing: VTK's character keys (wireframe, stereo, exit, pick, fly-to,
+   * reset, window-level ...) have no place in a render view of the application.
+   */
+  void OnChar() override;
   void OnLeftButtonDown() override;
   void OnRightButtonDown() override;
   void OnMouseMove() override;

@@ -1,7 +1,9 @@
 #include "visualization/QtWidgets/VXPickerCallback.hpp"
 
+#include "utils/PipelineUtils.hpp"
 #include "visualization/QtWidgets/VXInteractorStyleCamera.hpp"
 
+#include <vtkAbstractMapper3D.h>
 #include <vtkActor.h>
 #include <vtkCamera.h>
 #include <vtkCell.h>
@@ -14,6 +16,7 @@
 #include <vtkIdTypeArray.h>
 #include <vtkImageData.h>
 #include <vtkImageSlice.h>
+#include <vtkImageSliceMapper.h>
 #include <vtkLinearTransform.h>
 #include <vtkMath.h>
 #include <vtkNew.h>
@@ -36,6 +39,7 @@
 #include <QtGui/QCursor>
 #include <QtWidgets/QToolTip>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <sstream>
@@ -148,6 +152,85 @@ private:
   std::vector<vtkGridAxesActor3D*> m_HiddenGrids;
   std::vector<SavedMapper> m_Mappers;
 };
+/**
+ * The index extent of @p image that is on screen: the whole extent, or for an image shown by a
+ * slice mapper the displayed slice (and the cropping region when cropping is on).
+ */
+void displayedExtent(vtkImageData* image, vtkImageSliceMapper* sliceMapper, int extent[6])
+{
+  image->GetExtent(extent);
+  if (sliceMapper == nullptr)
+    return;
+  if (sliceMapper->GetCropping() != 0)
+  {
+    const int* crop = sliceMapper->GetCroppingRegion();
+    for (int i = 0; i < 3; ++i)
+    {
+      extent[2 * i] = std::max(extent[2 * i], crop[2 * i]);
+      extent[2 * i + 1] = std::max(extent[2 * i], std::min(extent[2 * i + 1], crop[2 * i + 1]));
+    }
+  }
+  const int axis = sliceMapper->GetOrientation();
+  const int sliceNumber =
+    std::clamp(sliceMapper->GetSliceNumber(), extent[2 * axis], extent[2 * axis + 1]);
+  extent[2 * axis] = sliceNumber;
+  extent[2 * axis + 1] = sliceNumber;
+}
+
+/**
+ * Where the line of sight through the display position @p eventPosition meets the plane of the
+ * slice @p sliceIndex along @p axis of @p image: the line is taken from the display into the
+ * image's index space, so that the answer is the continuous index @p continuous and the world
+ * point @p world. False when the line runs along the plane.
+ */
+bool sliceIntersection(vtkRenderer* renderer, vtkImageData* image, int axis, int sliceIndex,
+                       vtkLinearTransform* worldToData, const int eventPosition[2],
+                       double continuous[3], double world[3])
+{
+  double ray[2][3];
+  double index[2][3];
+  for (int end = 0; end < 2; ++end)
+  {
+    renderer->SetDisplayPoint(eventPosition[0], eventPosition[1], end);
+    renderer->DisplayToWorld();
+    double point[4];
+    renderer->GetWorldPoint(point);
+    if (point[3] == 0.0)
+      return false;
+    for (int i = 0; i < 3; ++i)
+      ray[end][i] = point[i] / point[3];
+    double local[3];
+    worldToData->TransformPoint(ray[end], local);
+    image->TransformPhysicalPointToContinuousIndex(local, index[end]);
+  }
+  const double span = index[1][axis] - index[0][axis];
+  if (std::abs(span) < 1e-12)
+    return false;
+  const double t = (sliceIndex - index[0][axis]) / span;
+  for (int i = 0; i < 3; ++i)
+  {
+    world[i] = ray[0][i] + t * (ray[1][i] - ray[0][i]);
+    continuous[i] = index[0][i] + t * (index[1][i] - index[0][i]);
+  }
+  continuous[axis] = sliceIndex;
+  return true;
+}
+
+/** The cell of @p image that holds the continuous index, kept inside the displayed extent. */
+vtkIdType cellAtIndex(vtkImageData* image, const double continuous[3], const int displayed[6])
+{
+  int ijk[3];
+  const int* extent = image->GetExtent();
+  for (int i = 0; i < 3; ++i)
+  {
+    // cells run from one sample to the next: the last sample closes the last cell
+    const int lastCell = std::max(extent[2 * i], extent[2 * i + 1] - 1);
+    const int low = std::min(displayed[2 * i], lastCell);
+    const int high = std::max(low, std::min(displayed[2 * i + 1], lastCell));
+    ijk[i] = std::clamp(static_cast<int>(std::floor(continuous[i])), low, high);
+  }
+  return image->ComputeCellId(ijk);
+}
 } // namespace
 
 VXPickerCallback::VXPickerCallback() = default;
@@ -247,7 +330,7 @@ std::string VXPickerCallback::GeneratePickInfo()
     toggleHighlightersVisibility(false);
     PickPreparation preparation(m_Renderer);
     hit = picker->Pick(eventPosition[0], eventPosition[1], 0.0, m_Renderer);
-    if ((hit == 0 || picker->GetDataSet() == nullptr) && pointMode)
+    if ((hit == 0 || picker->GetViewProp() == nullptr) && pointMode)
     {
       picker->SetSnapToMeshPoint(false);
       hit = picker->Pick(eventPosition[0], eventPosition[1], 0.0, m_Renderer);
@@ -258,66 +341,139 @@ std::string VXPickerCallback::GeneratePickInfo()
       m_CellHighlightActor->SetVisibility(cellVisible);
   }
   picker->GetPickPosition(m_PickPosition);
-  vtkDataSet* data = picker->GetDataSet();
-  if (hit == 0 || data == nullptr)
+  vtkProp* prop = picker->GetViewProp();
+  if (hit == 0 || prop == nullptr)
+    return {};
+
+  // the data drawn, which the picked ids refer to, and the data it was made from
+  vtkAbstractMapper3D* mapper = picker->GetMapper();
+  vtkDataSet* drawn = picker->GetDataSet();
+  if (drawn == nullptr && mapper != nullptr)
+    drawn = vtkDataSet::SafeDownCast(mapper->GetInputDataObject(0, 0));
+  vtkDataSet* original = mapper != nullptr
+                           ? KXVtk::utils::FindOriginalPipelineInput(mapper->GetInputAlgorithm())
+                           : nullptr;
+  if (original == nullptr)
+    original = drawn;
+  if (original == nullptr)
     return {};
 
   vtkNew<vtkTransform> actorTransform;
-  if (auto* prop3D = vtkProp3D::SafeDownCast(picker->GetViewProp()))
+  if (auto* prop3D = vtkProp3D::SafeDownCast(prop))
     actorTransform->SetMatrix(prop3D->GetMatrix());
+  vtkNew<vtkTransform> worldToData;
+  worldToData->DeepCopy(actorTransform);
+  worldToData->Inverse();
+  double local[3];
+  worldToData->TransformPoint(m_PickPosition, local);
 
-  std::string name;
-  if (auto* fieldName = data->GetFieldData()->GetAbstractArray("Name"))
-    name = fieldName->GetVariantValue(0).ToString();
+  std::string name = original->GetObjectName();
+  if (name.empty() && drawn != nullptr)
+    name = drawn->GetObjectName();
+
+  auto* image = vtkImageData::SafeDownCast(original);
+  auto* slice = vtkImageSlice::SafeDownCast(prop);
+  auto* sliceMapper =
+    slice != nullptr ? vtkImageSliceMapper::SafeDownCast(slice->GetMapper()) : nullptr;
+  int displayed[6] = { 0, -1, 0, -1, 0, -1 };
+  if (image != nullptr)
+    displayedExtent(image, sliceMapper, displayed);
 
   if (pointMode)
   {
-    vtkIdType pointId = picker->GetPointId();
+    vtkIdType pointId = -1;
     double position[3] = { m_PickPosition[0], m_PickPosition[1], m_PickPosition[2] };
-    if (auto* image = vtkImageData::SafeDownCast(data))
+    if (image != nullptr)
     {
-      // positions inside an image are turned into the nearest voxel index
-      double local[3];
-      vtkNew<vtkTransform> inverse;
-      inverse->DeepCopy(actorTransform);
-      inverse->Inverse();
-      inverse->TransformPoint(position, local);
+      // the nearest sample, on the slice that is shown when the image is shown as a slice
       double continuous[3];
-      image->TransformPhysicalPointToContinuousIndex(local, continuous);
-      const int* extent = image->GetExtent();
+      if (sliceMapper == nullptr ||
+          !sliceIntersection(m_Renderer, image, sliceMapper->GetOrientation(),
+                             displayed[2 * sliceMapper->GetOrientation()], worldToData,
+                             eventPosition, continuous, position))
+        image->TransformPhysicalPointToContinuousIndex(local, continuous);
       for (int i = 0; i < 3; ++i)
       {
-        int index = static_cast<int>(std::lround(continuous[i]));
-        index = std::max(extent[2 * i], std::min(extent[2 * i + 1], index));
-        m_LastImageIndex[i] = index;
+        const int index = static_cast<int>(std::lround(continuous[i]));
+        m_LastImageIndex[i] = std::clamp(index, displayed[2 * i], displayed[2 * i + 1]);
       }
       m_LastImageData = image;
-      m_LastImageSlice = vtkImageSlice::SafeDownCast(picker->GetViewProp());
+      m_LastImageSlice = slice;
       pointId = image->ComputePointId(m_LastImageIndex);
-      image->GetPoint(pointId, local);
-      actorTransform->TransformPoint(local, position);
+      double sample[3];
+      image->GetPoint(pointId, sample);
+      actorTransform->TransformPoint(sample, position);
     }
-    if (pointId < 0)
-      return {};
-    createPointHighlighter(position[0], position[1], position[2], nullptr, std::nullopt);
+    else
+    {
+      // the drawn point itself when the drawn data is the original, else (and when the pick found
+      // no mesh point within its tolerance) the original point nearest to the pick
+      pointId = original == drawn ? picker->GetPointId() : -1;
+      if (pointId < 0)
+        pointId = original->FindPoint(local);
+      if (pointId >= 0)
+      {
+        double point[3];
+        original->GetPoint(pointId, point);
+        actorTransform->TransformPoint(point, position);
+      }
+    }
+    if (pointId >= 0)
+      createPointHighlighter(position[0], position[1], position[2], nullptr, std::nullopt);
     std::ostringstream coords;
     coords << "(" << position[0] << ", " << position[1] << ", " << position[2] << ")";
-    return printDataValues(data->GetPointData(), pointId, "Point", name, coords.str(), "\n");
+    return printDataValues(original->GetPointData(), pointId, "Point", name, coords.str(), "\n");
   }
-  if (m_HoverCells)
+  if (!m_HoverCells)
+    return {};
+
+  vtkIdType cellId = -1;
+  double position[3] = { m_PickPosition[0], m_PickPosition[1], m_PickPosition[2] };
+  if (image != nullptr && sliceMapper != nullptr)
   {
-    const vtkIdType cellId = picker->GetCellId();
-    if (cellId < 0)
-      return {};
+    // on the displayed plane: what lies under the cursor, whatever depth the pick reports
+    const int axis = sliceMapper->GetOrientation();
+    double continuous[3];
+    if (sliceIntersection(m_Renderer, image, axis, displayed[2 * axis], worldToData, eventPosition,
+                          continuous, position))
+      cellId = cellAtIndex(image, continuous, displayed);
+  }
+  else if (original == drawn)
+  {
+    cellId = picker->GetCellId();
+  }
+  else
+  {
+    // the picked cell of the drawn geometry lies on one cell of the original data: find it at the
+    // drawn cell's centre, which no neighbouring cell shares
+    double centre[3] = { local[0], local[1], local[2] };
+    if (drawn != nullptr && picker->GetCellId() >= 0 &&
+        picker->GetCellId() < drawn->GetNumberOfCells())
+    {
+      vtkCell* cell = drawn->GetCell(picker->GetCellId());
+      double parametric[3];
+      int subId = cell->GetParametricCenter(parametric);
+      std::vector<double> weights(
+        static_cast<size_t>(std::max<vtkIdType>(cell->GetNumberOfPoints(), 1)));
+      cell->EvaluateLocation(subId, parametric, centre, weights.data());
+    }
+    const double tolerance = 1e-6 * std::max(original->GetLength(), 1e-12);
+    std::vector<double> weights(
+      static_cast<size_t>(std::max<vtkIdType>(original->GetMaxCellSize(), 8)));
+    double parametric[3];
+    int subId = 0;
+    cellId = original->FindCell(centre, nullptr, -1, tolerance * tolerance, subId, parametric,
+                                weights.data());
+  }
+  if (cellId >= 0)
+  {
     vtkNew<vtkIdTypeArray> ids;
     ids->InsertNextValue(cellId);
-    createCellHighlighter(data, ids, actorTransform);
-    std::ostringstream coords;
-    coords << "(" << m_PickPosition[0] << ", " << m_PickPosition[1] << ", " << m_PickPosition[2]
-           << ")";
-    return printDataValues(data->GetCellData(), cellId, "Cell", name, coords.str(), "\n");
+    createCellHighlighter(original, ids, actorTransform);
   }
-  return {};
+  std::ostringstream coords;
+  coords << "(" << position[0] << ", " << position[1] << ", " << position[2] << ")";
+  return printDataValues(original->GetCellData(), cellId, "Cell", name, coords.str(), "\n");
 }
 
 std::string VXPickerCallback::printDataValues(vtkDataSetAttributes* attributes, vtkIdType id,

@@ -48,25 +48,6 @@ VXVisualizationToolbarWidget::VXVisualizationToolbarWidget(VXVisualizationWidget
     addButton(QStringLiteral("Cells"), tr("Show the values of the cell under the cursor"), true);
   connect(m_HoverCellsButton, &QToolButton::toggled, view,
           [view](bool checked) { view->toggleHoverCells(checked); });
-  // the two hover modes exclude each other: keep the buttons in step with the view
-  connect(m_HoverPointsButton, &QToolButton::toggled, this,
-          [this](bool checked)
-          {
-            if (checked)
-            {
-              const QSignalBlocker blocker(m_HoverCellsButton);
-              m_HoverCellsButton->setChecked(false);
-            }
-          });
-  connect(m_HoverCellsButton, &QToolButton::toggled, this,
-          [this](bool checked)
-          {
-            if (checked)
-            {
-              const QSignalBlocker blocker(m_HoverPointsButton);
-              m_HoverPointsButton->setChecked(false);
-            }
-          });
   adjustSize();
 }
 
@@ -94,6 +75,16 @@ void VXVisualizationToolbarWidget::releaseCenterOfRotationButton()
 {
   // through the toggled signal, so the view leaves its pick mode with the button
   m_CenterOfRotationButton->setChecked(false);
+}
+
+void VXVisualizationToolbarWidget::syncHoverButtons()
+{
+  // the view may change modes on its own (the two hover modes exclude each other, the centre of
+  // rotation pick turns cell hover on and off): show its state without toggling it again
+  const QSignalBlocker pointsBlocker(m_HoverPointsButton);
+  const QSignalBlocker cellsBlocker(m_HoverCellsButton);
+  m_HoverPointsButton->setChecked(m_View->hoverPointsModeOn());
+  m_HoverCellsButton->setChecked(m_View->hoverCellsModeOn());
 }
 
 void VXVisualizationToolbarWidget::enableDisableHoverFeatures(int allowHover)

@@ -31,6 +31,8 @@ public:
 public Q_SLOTS:
   /** Unchecks the centre-of-rotation pick button, which ends the view's pick mode. */
   void releaseCenterOfRotationButton();
+  /** Checks the hover buttons of the modes the view is in, and only those. */
+  void syncHoverButtons();
   /** Enables the hover buttons when @p allowHover is non-zero; disabling also unchecks them. */
   void enableDisableHoverFeatures(int allowHover);
 

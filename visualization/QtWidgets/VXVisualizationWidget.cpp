@@ -188,6 +188,8 @@ void VXVisualizationWidget::initializeRendererAndAxes()
     m_HoverWidget = vtkSmartPointer<vtkHoverWidget>::New();
     m_HoverWidget->SetInteractor(interactor);
     m_HoverWidget->SetTimerDuration(250);
+    // VTK's 'i' key would switch the widget on behind the hover buttons' back
+    m_HoverWidget->KeyPressActivationOff();
 
     m_PickerCallback = vtkSmartPointer<VXPickerCallback>::New();
     m_PickerCallback->setRenderer(m_Renderer);
@@ -244,6 +246,7 @@ void VXVisualizationWidget::initializeCameraOrientationWidget()
     return;
   m_CameraOrientationWidget = vtkSmartPointer<VXViewCubeWidget>::New();
   m_CameraOrientationWidget->SetParentRenderer(m_Renderer);
+  m_CameraOrientationWidget->KeyPressActivationOff();
   // The gizmo is rebuilt in every frame that turns the camera and is drawn a
   // few dozen pixels wide: coarser tubes and discs look the same there and
   // keep it from adding to the frame time of large scenes.
@@ -265,6 +268,7 @@ void VXVisualizationWidget::initializeOrientationWidget()
   vtkNew<vtkAnnotatedCubeActor> cube;
   m_OrientationWidget = vtkSmartPointer<vtkOrientationMarkerWidget>::New();
   m_OrientationWidget->SetOrientationMarker(cube);
+  m_OrientationWidget->KeyPressActivationOff();
   m_OrientationWidget->SetInteractor(getRenderWindowInteractor());
   m_OrientationWidget->SetViewport(0.0, 0.0, 0.2, 0.2);
   m_OrientationWidget->SetEnabled(1);
@@ -854,6 +858,8 @@ void VXVisualizationWidget::toggleHoverPoints(bool checked)
     m_PickerCallback->toggleHighlightersVisibility(false);
     render();
   }
+  if (m_Toolbar != nullptr)
+    m_Toolbar->syncHoverButtons();
 }
 
 void VXVisualizationWidget::toggleHoverPoints()
@@ -874,6 +880,8 @@ void VXVisualizationWidget::toggleHoverCells(bool checked)
     m_PickerCallback->toggleHighlightersVisibility(false);
     render();
   }
+  if (m_Toolbar != nullptr)
+    m_Toolbar->syncHoverButtons();
 }
 
 void VXVisualizationWidget::toggleHoverCells()
