@@ -425,6 +425,8 @@ void VXDataSource::initializeSettingsWidget()
   m_SettingsScrollArea->setWidget(content);
 
   m_ColorPresetsDialog = new ColorPresetsDialog();
+  VXUserPrompt::routeColorButton(m_ColorPresetsDialog->nanColorButton(),
+                                 QStringLiteral("Select NaN Color"));
   m_ColorPresetsDialog->setNanColor(m_NanColor);
   connect(m_SolidColorButton, &KXColorButton::changedColor, this, &VXDataSource::setSolidColor);
   connect(m_ColorPresetsDialog, &ColorPresetsDialog::nanColorChanged, this,
