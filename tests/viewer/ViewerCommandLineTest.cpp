@@ -10,6 +10,7 @@
 
 #include <visualization/QtWidgets/VXVisualizationToolbarWidget.hpp>
 #include <visualization/VXDataSource.hpp>
+#include <visualization/VXOutlineRepPimpl.hpp>
 #include <visualization/VXPointsRepPimpl.hpp>
 #include <visualization/VXUserPrompt.hpp>
 
@@ -25,6 +26,8 @@
 #include <vtkPointData.h>
 #include <vtkPoints.h>
 #include <vtkPolyData.h>
+#include <vtkProperty.h>
+#include <vtkActor.h>
 #include <vtkStripper.h>
 #include <vtkStructuredGrid.h>
 #include <vtkTriangleFilter.h>
@@ -72,8 +75,8 @@ ViewerRun runViewer(const QStringList& arguments, const kxtest::TempDir& dir)
     return run;
   }
   run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-  run.output = QString::fromLocal8Bit(process.readAllStandardOutput() +
-                                      process.readAllStandardError());
+  run.output =
+    QString::fromLocal8Bit(process.readAllStandardOutput() + process.readAllStandardError());
   return run;
 }
 
@@ -92,8 +95,8 @@ double colouredShare(const QImage& picture)
     for (int x = measured.left(); x <= measured.right(); ++x)
     {
       const QRgb p = image.pixel(x, y);
-      const int spread = std::max({ qRed(p), qGreen(p), qBlue(p) }) -
-                         std::min({ qRed(p), qGreen(p), qBlue(p) });
+      const int spread =
+        std::max({ qRed(p), qGreen(p), qBlue(p) }) - std::min({ qRed(p), qGreen(p), qBlue(p) });
       coloured += spread > 60 ? 1 : 0;
     }
   }
@@ -335,8 +338,8 @@ TEST(ViewerWindow, EveryIconTheLibraryAsksForIsDrawnAndTheToolStripShowsIcons)
   const QRegularExpression asked(
     R"re((?:generateThemeIconFromName\(\s*(?:QStringLiteral\()?|KXIconPushButton\()\s*"([^"]+)")re");
   QStringList names;
-  QDirIterator files(QStringLiteral(KXVTK_SOURCE_DIR "/visualization"),
-                     { "*.cpp", "*.hpp" }, QDir::Files, QDirIterator::Subdirectories);
+  QDirIterator files(QStringLiteral(KXVTK_SOURCE_DIR "/visualization"), { "*.cpp", "*.hpp" },
+                     QDir::Files, QDirIterator::Subdirectories);
   while (files.hasNext())
   {
     QFile file(files.next());
@@ -377,8 +380,34 @@ TEST(ViewerWindow, EveryIconTheLibraryAsksForIsDrawnAndTheToolStripShowsIcons)
     ASSERT_FALSE(button->icon().isNull());
     const QImage picture = render16(button->icon());
     EXPECT_NE(picture, placeholder);
-    pictures.insert(QByteArray(reinterpret_cast<const char*>(picture.constBits()),
-                               picture.sizeInBytes()));
+    pictures.insert(
+      QByteArray(reinterpret_cast<const char*>(picture.constBits()), picture.sizeInBytes()));
   }
   EXPECT_EQ(pictures.size(), buttons.size());
+}
+
+TEST(ViewerWindow, NoEdgesDrawsSurfacesWithoutCellEdges)
+{
+  dataviewtest::ScopedSettings settings;
+  moduletest::ScriptedDialogs dialogs;
+  for (const bool hide : { false, true })
+  {
+    SCOPED_TRACE(hide ? "--no-edges" : "edges by default");
+    ViewerOptions options;
+    options.files << QStringLiteral(KXVTK_DATA_DIR "/Hexahedron.vtu");
+    options.representation = "Surface";
+    options.hideEdges = hide;
+    ViewerApplication viewer(options);
+    ASSERT_TRUE(viewer.load());
+    VXDataSource* source =
+      viewer.window()->module()->pipeline()->bridges().front()->dataSources().value(0);
+    ASSERT_NE(source, nullptr);
+    auto* surface = source->findChild<VXRepresentation*>(QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_NE(surface, nullptr);
+    ASSERT_EQ(surface->type(), VXRepresentation::Surface);
+    auto* drawn = dynamic_cast<VXOutlineRepPimpl*>(surface->activeImplementation());
+    ASSERT_NE(drawn, nullptr);
+    EXPECT_EQ(drawn->edgeVisibility(), !hide);
+    EXPECT_EQ(drawn->actor()->GetProperty()->GetEdgeVisibility() != 0, !hide);
+  }
 }
