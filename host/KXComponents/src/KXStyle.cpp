@@ -97,7 +97,8 @@ constexpr std::array k_Recipes = {
   IconRecipe{ "Threshold", Shape::Badge, 0xffef6c00, "T" },
   IconRecipe{ "Clip", Shape::Badge, 0xff5e35b1, "C" },
   IconRecipe{ "Edit", Shape::Pencil, 0xffef8f00, nullptr },
-  // the render view's tool strip; axes in the usual red, green, blue
+  // the render view's tool strip, drawn over the dark view: axes in the usual red, green, blue,
+  // the camera moves in a light grey
   IconRecipe{ "ViewPlusX", Shape::AxisView, 0xffc62828, "+X" },
   IconRecipe{ "ViewMinusX", Shape::AxisView, 0xffc62828, "-X" },
   IconRecipe{ "ViewPlusY", Shape::AxisView, 0xff2e7d32, "+Y" },
@@ -105,9 +106,9 @@ constexpr std::array k_Recipes = {
   IconRecipe{ "ViewPlusZ", Shape::AxisView, 0xff1565c0, "+Z" },
   IconRecipe{ "ViewMinusZ", Shape::AxisView, 0xff1565c0, "-Z" },
   IconRecipe{ "ImageView", Shape::Picture, 0xff455a64, nullptr },
-  IconRecipe{ "RotateClockwise", Shape::RotateCw, 0xff37474f, nullptr },
-  IconRecipe{ "RotateCounterClockwise", Shape::RotateCcw, 0xff37474f, nullptr },
-  IconRecipe{ "ResetCamera", Shape::FitAll, 0xff37474f, nullptr },
+  IconRecipe{ "RotateClockwise", Shape::RotateCw, 0xffb0bec5, nullptr },
+  IconRecipe{ "RotateCounterClockwise", Shape::RotateCcw, 0xffb0bec5, nullptr },
+  IconRecipe{ "ResetCamera", Shape::FitAll, 0xffb0bec5, nullptr },
   IconRecipe{ "CenterOfRotation", Shape::Crosshair, 0xffd84315, nullptr },
   IconRecipe{ "HoverPoints", Shape::PointerDot, 0xff2f6fb3, nullptr },
   IconRecipe{ "HoverCells", Shape::PointerCell, 0xffd08a2c, nullptr },
