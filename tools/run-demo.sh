@@ -33,7 +33,7 @@ have_display() {
 }
 
 # --size is the size of the render area, in the window and in the PNG
-viewer=("$build_dir/apps/viewer/kxvtk-viewer" --representation Surface --color-by EulerAngles --size 1024x768)
+viewer=("$build_dir/apps/viewer/kxvtk-viewer" --representation Surface --color-by EulerAngles --no-edges --size 1024x768)
 if have_display; then
   exec "${viewer[@]}" "${files[@]}"
 fi

@@ -393,6 +393,7 @@ void VXDataSource::initializeSettingsWidget()
   auto* grid = new QGridLayout(group);
   grid->addWidget(new QLabel("Solid Color: ", group), 0, 0);
   m_SolidColorButton = new KXColorButton(group);
+  VXUserPrompt::routeColorButton(m_SolidColorButton, QStringLiteral("Select Solid Color"));
   m_SolidColorButton->setColor(m_SolidColor);
   m_SolidColorButton->setToolTip(
     HtmlToolTip("Edit the solid color for all child data views not separated from this geometry"));
@@ -424,6 +425,8 @@ void VXDataSource::initializeSettingsWidget()
   m_SettingsScrollArea->setWidget(content);
 
   m_ColorPresetsDialog = new ColorPresetsDialog();
+  VXUserPrompt::routeColorButton(m_ColorPresetsDialog->nanColorButton(),
+                                 QStringLiteral("Select NaN Color"));
   m_ColorPresetsDialog->setNanColor(m_NanColor);
   connect(m_SolidColorButton, &KXColorButton::changedColor, this, &VXDataSource::setSolidColor);
   connect(m_ColorPresetsDialog, &ColorPresetsDialog::nanColorChanged, this,

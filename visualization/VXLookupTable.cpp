@@ -1,6 +1,7 @@
 #include "visualization/VXLookupTable.hpp"
 
 #include "utils/ColorUtils.hpp"
+#include "visualization/VXUserPrompt.hpp"
 
 #include <KXComponents/KXPreferences.hpp>
 
@@ -10,9 +11,7 @@
 #include <nlohmann/json.hpp>
 
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QCheckBox>
 #include <QtWidgets/QMessageBox>
-#include <QtWidgets/QPushButton>
 
 #include <algorithm>
 #include <cfloat>
@@ -37,8 +36,6 @@ const QList<QColor> VXLookupTable::m_DefaultIndexedColors = {
   QColor(143, 32, 223), QColor(179, 32, 223), QColor(217, 32, 223), QColor(223, 32, 191),
   QColor(223, 32, 156), QColor(223, 32, 121), QColor(223, 32, 83),  QColor(223, 32, 57),
 };
-
-VXLookupTable::AskUserFunction VXLookupTable::s_AskUserFunction;
 
 namespace
 {
@@ -149,30 +146,6 @@ void NanColorOf(const ColorPreset& preset, const double current[3], double nan[3
   }
 }
 
-VXLookupTable::UserAnswer ShowMessageBox(const VXLookupTable::UserQuestion& question)
-{
-  const bool warning = question.kind == VXLookupTable::UserQuestion::Kind::Warning;
-  QMessageBox box(warning ? QMessageBox::Warning : QMessageBox::Question, question.title,
-                  question.text, QMessageBox::NoButton, QApplication::activeWindow());
-  QList<QAbstractButton*> buttons;
-  for (const QString& text : question.buttons)
-  {
-    const auto role =
-      text == VXLookupTable::k_CancelButton ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
-    buttons.append(box.addButton(text, role));
-  }
-  QCheckBox* checkBox = nullptr;
-  if (!question.checkBoxText.isEmpty())
-  {
-    checkBox = new QCheckBox(question.checkBoxText, &box);
-    box.setCheckBox(checkBox);
-  }
-  box.exec();
-  VXLookupTable::UserAnswer answer;
-  answer.button = static_cast<int>(buttons.indexOf(box.clickedButton()));
-  answer.checkBoxChecked = checkBox != nullptr && checkBox->isChecked();
-  return answer;
-}
 } // namespace
 
 VXLookupTable::VXLookupTable(QObject* parent)
@@ -674,12 +647,14 @@ void VXLookupTable::parseIndexedJson(const ColorPreset& preset,
     {
       if (missing == Missing::NotAsked)
       {
-        UserQuestion question;
-        question.kind = UserQuestion::Kind::Question;
+        VXUserPrompt::Choice question;
+        question.icon = QMessageBox::Question;
         question.title = k_MissingValuesTitle;
         question.text = k_MissingValuesText;
         question.buttons = { k_UseNanColorButton, k_GenerateNewColorsButton, k_CancelButton };
-        const UserAnswer answer = askUser(question);
+        question.cancelButton = 2;
+        const VXUserPrompt::ChoiceAnswer answer =
+          VXUserPrompt::choose(QApplication::activeWindow(), question);
         if (answer.button == 0)
         {
           missing = Missing::UseNan;
@@ -836,9 +811,10 @@ VXLookupTable::IndexedValueWarning VXLookupTable::checkIndexedValueCount(int uni
                                                                          int presetColorCount,
                                                                          const QString& arrayName)
 {
-  UserQuestion question;
-  question.kind = UserQuestion::Kind::Warning;
+  VXUserPrompt::Choice question;
+  question.icon = QMessageBox::Warning;
   question.buttons = { QStringLiteral("OK") };
+  question.cancelButton = 0;
   question.checkBoxText = k_DoNotShowAgain;
 
   if ((uniqueValueCount < 1 || uniqueValueCount > k_MaxNumberIndexedColors) &&
@@ -846,7 +822,7 @@ VXLookupTable::IndexedValueWarning VXLookupTable::checkIndexedValueCount(int uni
   {
     question.title = k_TooManyValuesTitle;
     question.text = k_TooManyValuesText.arg(QString::number(k_MaxNumberIndexedColors), arrayName);
-    if (askUser(question).checkBoxChecked)
+    if (VXUserPrompt::choose(QApplication::activeWindow(), question).checkBoxChecked)
     {
       KXPreferences::setAllowTooManyIndexedValues(false);
       KXPreferences::writeSettings();
@@ -859,7 +835,7 @@ VXLookupTable::IndexedValueWarning VXLookupTable::checkIndexedValueCount(int uni
     question.text = k_MoreValuesThanColorsText.arg(QString::number(uniqueValueCount),
                                                    QString::number(presetColorCount),
                                                    QString::number(uniqueValueCount));
-    if (askUser(question).checkBoxChecked)
+    if (VXUserPrompt::choose(QApplication::activeWindow(), question).checkBoxChecked)
     {
       KXPreferences::setAllowMoreValuesThanIndexedColors(false);
       KXPreferences::writeSettings();
@@ -910,20 +886,6 @@ std::set<double> VXLookupTable::computeUniqueValues(vtkDataArray* array, int com
     }
   }
   return values;
-}
-
-void VXLookupTable::setAskUserFunction(AskUserFunction function)
-{
-  s_AskUserFunction = std::move(function);
-}
-
-VXLookupTable::UserAnswer VXLookupTable::askUser(const UserQuestion& question)
-{
-  if (s_AskUserFunction)
-  {
-    return s_AskUserFunction(question);
-  }
-  return ShowMessageBox(question);
 }
 
 QString VXLookupTable::presetRow(double x, double r, double g, double b)

@@ -39,8 +39,8 @@ class vtkDataArray;
  * values outside the range take the NaN colour as well.
  *
  * Questions to the user (missing annotated values, too many distinct values) go
- * through a replaceable function, so that tests and scripted hosts can answer
- * them without a modal dialog.
+ * through VXUserPrompt, so that tests and scripted hosts can answer them
+ * without a modal dialog.
  */
 class KXVTKLIB_EXPORT VXLookupTable : public QObject
 {
@@ -57,31 +57,6 @@ public:
   };
 
   /** A message box to show: title, text, button texts in order and an optional check box. */
-  struct UserQuestion
-  {
-    enum class Kind
-    {
-      Question,
-      Warning
-    };
-    Kind kind = Kind::Question;
-    QString title;
-    QString text;
-    QStringList buttons;
-    /** Text of a check box under the message; empty for none. */
-    QString checkBoxText;
-  };
-
-  /** The user's answer: the index of the chosen button (-1 when closed) and the check box. */
-  struct UserAnswer
-  {
-    int button = -1;
-    bool checkBoxChecked = false;
-  };
-
-  /** Shows a UserQuestion and returns the answer; the default shows a QMessageBox. */
-  using AskUserFunction = std::function<UserAnswer(const UserQuestion&)>;
-
   /** Which warning checkIndexedValueCount() showed. */
   enum class IndexedValueWarning
   {
@@ -233,11 +208,6 @@ public:
    */
   static std::set<double> computeUniqueValues(vtkDataArray* array, int component);
 
-  /** Replaces the message box; an empty function restores it. */
-  static void setAskUserFunction(AskUserFunction function);
-  /** Shows @p question through the current ask-user function. */
-  static UserAnswer askUser(const UserQuestion& question);
-
   /** The preset row text of a point: "x/r/g/b", each number with 6 significant digits. */
   static QString presetRow(double x, double r, double g, double b);
 
@@ -258,6 +228,4 @@ private:
   QList<QString> m_ColorPresetArray;
   QList<QString> m_IndexedPresetArray;
   vtkSmartPointer<vtkColorTransferFunction> m_ColorTransferFunction;
-
-  static AskUserFunction s_AskUserFunction;
 };

@@ -1,9 +1,8 @@
 #include "visualization/VXLookupTableModel.hpp"
 
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QColorDialog>
+#include "visualization/VXUserPrompt.hpp"
 
-VXLookupTableModel::ColorDialogFunction VXLookupTableModel::s_ColorDialogFunction;
+#include <QtWidgets/QApplication>
 
 VXLookupTableModel::VXLookupTableModel(QObject* parent)
   : QAbstractTableModel(parent)
@@ -147,11 +146,6 @@ QVariant VXLookupTableModel::headerData(int section, Qt::Orientation orientation
   return QAbstractTableModel::headerData(section, orientation, role);
 }
 
-void VXLookupTableModel::setColorDialogFunction(ColorDialogFunction function)
-{
-  s_ColorDialogFunction = std::move(function);
-}
-
 void VXLookupTableModel::colorButtonClicked(QModelIndex index)
 {
   if (!index.isValid() || index.row() >= m_Table.size())
@@ -159,16 +153,8 @@ void VXLookupTableModel::colorButtonClicked(QModelIndex index)
     return;
   }
   const QColor oldColor = m_Table[index.row()].color;
-  QColor color;
-  if (s_ColorDialogFunction)
-  {
-    color = s_ColorDialogFunction(oldColor, k_ColorDialogTitle);
-  }
-  else
-  {
-    color = QColorDialog::getColor(oldColor, QApplication::activeWindow(), k_ColorDialogTitle,
-                                   QColorDialog::DontUseNativeDialog);
-  }
+  const QColor color =
+    VXUserPrompt::getColor(QApplication::activeWindow(), oldColor, k_ColorDialogTitle);
   const QModelIndex colorIndex = this->index(index.row(), k_ColorColumn);
   setData(colorIndex, color.isValid() ? color : oldColor, Qt::EditRole);
 }

@@ -7,8 +7,6 @@
 #include <QtCore/QString>
 #include <QtGui/QColor>
 
-#include <functional>
-
 /**
  * The rows of an indexed (categorical) colour map as a table for the colour
  * editor: one row per annotated value, with its colour, value and annotation.
@@ -27,9 +25,6 @@ public:
     QString value;
     QString annotation;
   };
-
-  /** Picks a colour for a row; returns an invalid colour when cancelled. */
-  using ColorDialogFunction = std::function<QColor(const QColor& initial, const QString& title)>;
 
   static inline const QString k_TypeName = QStringLiteral("VXLookupTableModel");
   static constexpr int k_ColorColumn = 0;
@@ -69,9 +64,6 @@ public:
   bool removeRows(int row, int count, const QModelIndex& parent = QModelIndex()) override;
   using QAbstractTableModel::removeRow;
 
-  /** Replaces the colour dialog; an empty function restores QColorDialog. */
-  static void setColorDialogFunction(ColorDialogFunction function);
-
 public Q_SLOTS:
   /** Lets the user pick the colour of the row of @p index; cancelling keeps the old colour. */
   void colorButtonClicked(QModelIndex index);
@@ -82,6 +74,4 @@ Q_SIGNALS:
 
 private:
   QList<LUTEntry> m_Table;
-
-  static ColorDialogFunction s_ColorDialogFunction;
 };

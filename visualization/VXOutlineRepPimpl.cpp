@@ -5,6 +5,7 @@
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXOutlineRep.hpp"
 #include "visualization/VXRepresentationCallbacks.hpp"
+#include "visualization/VXUserPrompt.hpp"
 
 #include <KXComponents/KXColorButton.hpp>
 #include <KXComponents/KXIconPushButton.hpp>
@@ -546,6 +547,7 @@ void VXOutlineRepPimpl::buildSettingsPage()
           });
   coloring->addRow(m_DetachColorCheckBox, m_DataSourceButton);
   m_SolidColorButton = new KXColorButton(m_SolidColor, m_PageContent);
+  VXUserPrompt::routeColorButton(m_SolidColorButton, QStringLiteral("Select Solid Color"));
   m_SolidColorButton->setObjectName("m_SolidColorButton");
   m_SolidColorButton->setEnabled(m_DetachColorSettings);
   connect(m_SolidColorButton, &KXColorButton::changedColor, this,

@@ -9,6 +9,7 @@
 #include "visualization/VXPointsRep.hpp"
 #include "visualization/VXRepresentationCallbacks.hpp"
 #include "visualization/VXRepresentationUtils.hpp"
+#include "visualization/VXUserPrompt.hpp"
 
 #include <KXComponents/ColorPresetsDialog.hpp>
 #include <KXComponents/KXColorButton.hpp>
@@ -75,6 +76,8 @@ VXPointsRepPimpl::VXPointsRepPimpl(VXAbstractViewWidget* view, VXRepresentation*
   m_LookupTable = QSharedPointer<VXLookupTable>(new VXLookupTable());
   m_ColorPresetsDialog =
     QSharedPointer<ColorPresetsDialog>(new ColorPresetsDialog(), &QObject::deleteLater);
+  VXUserPrompt::routeColorButton(m_ColorPresetsDialog->nanColorButton(),
+                                 QStringLiteral("Select NaN Color"));
   connect(m_ColorPresetsDialog.data(), &ColorPresetsDialog::presetSelected, this,
           [this](const ColorPreset& preset)
           {

@@ -1,5 +1,9 @@
 #include "visualization/VXUserPrompt.hpp"
 
+#include <KXComponents/KXColorButton.hpp>
+
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QColorDialog>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QInputDialog>
 
@@ -32,6 +36,24 @@ VXUserPrompt::TextHandler& textHandler()
 VXUserPrompt::BoxHandler& boxHandler()
 {
   static VXUserPrompt::BoxHandler handler;
+  return handler;
+}
+
+VXUserPrompt::ChoiceHandler& choiceHandler()
+{
+  static VXUserPrompt::ChoiceHandler handler;
+  return handler;
+}
+
+VXUserPrompt::ColorHandler& colorHandler()
+{
+  static VXUserPrompt::ColorHandler handler;
+  return handler;
+}
+
+VXUserPrompt::DialogHandler& dialogHandler()
+{
+  static VXUserPrompt::DialogHandler handler;
   return handler;
 }
 } // namespace
@@ -99,4 +121,75 @@ void VXUserPrompt::setTextHandler(TextHandler handler)
 void VXUserPrompt::setBoxHandler(BoxHandler handler)
 {
   boxHandler() = std::move(handler);
+}
+
+VXUserPrompt::ChoiceAnswer VXUserPrompt::choose(QWidget* parent, const Choice& choice)
+{
+  if (choiceHandler())
+    return choiceHandler()(choice);
+  QMessageBox box(choice.icon, choice.title, choice.text, QMessageBox::NoButton, parent);
+  QList<QAbstractButton*> buttons;
+  for (qsizetype i = 0; i < choice.buttons.size(); ++i)
+  {
+    const auto role = i == choice.cancelButton ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
+    buttons.append(box.addButton(choice.buttons[i], role));
+  }
+  if (choice.cancelButton >= 0 && choice.cancelButton < buttons.size())
+    box.setEscapeButton(buttons[choice.cancelButton]);
+  if (!choice.checkBoxText.isEmpty())
+    box.setCheckBox(new QCheckBox(choice.checkBoxText, &box));
+  exec(box);
+  ChoiceAnswer answer;
+  answer.button = static_cast<int>(buttons.indexOf(box.clickedButton()));
+  answer.checkBoxChecked = box.checkBox() != nullptr && box.checkBox()->isChecked();
+  return answer;
+}
+
+QColor VXUserPrompt::getColor(QWidget* parent, const QColor& initial, const QString& title)
+{
+  if (colorHandler())
+    return colorHandler()(initial, title);
+  return QColorDialog::getColor(initial, parent, title, QColorDialog::DontUseNativeDialog);
+}
+
+void VXUserPrompt::routeColorButton(KXColorButton* button, const QString& title)
+{
+  if (button == nullptr)
+    return;
+  button->setColorChooser([title](const QColor& current, QWidget* parent)
+                          { return getColor(parent, current, title); });
+}
+
+int VXUserPrompt::execDialog(QDialog& dialog)
+{
+  if (dialogHandler())
+    return dialogHandler()(dialog);
+  return dialog.exec();
+}
+
+void VXUserPrompt::setChoiceHandler(ChoiceHandler handler)
+{
+  choiceHandler() = std::move(handler);
+}
+
+void VXUserPrompt::setColorHandler(ColorHandler handler)
+{
+  colorHandler() = std::move(handler);
+}
+
+void VXUserPrompt::setDialogHandler(DialogHandler handler)
+{
+  dialogHandler() = std::move(handler);
+}
+
+void VXUserPrompt::resetHandlers()
+{
+  setAskHandler({});
+  setOpenFileHandler({});
+  setSaveFileHandler({});
+  setTextHandler({});
+  setBoxHandler({});
+  setChoiceHandler({});
+  setColorHandler({});
+  setDialogHandler({});
 }

@@ -18,6 +18,8 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
 #include <QtGui/QImage>
+#include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QDialog>
 
 #include <cstdio>
 
@@ -50,6 +52,42 @@ ViewerApplication::ViewerApplication(ViewerOptions options)
         return question.defaultButton != QMessageBox::NoButton ? question.defaultButton
                                                                : QMessageBox::Ok;
       });
+    // boxes with their own buttons take the first answer that goes on; "do not show again"
+    // stays unchecked, so a batch run never changes the user's settings
+    VXUserPrompt::setChoiceHandler(
+      [](const VXUserPrompt::Choice& choice)
+      {
+        std::fprintf(stderr, "%s: %s\n", qPrintable(choice.title), qPrintable(choice.text));
+        VXUserPrompt::ChoiceAnswer answer;
+        for (int i = 0; i < choice.buttons.size(); ++i)
+        {
+          if (i != choice.cancelButton || i == choice.buttons.size() - 1)
+          {
+            answer.button = i;
+            break;
+          }
+        }
+        return answer;
+      });
+    VXUserPrompt::setBoxHandler(
+      [](QMessageBox& box)
+      {
+        std::fprintf(stderr, "%s: %s\n", qPrintable(box.windowTitle()), qPrintable(box.text()));
+        QAbstractButton* button = box.defaultButton();
+        if (button == nullptr)
+          button = box.escapeButton();
+        if (button == nullptr)
+          return int(QMessageBox::Cancel);
+        button->click();
+        return int(box.standardButton(button));
+      });
+    // files, text and colours are not asked for: the command line says everything
+    VXUserPrompt::setOpenFileHandler([](const QString&, const QString&) { return QString(); });
+    VXUserPrompt::setSaveFileHandler([](const QString&, const QString&) { return QString(); });
+    VXUserPrompt::setTextHandler([](const QString&, const QString&, const QString&)
+                                 { return QString(); });
+    VXUserPrompt::setColorHandler([](const QColor&, const QString&) { return QColor(); });
+    VXUserPrompt::setDialogHandler([](QDialog&) { return int(QDialog::Rejected); });
   }
   m_Window = std::make_unique<ViewerMainWindow>();
   m_Window->resize(m_Options.size);
@@ -63,8 +101,8 @@ ViewerApplication::ViewerApplication(ViewerOptions options)
 ViewerApplication::~ViewerApplication()
 {
   m_Window.reset();
-  VXUserPrompt::setAskHandler({});
-  VXUserPrompt::setSaveFileHandler({});
+  if (m_Options.isBatch())
+    VXUserPrompt::resetHandlers();
 }
 
 bool ViewerApplication::load()
@@ -92,6 +130,10 @@ bool ViewerApplication::load()
       return false;
     }
   }
+  if (!applyRequestedDataView())
+    return false;
+  if (m_Options.hideEdges)
+    hideEdges();
   if (!m_Options.stateFile.isEmpty())
   {
     if (!QFileInfo(m_Options.stateFile).isFile())
@@ -152,13 +194,71 @@ bool ViewerApplication::applyRepresentation()
   const VXRepresentation::Type type =
     VXRepresentation::k_RepresentationStringToType.value(m_Options.representation);
   // every kind of data set gets the chosen data view as its default
-  for (auto setter : { &VXPipeline::setDefaultImageGeomRepType,
-                       &VXPipeline::setDefaultRectGridRepType, &VXPipeline::setDefaultVertexRepType,
-                       &VXPipeline::setDefaultEdgeRepType, &VXPipeline::setDefaultTriangleRepType,
-                       &VXPipeline::setDefaultQuadRepType, &VXPipeline::setDefaultTetRepType,
-                       &VXPipeline::setDefaultHexRepType, &VXPipeline::setDefaultRepType })
-    setter(type);
+  m_Window->setDataViewForAll(type);
   return true;
+}
+
+bool ViewerApplication::applyRequestedDataView()
+{
+  if (m_Options.representation.isEmpty())
+    return true;
+  const VXRepresentation::Type type =
+    VXRepresentation::k_RepresentationStringToType.value(m_Options.representation);
+  const QString typeName = VXRepresentation::k_RepresentationTypeToString.value(type);
+  VXPipeline* pipeline = m_Window->module()->pipeline();
+  // the pipeline's defaults cover the common data sets; structured grids, triangle strips and
+  // meshes of other cells start as outlines, and the command line asks for its view everywhere
+  for (VXBridgeObject* bridge : pipeline->bridges())
+  {
+    for (VXDataSource* source : bridge->dataSources())
+    {
+      QList<VXRepresentation*> others;
+      bool present = false;
+      for (QObject* child : source->children())
+      {
+        if (auto* representation = qobject_cast<VXRepresentation*>(child))
+        {
+          if (representation->type() == type)
+            present = true;
+          else
+            others << representation;
+        }
+      }
+      if (!present && type != VXRepresentation::None && !pipeline->addRepresentation(source, type))
+      {
+        std::fprintf(stderr, "kxvtk-viewer: cannot show '%s' as %s: %s\n",
+                     qPrintable(source->name()), qPrintable(typeName),
+                     VXRepresentation::IsRegistered(type) ? "the data view could not be created"
+                                                          : "this data view is not available");
+        return false;
+      }
+      for (VXRepresentation* representation : std::as_const(others))
+        representation->removeModule();
+    }
+  }
+  settle();
+  return true;
+}
+
+void ViewerApplication::hideEdges()
+{
+  for (VXBridgeObject* bridge : m_Window->module()->pipeline()->bridges())
+  {
+    for (VXDataSource* source : bridge->dataSources())
+    {
+      for (QObject* child : source->children())
+      {
+        auto* representation = qobject_cast<VXRepresentation*>(child);
+        if (representation == nullptr)
+          continue;
+        for (VXRepresentationPimpl* split : representation->getDataViewSplits())
+        {
+          if (auto* drawn = dynamic_cast<VXOutlineRepPimpl*>(split))
+            drawn->setEdgeVisibility(false);
+        }
+      }
+    }
+  }
 }
 
 bool ViewerApplication::applyColoring()
@@ -166,6 +266,7 @@ bool ViewerApplication::applyColoring()
   if (m_Options.colorBy.isEmpty())
     return true;
   bool found = false;
+  int coloredViews = 0;
   for (VXBridgeObject* bridge : m_Window->module()->pipeline()->bridges())
   {
     for (VXDataSource* source : bridge->dataSources())
@@ -182,7 +283,10 @@ bool ViewerApplication::applyColoring()
         {
           // outlines have no colouring; every other data view colours by array
           if (auto* colored = dynamic_cast<VXPointsRepPimpl*>(split))
+          {
             colored->setActiveArray(m_Options.colorBy);
+            ++coloredViews;
+          }
           else
             std::fprintf(stderr, "kxvtk-viewer: the %s view of '%s' has no array colouring\n",
                          qPrintable(representation->humanTypeName()), qPrintable(source->name()));
@@ -191,9 +295,20 @@ bool ViewerApplication::applyColoring()
     }
   }
   if (!found)
+  {
     std::fprintf(stderr, "kxvtk-viewer: no data set has an array named '%s'\n",
                  qPrintable(m_Options.colorBy));
-  return found;
+    return false;
+  }
+  if (coloredViews == 0)
+  {
+    std::fprintf(stderr,
+                 "kxvtk-viewer: cannot colour by '%s': no data view that shows it has "
+                 "array colouring\n",
+                 qPrintable(m_Options.colorBy));
+    return false;
+  }
+  return true;
 }
 
 bool ViewerApplication::saveState()
@@ -209,7 +324,7 @@ bool ViewerApplication::saveState()
                                      });
   m_Window->module()->saveState();
   QObject::disconnect(connection);
-  VXUserPrompt::setSaveFileHandler({});
+  VXUserPrompt::setSaveFileHandler([](const QString&, const QString&) { return QString(); });
   if (!failures.isEmpty() || !QFileInfo(path).isFile())
   {
     std::fprintf(stderr, "kxvtk-viewer: failed to write state '%s'\n", qPrintable(path));

@@ -33,6 +33,10 @@ public:
 
 private:
   bool applyRepresentation();
+  /** Gives every data source the data view asked for, replacing the default where it differs. */
+  bool applyRequestedDataView();
+  /** Turns the cell edges of every data view off. */
+  void hideEdges();
   bool applyColoring();
   /** Points every view's camera obliquely at the whole scene. */
   void frameViews();

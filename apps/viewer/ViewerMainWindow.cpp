@@ -5,9 +5,13 @@
 #include <visualization/FileToVXBridge.hpp>
 #include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/QtWidgets/VXVisualizationModuleWidget.hpp>
+#include <visualization/VXDataSource.hpp>
 #include <visualization/VXPipeline.hpp>
 #include <visualization/VXPipelineModel.hpp>
 #include <visualization/VXUserPrompt.hpp>
+
+#include <vtkDataSet.h>
+#include <vtkType.h>
 
 #include <QtGui/QAction>
 #include <QtGui/QKeySequence>
@@ -17,10 +21,27 @@
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QPlainTextEdit>
 
+#include <utility>
+
 namespace
 {
 // big enough to look like a microstructure, small enough to build in a blink
 constexpr kx::core::usize k_HostSampleSize = 48;
+
+using Getter = VXRepresentation::Type (*)();
+using Setter = void (*)(VXRepresentation::Type);
+// the pipeline's defaults by kind of data set, in one order for saving and restoring
+const std::array<std::pair<Getter, Setter>, 9> k_Defaults = { {
+  { &VXPipeline::getDefaultRepType, &VXPipeline::setDefaultRepType },
+  { &VXPipeline::getDefaultImageGeomRepType, &VXPipeline::setDefaultImageGeomRepType },
+  { &VXPipeline::getDefaultRectGridRepType, &VXPipeline::setDefaultRectGridRepType },
+  { &VXPipeline::getDefaultVertexRepType, &VXPipeline::setDefaultVertexRepType },
+  { &VXPipeline::getDefaultEdgeRepType, &VXPipeline::setDefaultEdgeRepType },
+  { &VXPipeline::getDefaultTriangleRepType, &VXPipeline::setDefaultTriangleRepType },
+  { &VXPipeline::getDefaultQuadRepType, &VXPipeline::setDefaultQuadRepType },
+  { &VXPipeline::getDefaultTetRepType, &VXPipeline::setDefaultTetRepType },
+  { &VXPipeline::getDefaultHexRepType, &VXPipeline::setDefaultHexRepType },
+} };
 } // namespace
 
 ViewerMainWindow::ViewerMainWindow(QWidget* parent)
@@ -33,6 +54,7 @@ ViewerMainWindow::ViewerMainWindow(QWidget* parent)
   setCentralWidget(m_Module);
 
   auto* dock = new QDockWidget("Output", this);
+  m_OutputDock = dock;
   dock->setObjectName("outputDock");
   m_Output = new QPlainTextEdit(dock);
   m_Output->setObjectName("outputText");
@@ -43,13 +65,62 @@ ViewerMainWindow::ViewerMainWindow(QWidget* parent)
 
   connect(m_Module, &VXVisualizationModuleWidget::printOutput, this,
           &ViewerMainWindow::appendOutput);
+
+  for (std::size_t i = 0; i < k_Defaults.size(); ++i)
+    m_PreviousDefaults[i] = k_Defaults[i].first();
+  VXPipeline::setDefaultVertexRepType(VXRepresentation::Points);
+  VXPipeline::setDefaultEdgeRepType(VXRepresentation::Wireframe);
+  VXPipeline::setDefaultTriangleRepType(VXRepresentation::Surface);
+  VXPipeline::setDefaultQuadRepType(VXRepresentation::Surface);
+  VXPipeline::setDefaultTetRepType(VXRepresentation::Surface);
+  VXPipeline::setDefaultHexRepType(VXRepresentation::Surface);
+  // the pipeline announces a data source before it picks its data view
+  connect(m_Module->pipeline(), &VXPipeline::dataSourceAdded, this,
+          &ViewerMainWindow::chooseGridDataView);
   // the module asks its host to load state files; this host always agrees
   connect(m_Module, &VXVisualizationModuleWidget::loadStateRequested, m_Module,
           qOverload<QString>(&VXVisualizationModuleWidget::loadState));
   createMenus();
 }
 
-ViewerMainWindow::~ViewerMainWindow() = default;
+ViewerMainWindow::~ViewerMainWindow()
+{
+  for (std::size_t i = 0; i < k_Defaults.size(); ++i)
+    k_Defaults[i].second(m_PreviousDefaults[i]);
+}
+
+void ViewerMainWindow::showEvent(QShowEvent* event)
+{
+  QMainWindow::showEvent(event);
+  if (m_DocksSized)
+    return;
+  m_DocksSized = true;
+  // messages are few: five lines of output leave the pipeline browser and its settings the height
+  resizeDocks({ m_OutputDock }, { m_Output->fontMetrics().lineSpacing() * 5 + 24 }, Qt::Vertical);
+}
+
+void ViewerMainWindow::setDataViewForAll(VXRepresentation::Type type)
+{
+  m_GridDataViewBySize = false;
+  for (const auto& [getter, setter] : k_Defaults)
+    setter(type);
+}
+
+void ViewerMainWindow::chooseGridDataView(VXDataSource* source)
+{
+  if (!m_GridDataViewBySize || source == nullptr)
+    return;
+  vtkDataSet* data = source->getOutput();
+  if (data == nullptr)
+    return;
+  const VXRepresentation::Type type = data->GetNumberOfCells() > k_LargeGridCells
+                                        ? VXRepresentation::Outline
+                                        : VXRepresentation::Surface;
+  if (data->GetDataObjectType() == VTK_IMAGE_DATA)
+    VXPipeline::setDefaultImageGeomRepType(type);
+  else if (data->GetDataObjectType() == VTK_RECTILINEAR_GRID)
+    VXPipeline::setDefaultRectGridRepType(type);
+}
 
 void ViewerMainWindow::createMenus()
 {

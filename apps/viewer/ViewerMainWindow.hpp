@@ -3,27 +3,43 @@
 #include "SamplePipelineController.hpp"
 
 #include <kxcore/DataStructure.hpp>
+#include <visualization/VXRepresentation.hpp>
 
 #include <QtWidgets/QMainWindow>
 
+#include <array>
 #include <cstdint>
 #include <memory>
 
+class QDockWidget;
 class QPlainTextEdit;
+class VXDataSource;
 class VXVisualizationModuleWidget;
 
 /**
  * The viewer's window: the visualization module in the middle, its output in
  * a dock below, and menus for files, state files, screenshots, presets and a
  * stand-in host pipeline that feeds the module from memory.
+ *
+ * As the host, it chooses the first data view of each kind of data set: meshes
+ * and small grids as surfaces, points as points, lines as wireframes, and grids
+ * of more than k_LargeGridCells cells as outlines (a voxel surface of that size
+ * is slow and hides the inside). The pipeline's defaults are restored when the
+ * window goes.
  */
 class ViewerMainWindow : public QMainWindow
 {
   Q_OBJECT
 
 public:
+  /** Image and rectilinear grids with more cells than this open as outlines. */
+  static constexpr long long k_LargeGridCells = 64LL * 64 * 64;
+
   explicit ViewerMainWindow(QWidget* parent = nullptr);
   ~ViewerMainWindow() override;
+
+  /** Every data set opened from now on gets @p type, whatever its kind and size. */
+  void setDataViewForAll(VXRepresentation::Type type);
 
   VXVisualizationModuleWidget* module() const { return m_Module; }
   QPlainTextEdit* output() const { return m_Output; }
@@ -38,12 +54,22 @@ public Q_SLOTS:
   void rerunHostPipeline();
   void appendOutput(const QString& message);
 
+protected:
+  /** The first time: the output dock takes a few lines, the module the rest. */
+  void showEvent(QShowEvent* event) override;
+
 private:
   void createMenus();
+  /** Just before the pipeline picks a data view for @p source: grids by their size. */
+  void chooseGridDataView(VXDataSource* source);
 
   VXVisualizationModuleWidget* m_Module = nullptr;
   QPlainTextEdit* m_Output = nullptr;
   SamplePipelineController m_Controller;
   std::shared_ptr<kx::core::DataStructure> m_HostData;
   std::uint32_t m_HostRun = 0;
+  QDockWidget* m_OutputDock = nullptr;
+  bool m_DocksSized = false;
+  bool m_GridDataViewBySize = true;
+  std::array<VXRepresentation::Type, 9> m_PreviousDefaults{};
 };

@@ -15,6 +15,8 @@ struct ViewerOptions
   bool sizeGiven = false;
   QString representation;
   QString colorBy;
+  /** Faces without their cell edges (a voxel surface otherwise shows a moire of edges). */
+  bool hideEdges = false;
 
   /** Runs that end by themselves answer every question without a dialog. */
   bool isBatch() const { return !screenshotPath.isEmpty() || !saveStatePath.isEmpty(); }

@@ -2,7 +2,7 @@
 // them to a PNG / saves their state without a window.
 //
 //   kxvtk-viewer [--state FILE] [--save-state FILE] [--screenshot OUT.png] [--size WxH]
-//                [--representation NAME] [--color-by ARRAY] FILE...
+//                [--representation NAME] [--color-by ARRAY] [--no-edges] FILE...
 #include "ViewerApplication.hpp"
 
 #include <utils/GuiProcess.hpp>
@@ -33,7 +33,8 @@ int main(int argc, char** argv)
     "representation", "Data view for every data set: Outline, Points, Wireframe, Surface, ...",
     "NAME");
   const QCommandLineOption colorBy("color-by", "Colour by this point or cell array.", "ARRAY");
-  parser.addOptions({ state, saveState, screenshot, size, representation, colorBy });
+  const QCommandLineOption noEdges("no-edges", "Draw surfaces without their cell edges.");
+  parser.addOptions({ state, saveState, screenshot, size, representation, colorBy, noEdges });
   parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "[FILE...]");
   parser.process(app);
 
@@ -44,6 +45,7 @@ int main(int argc, char** argv)
   options.screenshotPath = parser.value(screenshot);
   options.representation = parser.value(representation);
   options.colorBy = parser.value(colorBy);
+  options.hideEdges = parser.isSet(noEdges);
   if (parser.isSet(size))
   {
     const QStringList dims = parser.value(size).split('x');

@@ -10,6 +10,7 @@
 #include <visualization/VXPipeline.hpp>
 #include <visualization/VXPointsRepPimpl.hpp>
 #include <visualization/VXRepresentation.hpp>
+#include <visualization/VXUserPrompt.hpp>
 
 #include <KXComponents/KXPreferences.hpp>
 #include <KXComponents/QtKXSettings.hpp>
@@ -75,18 +76,18 @@ class RecordedQuestions
 public:
   RecordedQuestions()
   {
-    VXLookupTable::setAskUserFunction(
-      [this](const VXLookupTable::UserQuestion& question)
+    VXUserPrompt::setChoiceHandler(
+      [this](const VXUserPrompt::Choice& question)
       {
         asked.push_back(question);
-        VXLookupTable::UserAnswer answer;
+        VXUserPrompt::ChoiceAnswer answer;
         answer.button = 0;
         answer.checkBoxChecked = checkDoNotShowAgain;
         return answer;
       });
   }
-  ~RecordedQuestions() { VXLookupTable::setAskUserFunction({}); }
-  std::vector<VXLookupTable::UserQuestion> asked;
+  ~RecordedQuestions() { VXUserPrompt::setChoiceHandler({}); }
+  std::vector<VXUserPrompt::Choice> asked;
   bool checkDoNotShowAgain = false;
 };
 

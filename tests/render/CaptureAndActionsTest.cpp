@@ -5,6 +5,7 @@
 #include "visualization/QtWidgets/VXViewActionsController.hpp"
 #include "visualization/QtWidgets/VXVisualizationToolbarWidget.hpp"
 #include "visualization/QtWidgets/VXPickerCallback.hpp"
+#include "visualization/VXUserPrompt.hpp"
 
 #include <KXComponents/KXColorButton.hpp>
 #include <KXComponents/KXPreferences.hpp>
@@ -23,6 +24,7 @@
 #include <QtCore/QFileInfo>
 #include <QtGui/QImage>
 #include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 #include <QtGui/QAction>
 
 using rendertest::EventCounter;
@@ -34,6 +36,11 @@ class Capture : public rendertest::ViewTest
 {
 protected:
   VXViewActionsController* controller() const { return m_View->getViewActionsController(); }
+  void TearDown() override
+  {
+    VXUserPrompt::resetHandlers();
+    rendertest::ViewTest::TearDown();
+  }
 
   /** A flat green plane covering the upper half of a camera looking down -Z at the origin. */
   void addUpperHalfPlane()
@@ -148,21 +155,31 @@ TEST_F(Capture, SaveScreenshotWritesTheChosenFile)
   QFile::remove(fileName);
   QString askedTitle;
   QString askedFilter;
-  controller()->setSaveFileNameProvider(
-    [&](QWidget*, const QString& title, const QString&, const QString& filter)
+  VXUserPrompt::setSaveFileHandler(
+    [&](const QString& title, const QString& filter)
     {
       askedTitle = title;
       askedFilter = filter;
       return fileName;
     });
   QColor offeredColor;
-  controller()->setScreenshotOptionsProvider(
-    [&](const QColor& defaultColor, QWidget*, bool& transparent, QColor& color)
+  QString colorTitle;
+  VXUserPrompt::setColorHandler(
+    [&](const QColor&, const QString& title)
     {
-      offeredColor = defaultColor;
-      transparent = false;
-      color = QColor(0, 0, 255);
-      return true;
+      colorTitle = title;
+      return QColor(0, 0, 255);
+    });
+  // the options dialog is answered as a user would: a click on its colour button, then OK
+  VXUserPrompt::setDialogHandler(
+    [&](QDialog& dialog)
+    {
+      auto* options = qobject_cast<VXScreenshotOptionsDialog*>(&dialog);
+      if (options == nullptr)
+        return int(QDialog::Rejected);
+      offeredColor = options->backgroundColor();
+      QTest::mouseClick(options->colorButton(), Qt::LeftButton);
+      return int(QDialog::Accepted);
     });
   QSignalSpy output(m_View.get(), &VXVisualizationWidget::printOutput);
   m_View->setRenderWindowBackgroundColor(QColor(255, 255, 0));
@@ -172,6 +189,7 @@ TEST_F(Capture, SaveScreenshotWritesTheChosenFile)
   EXPECT_EQ(askedFilter,
             QStringLiteral("PNG Image (*.png);;JPEG Image (*.jpg *.jpeg);;Bitmap Image (*.bmp)"));
   EXPECT_EQ(offeredColor, QColor(255, 255, 0));
+  EXPECT_EQ(colorTitle, QStringLiteral("Select Background Color"));
   EXPECT_EQ(output.count(), 0);
   QImage written(fileName);
   ASSERT_FALSE(written.isNull());
@@ -182,15 +200,8 @@ TEST_F(Capture, SaveScreenshotWritesTheChosenFile)
 TEST_F(Capture, UnwritableScreenshotIsReported)
 {
   const QString fileName = QStringLiteral("/nonexistent-folder-of-kxvtk/shot.png");
-  controller()->setSaveFileNameProvider(
-    [&](QWidget*, const QString&, const QString&, const QString&) { return fileName; });
-  controller()->setScreenshotOptionsProvider(
-    [](const QColor&, QWidget*, bool& transparent, QColor& color)
-    {
-      transparent = false;
-      color = Qt::black;
-      return true;
-    });
+  VXUserPrompt::setSaveFileHandler([&](const QString&, const QString&) { return fileName; });
+  VXUserPrompt::setDialogHandler([](QDialog&) { return int(QDialog::Accepted); });
   QSignalSpy output(m_View.get(), &VXVisualizationWidget::printOutput);
   controller()->saveScreenshot();
   ASSERT_EQ(output.count(), 1);
@@ -202,13 +213,12 @@ TEST_F(Capture, UnwritableScreenshotIsReported)
 TEST_F(Capture, CancelledScreenshotDialogsWriteNothing)
 {
   int optionsAsked = 0;
-  controller()->setSaveFileNameProvider([](QWidget*, const QString&, const QString&, const QString&)
-                                        { return QString(); });
-  controller()->setScreenshotOptionsProvider(
-    [&](const QColor&, QWidget*, bool&, QColor&)
+  VXUserPrompt::setSaveFileHandler([](const QString&, const QString&) { return QString(); });
+  VXUserPrompt::setDialogHandler(
+    [&](QDialog&)
     {
       ++optionsAsked;
-      return false;
+      return int(QDialog::Rejected);
     });
   QSignalSpy output(m_View.get(), &VXVisualizationWidget::printOutput);
   controller()->saveScreenshot();
@@ -217,8 +227,7 @@ TEST_F(Capture, CancelledScreenshotDialogsWriteNothing)
   const QString fileName =
     QStringLiteral(KXVTK_TEST_TMP_DIR) + QStringLiteral("/cancelled_shot.png");
   QFile::remove(fileName);
-  controller()->setSaveFileNameProvider(
-    [&](QWidget*, const QString&, const QString&, const QString&) { return fileName; });
+  VXUserPrompt::setSaveFileHandler([&](const QString&, const QString&) { return fileName; });
   controller()->saveScreenshot();
   EXPECT_EQ(optionsAsked, 1);
   EXPECT_FALSE(QFileInfo::exists(fileName));
@@ -228,8 +237,8 @@ TEST_F(Capture, CancelledScreenshotDialogsWriteNothing)
 TEST_F(Capture, ChangeBackgroundColourAsksAndColoursBothRenderers)
 {
   QString askedTitle;
-  controller()->setColorProvider(
-    [&](const QColor&, QWidget*, const QString& title)
+  VXUserPrompt::setColorHandler(
+    [&](const QColor&, const QString& title)
     {
       askedTitle = title;
       return QColor(0, 0, 255);
@@ -247,7 +256,7 @@ TEST_F(Capture, ChangeBackgroundColourAsksAndColoursBothRenderers)
   EXPECT_GE(frames.count(), 1);
 
   // a cancelled dialog changes nothing
-  controller()->setColorProvider([](const QColor&, QWidget*, const QString&) { return QColor(); });
+  VXUserPrompt::setColorHandler([](const QColor&, const QString&) { return QColor(); });
   controller()->changeBackgroundColor();
   m_View->getRenderer()->GetBackground(scene);
   EXPECT_DOUBLE_EQ(scene[2], 1.0);

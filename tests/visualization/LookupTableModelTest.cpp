@@ -1,5 +1,6 @@
 // The table model of an indexed colour map's rows.
 #include "visualization/VXLookupTableModel.hpp"
+#include "visualization/VXUserPrompt.hpp"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,7 @@ protected:
     m_Model.addRow(QColor(0, 255, 0), "2", "Austenite");
     m_Model.addRow(QColor(0, 0, 255), "3", "Pore");
   }
-  void TearDown() override { VXLookupTableModel::setColorDialogFunction({}); }
+  void TearDown() override { VXUserPrompt::setColorHandler({}); }
 
   VXLookupTableModel m_Model;
 };
@@ -96,7 +97,7 @@ TEST_F(LookupTableModelTest, ColourButtonTakesThePickedColourAndKeepsTheOldOnCan
   QString title;
   QColor initial;
   QColor answer(10, 20, 30);
-  VXLookupTableModel::setColorDialogFunction(
+  VXUserPrompt::setColorHandler(
     [&](const QColor& start, const QString& dialogTitle)
     {
       initial = start;

@@ -237,7 +237,7 @@ TEST_F(LookupTableTest, MoreValuesThanColoursWarningTextAndDoNotShowAgain)
   m_Answer.checkBoxChecked = true;
   VXLookupTable::checkIndexedValueCount(12, 10, "Phases");
   ASSERT_EQ(m_Questions.size(), 1u);
-  EXPECT_EQ(m_Questions[0].kind, VXLookupTable::UserQuestion::Kind::Warning);
+  EXPECT_EQ(m_Questions[0].icon, QMessageBox::Warning);
   EXPECT_EQ(m_Questions[0].title, "One or more colors mapping to multiple array values");
   EXPECT_EQ(
     m_Questions[0].text,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "visualization/VXLookupTable.hpp"
+#include "visualization/VXUserPrompt.hpp"
 
 #include <TestSupport.hpp>
 
@@ -83,8 +84,8 @@ protected:
     KXPreferences::setDefaultColorPreset(DefaultPreset());
     KXPreferences::setAllowTooManyIndexedValues(true);
     KXPreferences::setAllowMoreValuesThanIndexedColors(true);
-    VXLookupTable::setAskUserFunction(
-      [this](const VXLookupTable::UserQuestion& question)
+    VXUserPrompt::setChoiceHandler(
+      [this](const VXUserPrompt::Choice& question)
       {
         m_Questions.push_back(question);
         return m_Answer;
@@ -93,7 +94,7 @@ protected:
 
   void TearDown() override
   {
-    VXLookupTable::setAskUserFunction({});
+    VXUserPrompt::setChoiceHandler({});
     KXPreferences::setDefaultColorPreset(m_OldPreset);
     KXPreferences::setAllowTooManyIndexedValues(true);
     KXPreferences::setAllowMoreValuesThanIndexedColors(true);
@@ -112,7 +113,7 @@ protected:
   kxtest::TempDir m_Dir;
   QString m_OldSettingsPath;
   Preset m_OldPreset;
-  std::vector<VXLookupTable::UserQuestion> m_Questions;
-  VXLookupTable::UserAnswer m_Answer;
+  std::vector<VXUserPrompt::Choice> m_Questions;
+  VXUserPrompt::ChoiceAnswer m_Answer;
 };
 } // namespace lut

@@ -1,5 +1,7 @@
 #include "visualization/QtWidgets/VXGridAxesWidget.hpp"
 
+#include "visualization/VXUserPrompt.hpp"
+
 #include <KXComponents/KXColorButton.hpp>
 
 #include <QtCore/QSignalBlocker>
@@ -92,6 +94,7 @@ VXGridAxesWidget::VXGridAxesWidget(QWidget* parent)
 
   grid->addWidget(new QLabel(QStringLiteral("Grid Color:"), this), row, 0);
   m_ColorButton = new KXColorButton(Qt::white, this);
+  VXUserPrompt::routeColorButton(m_ColorButton, QStringLiteral("Select Grid Color"));
   m_ColorButton->setToolTip(QStringLiteral("Color applied to grid lines, bounding edges, tick "
                                            "marks, tick-value labels, and axis titles."));
   grid->addWidget(m_ColorButton, row++, 1);

@@ -1,5 +1,7 @@
 #include "visualization/QtWidgets/VXScreenshotOptionsDialog.hpp"
 
+#include "visualization/VXUserPrompt.hpp"
+
 #include <KXComponents/KXColorButton.hpp>
 
 #include <QtWidgets/QCheckBox>
@@ -15,6 +17,7 @@ VXScreenshotOptionsDialog::VXScreenshotOptionsDialog(const QColor& defaultColor,
   auto* form = new QFormLayout();
   m_TransparentCheck = new QCheckBox(tr("Transparent Background"), this);
   m_ColorButton = new KXColorButton(defaultColor, this);
+  VXUserPrompt::routeColorButton(m_ColorButton, tr("Select Background Color"));
   form->addRow(m_TransparentCheck);
   form->addRow(tr("Background Color:"), m_ColorButton);
   layout->addLayout(form);

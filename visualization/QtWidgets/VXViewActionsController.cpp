@@ -2,6 +2,7 @@
 
 #include "utils/GridAxesUtils.hpp"
 #include "visualization/QtWidgets/VXScreenshotOptionsDialog.hpp"
+#include "visualization/VXUserPrompt.hpp"
 
 #include <vtkAbstractVolumeMapper.h>
 #include <vtkBoundingBox.h>
@@ -17,12 +18,9 @@
 #include <vtkVolume.h>
 #include <vtkWindowToImageFilter.h>
 
-#include <QtCore/QDir>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QAction>
-#include <QtWidgets/QColorDialog>
-#include <QtWidgets/QFileDialog>
 #include <QtWidgets/QWidget>
 
 #include <algorithm>
@@ -122,27 +120,15 @@ void VXViewActionsController::saveScreenshot()
   const QString title = QStringLiteral("Save Screenshot");
   const QString filter =
     QStringLiteral("PNG Image (*.png);;JPEG Image (*.jpg *.jpeg);;Bitmap Image (*.bmp)");
-  const QString fileName =
-    m_SaveFileName ? m_SaveFileName(m_ViewWidget, title, QDir::currentPath(), filter)
-                   : QFileDialog::getSaveFileName(m_ViewWidget, title, QDir::currentPath(), filter);
+  const QString fileName = VXUserPrompt::getSaveFileName(m_ViewWidget, title, filter);
   if (fileName.isEmpty())
     return;
 
-  bool transparent = false;
-  QColor color = backgroundColor();
-  if (m_ScreenshotOptions)
-  {
-    if (!m_ScreenshotOptions(backgroundColor(), m_ViewWidget, transparent, color))
-      return;
-  }
-  else
-  {
-    VXScreenshotOptionsDialog dialog(backgroundColor(), m_ViewWidget);
-    if (dialog.exec() != QDialog::Accepted)
-      return;
-    transparent = dialog.transparentBackground();
-    color = dialog.backgroundColor();
-  }
+  VXScreenshotOptionsDialog dialog(backgroundColor(), m_ViewWidget);
+  if (VXUserPrompt::execDialog(dialog) != QDialog::Accepted)
+    return;
+  const bool transparent = dialog.transparentBackground();
+  const QColor color = dialog.backgroundColor();
 
   const QImage image = captureViewImage(transparent, color);
   if (image.isNull())
@@ -281,9 +267,7 @@ void VXViewActionsController::setBackgroundColorComponents(std::array<double, 3>
 void VXViewActionsController::changeBackgroundColor()
 {
   const QString title = QStringLiteral("Select Background Color");
-  const QColor color = m_ColorProvider
-                         ? m_ColorProvider(backgroundColor(), m_ViewWidget, title)
-                         : QColorDialog::getColor(backgroundColor(), m_ViewWidget, title);
+  const QColor color = VXUserPrompt::getColor(m_ViewWidget, backgroundColor(), title);
   if (color.isValid())
     setBackgroundColor(color);
 }

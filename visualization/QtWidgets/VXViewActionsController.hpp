@@ -28,8 +28,8 @@ class vtkRenderer;
  * image capture and screenshots, background colour, and the axes grid with its
  * options dialog. The render widget owns one and adapts it with hooks (hide the
  * toolbar during a capture, colour the outline renderer too, ...). The
- * dialogs a user would answer go through replaceable providers, so that a
- * host or a test can answer them without a modal loop.
+ * dialogs a user would answer go through VXUserPrompt, so that a host or a
+ * test can answer them without a modal loop.
  */
 class KXVTKLIB_EXPORT VXViewActionsController : public QObject
 {
@@ -39,15 +39,6 @@ public:
   using Hook = std::function<void()>;
   using BackgroundChangedHook = std::function<void(const QColor&)>;
   using DefaultBackgroundProvider = std::function<QColor()>;
-  /** Asks for a file name to save to: (parent, title, folder, filter); empty means cancelled. */
-  using SaveFileNameProvider = std::function<QString(QWidget* parent, const QString& title,
-                                                     const QString& dir, const QString& filter)>;
-  /** Asks for a colour: (initial, parent, title); invalid means cancelled. */
-  using ColorProvider =
-    std::function<QColor(const QColor& initial, QWidget* parent, const QString& title)>;
-  /** Asks the screenshot options: returns false when cancelled, else fills the flag and colour. */
-  using ScreenshotOptionsProvider = std::function<bool(const QColor& defaultColor, QWidget* parent,
-                                                       bool& transparent, QColor& color)>;
 
   /** @p renderer is the scene renderer; @p viewWidget parents the dialogs. */
   VXViewActionsController(vtkRenderer* renderer, QWidget* viewWidget, QObject* parent = nullptr);
@@ -62,18 +53,6 @@ public:
   void setDefaultBackgroundProvider(DefaultBackgroundProvider provider)
   {
     m_DefaultBackground = std::move(provider);
-  }
-  /** Replaces the QFileDialog of "Save Screenshot ..."; an empty function restores it. */
-  void setSaveFileNameProvider(SaveFileNameProvider provider)
-  {
-    m_SaveFileName = std::move(provider);
-  }
-  /** Replaces the QColorDialog of "Change Background Color"; an empty function restores it. */
-  void setColorProvider(ColorProvider provider) { m_ColorProvider = std::move(provider); }
-  /** Replaces the VXScreenshotOptionsDialog; an empty function restores it. */
-  void setScreenshotOptionsProvider(ScreenshotOptionsProvider provider)
-  {
-    m_ScreenshotOptions = std::move(provider);
   }
 
   /**
@@ -164,9 +143,6 @@ private:
   Hook m_PostCaptureHook;
   BackgroundChangedHook m_BackgroundChangedHook;
   DefaultBackgroundProvider m_DefaultBackground;
-  SaveFileNameProvider m_SaveFileName;
-  ColorProvider m_ColorProvider;
-  ScreenshotOptionsProvider m_ScreenshotOptions;
 
   QAction* m_SaveScreenshotAction = nullptr;
   QAction* m_CopyScreenshotAction = nullptr;

@@ -2,9 +2,36 @@
 
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 
+#include <KXComponents/KXStyle.hpp>
+
+#include <QtCore/QHash>
 #include <QtCore/QSignalBlocker>
 #include <QtWidgets/QToolButton>
 #include <QtWidgets/QVBoxLayout>
+
+namespace
+{
+/** The theme icon of each button, by the button's name. */
+QString IconNameOf(const QString& button)
+{
+  static const QHash<QString, QString> s_Names = {
+    { QStringLiteral("+X"), QStringLiteral("ViewPlusX") },
+    { QStringLiteral("-X"), QStringLiteral("ViewMinusX") },
+    { QStringLiteral("+Y"), QStringLiteral("ViewPlusY") },
+    { QStringLiteral("-Y"), QStringLiteral("ViewMinusY") },
+    { QStringLiteral("+Z"), QStringLiteral("ViewPlusZ") },
+    { QStringLiteral("-Z"), QStringLiteral("ViewMinusZ") },
+    { QStringLiteral("Img"), QStringLiteral("ImageView") },
+    { QStringLiteral("CW"), QStringLiteral("RotateClockwise") },
+    { QStringLiteral("CCW"), QStringLiteral("RotateCounterClockwise") },
+    { QStringLiteral("Reset"), QStringLiteral("ResetCamera") },
+    { QStringLiteral("CoR"), QStringLiteral("CenterOfRotation") },
+    { QStringLiteral("Pts"), QStringLiteral("HoverPoints") },
+    { QStringLiteral("Cells"), QStringLiteral("HoverCells") },
+  };
+  return s_Names.value(button);
+}
+} // namespace
 
 VXVisualizationToolbarWidget::VXVisualizationToolbarWidget(VXVisualizationWidget* view)
   : QWidget(view)
@@ -59,6 +86,10 @@ QToolButton* VXVisualizationToolbarWidget::addButton(const QString& text, const 
   auto* button = new QToolButton(this);
   button->setText(text);
   button->setToolTip(toolTip);
+  // the icon stands for the text; the text stays for the accessibility name
+  button->setIcon(KXStyle::generateThemeIconFromName(IconNameOf(text)));
+  button->setIconSize(QSize(18, 18));
+  button->setToolButtonStyle(Qt::ToolButtonIconOnly);
   button->setCheckable(checkable);
   button->setAutoRaise(true);
   button->setObjectName(text);

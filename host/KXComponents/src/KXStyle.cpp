@@ -44,6 +44,15 @@ enum class Shape
   Floppy,      // save
   Grid,        // axes grid
   Chain,       // link
+  AxisView,    // look along an axis: rounded square with "+X" and the like
+  Picture,     // framed landscape: the image view
+  RotateCw,    // round arrow turning clockwise
+  RotateCcw,   // round arrow turning counterclockwise
+  FitAll,      // box inside four corner brackets: show everything
+  Crosshair,   // ring and cross: centre of rotation
+  PointerDot,  // mouse pointer over a point
+  PointerCell, // mouse pointer over a cell
+  Pencil,      // edit
 };
 
 struct IconRecipe
@@ -51,42 +60,58 @@ struct IconRecipe
   const char* name;
   Shape shape;
   QRgb color;
-  char letter; // '\0' for none
+  const char* letter; // null for none
 };
 
 // The single list of theme icon names; tests iterate over KXStyle::iconNames().
 constexpr std::array k_Recipes = {
-  IconRecipe{ "PipelineFileBridgeObj", Shape::Document, 0xff3d7cc9, 'F' },
-  IconRecipe{ "DataSource", Shape::Database, 0xff3a9d5d, '\0' },
-  IconRecipe{ "VertexGeometry", Shape::Points, 0xff2f6fb3, '\0' },
-  IconRecipe{ "Cells", Shape::Cells, 0xffd08a2c, '\0' },
-  IconRecipe{ "TriangleGeometry", Shape::Triangle, 0xff8c5bc7, '\0' },
-  IconRecipe{ "Wireframe", Shape::Wireframe, 0xff4f9fb8, '\0' },
-  IconRecipe{ "Visualization", Shape::BoxOutline, 0xff5a6d84, '\0' },
-  IconRecipe{ "SliceView", Shape::Slice, 0xff2c9c9c, '\0' },
-  IconRecipe{ "VolumeView", Shape::Volume, 0xffc0504d, '\0' },
-  IconRecipe{ "GlyphView", Shape::Glyphs, 0xff9a7b2f, '\0' },
-  IconRecipe{ "VXPipelineTreeIcon", Shape::Tree, 0xff607d8b, '\0' },
-  IconRecipe{ "Eye", Shape::Eye, 0xff37474f, '\0' },
-  IconRecipe{ "Close", Shape::Cross, 0xffc62828, '\0' },
-  IconRecipe{ "Split Horizontal", Shape::SplitH, 0xff455a64, '\0' },
-  IconRecipe{ "Split Vertical", Shape::SplitV, 0xff455a64, '\0' },
-  IconRecipe{ "Run", Shape::Play, 0xff2e7d32, '\0' },
-  IconRecipe{ "target", Shape::Target, 0xffd84315, '\0' },
-  IconRecipe{ "Undo", Shape::Undo, 0xff1565c0, '\0' },
-  IconRecipe{ "preset", Shape::Gradient, 0xff000000, '\0' },
-  IconRecipe{ "invert", Shape::Invert, 0xff212121, '\0' },
-  IconRecipe{ "ScaleToData", Shape::ScaleArrows, 0xff00838f, '\0' },
-  IconRecipe{ "CustomRange", Shape::Range, 0xff6a1b9a, '\0' },
-  IconRecipe{ "Help", Shape::Circle, 0xff1e88e5, '?' },
-  IconRecipe{ "Save", Shape::Floppy, 0xff3949ab, '\0' },
-  IconRecipe{ "GridAxes", Shape::Grid, 0xff546e7a, '\0' },
-  IconRecipe{ "Link", Shape::Chain, 0xff546e7a, '\0' },
-  IconRecipe{ "Sync", Shape::Circle, 0xff00897b, 'S' },
-  IconRecipe{ "Settings", Shape::Badge, 0xff757575, 'S' },
-  IconRecipe{ "Filter", Shape::Badge, 0xff7cb342, 'F' },
-  IconRecipe{ "Threshold", Shape::Badge, 0xffef6c00, 'T' },
-  IconRecipe{ "Clip", Shape::Badge, 0xff5e35b1, 'C' },
+  IconRecipe{ "PipelineFileBridgeObj", Shape::Document, 0xff3d7cc9, "F" },
+  IconRecipe{ "DataSource", Shape::Database, 0xff3a9d5d, nullptr },
+  IconRecipe{ "VertexGeometry", Shape::Points, 0xff2f6fb3, nullptr },
+  IconRecipe{ "Cells", Shape::Cells, 0xffd08a2c, nullptr },
+  IconRecipe{ "TriangleGeometry", Shape::Triangle, 0xff8c5bc7, nullptr },
+  IconRecipe{ "Wireframe", Shape::Wireframe, 0xff4f9fb8, nullptr },
+  IconRecipe{ "Visualization", Shape::BoxOutline, 0xff5a6d84, nullptr },
+  IconRecipe{ "SliceView", Shape::Slice, 0xff2c9c9c, nullptr },
+  IconRecipe{ "VolumeView", Shape::Volume, 0xffc0504d, nullptr },
+  IconRecipe{ "GlyphView", Shape::Glyphs, 0xff9a7b2f, nullptr },
+  IconRecipe{ "VXPipelineTreeIcon", Shape::Tree, 0xff607d8b, nullptr },
+  IconRecipe{ "Eye", Shape::Eye, 0xff37474f, nullptr },
+  IconRecipe{ "Close", Shape::Cross, 0xffc62828, nullptr },
+  IconRecipe{ "Split Horizontal", Shape::SplitH, 0xff455a64, nullptr },
+  IconRecipe{ "Split Vertical", Shape::SplitV, 0xff455a64, nullptr },
+  IconRecipe{ "Run", Shape::Play, 0xff2e7d32, nullptr },
+  IconRecipe{ "target", Shape::Target, 0xffd84315, nullptr },
+  IconRecipe{ "Undo", Shape::Undo, 0xff1565c0, nullptr },
+  IconRecipe{ "preset", Shape::Gradient, 0xff000000, nullptr },
+  IconRecipe{ "invert", Shape::Invert, 0xff212121, nullptr },
+  IconRecipe{ "ScaleToData", Shape::ScaleArrows, 0xff00838f, nullptr },
+  IconRecipe{ "CustomRange", Shape::Range, 0xff6a1b9a, nullptr },
+  IconRecipe{ "Help", Shape::Circle, 0xff1e88e5, "?" },
+  IconRecipe{ "Save", Shape::Floppy, 0xff3949ab, nullptr },
+  IconRecipe{ "GridAxes", Shape::Grid, 0xff546e7a, nullptr },
+  IconRecipe{ "Link", Shape::Chain, 0xff546e7a, nullptr },
+  IconRecipe{ "Sync", Shape::Circle, 0xff00897b, "S" },
+  IconRecipe{ "Settings", Shape::Badge, 0xff757575, "S" },
+  IconRecipe{ "Filter", Shape::Badge, 0xff7cb342, "F" },
+  IconRecipe{ "Threshold", Shape::Badge, 0xffef6c00, "T" },
+  IconRecipe{ "Clip", Shape::Badge, 0xff5e35b1, "C" },
+  IconRecipe{ "Edit", Shape::Pencil, 0xffef8f00, nullptr },
+  // the render view's tool strip, drawn over the dark view: axes in the usual red, green, blue,
+  // the camera moves in a light grey
+  IconRecipe{ "ViewPlusX", Shape::AxisView, 0xffc62828, "+X" },
+  IconRecipe{ "ViewMinusX", Shape::AxisView, 0xffc62828, "-X" },
+  IconRecipe{ "ViewPlusY", Shape::AxisView, 0xff2e7d32, "+Y" },
+  IconRecipe{ "ViewMinusY", Shape::AxisView, 0xff2e7d32, "-Y" },
+  IconRecipe{ "ViewPlusZ", Shape::AxisView, 0xff1565c0, "+Z" },
+  IconRecipe{ "ViewMinusZ", Shape::AxisView, 0xff1565c0, "-Z" },
+  IconRecipe{ "ImageView", Shape::Picture, 0xff455a64, nullptr },
+  IconRecipe{ "RotateClockwise", Shape::RotateCw, 0xffb0bec5, nullptr },
+  IconRecipe{ "RotateCounterClockwise", Shape::RotateCcw, 0xffb0bec5, nullptr },
+  IconRecipe{ "ResetCamera", Shape::FitAll, 0xffb0bec5, nullptr },
+  IconRecipe{ "CenterOfRotation", Shape::Crosshair, 0xffd84315, nullptr },
+  IconRecipe{ "HoverPoints", Shape::PointerDot, 0xff2f6fb3, nullptr },
+  IconRecipe{ "HoverCells", Shape::PointerCell, 0xffd08a2c, nullptr },
 };
 
 std::optional<IconRecipe> FindRecipe(const QString& name)
@@ -101,14 +126,19 @@ std::optional<IconRecipe> FindRecipe(const QString& name)
   return std::nullopt;
 }
 
-void DrawLetter(QPainter& p, const QRectF& rect, char letter, const QColor& color)
+void DrawLetter(QPainter& p, const QRectF& rect, const char* letter, const QColor& color,
+                qreal scale = 0.8)
 {
+  if (letter == nullptr)
+  {
+    return;
+  }
   QFont font = p.font();
   font.setBold(true);
-  font.setPixelSize(static_cast<int>(rect.height() * 0.8));
+  font.setPixelSize(qMax(1, static_cast<int>(rect.height() * scale)));
   p.setFont(font);
   p.setPen(color);
-  p.drawText(rect, Qt::AlignCenter, QString(QChar::fromLatin1(letter)));
+  p.drawText(rect, Qt::AlignCenter, QString::fromLatin1(letter));
 }
 
 QPen Stroke(const QColor& color, qreal width = 1.5)
@@ -117,7 +147,7 @@ QPen Stroke(const QColor& color, qreal width = 1.5)
 }
 
 /** Draws the recipe in 16 x 16 units; the painter is scaled to the pixmap. */
-void DrawRecipe(QPainter& p, Shape shape, const QColor& c, char letter)
+void DrawRecipe(QPainter& p, Shape shape, const QColor& c, const char* letter)
 {
   const QColor light = c.lighter(160);
   switch (shape)
@@ -379,6 +409,113 @@ void DrawRecipe(QPainter& p, Shape shape, const QColor& c, char letter)
       p.drawRoundedRect(QRectF(1.5, 5, 8, 6), 3, 3);
       p.drawRoundedRect(QRectF(6.5, 5, 8, 6), 3, 3);
       break;
+    case Shape::AxisView:
+    {
+      const bool minus = letter != nullptr && letter[0] == '-';
+      p.setPen(Stroke(c.darker(130), 1));
+      p.setBrush(minus ? QBrush(Qt::white) : QBrush(c));
+      p.drawRoundedRect(QRectF(1, 1, 14, 14), 3, 3);
+      DrawLetter(p, QRectF(0.5, 1, 15, 14), letter, minus ? c.darker(120) : QColor(Qt::white),
+                 0.62);
+      break;
+    }
+    case Shape::Picture:
+      p.setPen(Stroke(c, 1.2));
+      p.setBrush(Qt::white);
+      p.drawRect(QRectF(1.5, 2.5, 13, 11));
+      p.setPen(Qt::NoPen);
+      p.setBrush(QColor(0xff, 0xb3, 0x00));
+      p.drawEllipse(QPointF(11, 5.5), 1.6, 1.6);
+      p.setBrush(QColor(0x43, 0xa0, 0x47));
+      p.drawPolygon(QPolygonF({ QPointF(2.2, 12.8), QPointF(6, 6.5), QPointF(9, 10.5),
+                                QPointF(10.5, 8.5), QPointF(13.8, 12.8) }));
+      break;
+    case Shape::RotateCw:
+    case Shape::RotateCcw:
+    {
+      const bool clockwise = shape == Shape::RotateCw;
+      p.save();
+      if (!clockwise)
+      {
+        // the mirror image turns the other way
+        p.translate(16, 0);
+        p.scale(-1, 1);
+      }
+      p.setPen(Stroke(c, 1.8));
+      p.setBrush(Qt::NoBrush);
+      // three quarters of a circle, open at the top right, ending in an arrow head
+      p.drawArc(QRectF(2.5, 3, 11, 11), 60 * 16, 270 * 16);
+      p.setPen(Qt::NoPen);
+      p.setBrush(c);
+      p.drawPolygon(QPolygonF({ QPointF(9.2, 0.8), QPointF(13.2, 3.6), QPointF(8.6, 6.4) }));
+      p.restore();
+      break;
+    }
+    case Shape::FitAll:
+      p.setPen(Stroke(c, 1.5));
+      p.setBrush(Qt::NoBrush);
+      for (const QPointF& corner :
+           { QPointF(1.5, 1.5), QPointF(14.5, 1.5), QPointF(1.5, 14.5), QPointF(14.5, 14.5) })
+      {
+        const qreal dx = corner.x() < 8 ? 4 : -4;
+        const qreal dy = corner.y() < 8 ? 4 : -4;
+        p.drawLine(corner, corner + QPointF(dx, 0));
+        p.drawLine(corner, corner + QPointF(0, dy));
+      }
+      p.setPen(Stroke(c.lighter(140), 1));
+      p.setBrush(c.lighter(170));
+      p.drawRect(QRectF(5, 5, 6, 6));
+      break;
+    case Shape::Crosshair:
+      p.setPen(Stroke(c, 1.3));
+      p.setBrush(Qt::NoBrush);
+      p.drawEllipse(QPointF(8, 8), 4.8, 4.8);
+      p.drawLine(QPointF(8, 0.8), QPointF(8, 5));
+      p.drawLine(QPointF(8, 11), QPointF(8, 15.2));
+      p.drawLine(QPointF(0.8, 8), QPointF(5, 8));
+      p.drawLine(QPointF(11, 8), QPointF(15.2, 8));
+      p.setPen(Qt::NoPen);
+      p.setBrush(c);
+      p.drawEllipse(QPointF(8, 8), 1.5, 1.5);
+      break;
+    case Shape::PointerDot:
+    case Shape::PointerCell:
+    {
+      p.setPen(Stroke(c.darker(120), 1));
+      if (shape == Shape::PointerDot)
+      {
+        p.setBrush(c);
+        p.drawEllipse(QPointF(4.5, 4.5), 3.2, 3.2);
+      }
+      else
+      {
+        p.setBrush(c.lighter(130));
+        p.drawRect(QRectF(1, 1, 8, 8));
+      }
+      // the mouse pointer, tip on the point or cell
+      const QPolygonF pointer({ QPointF(5.5, 5.5), QPointF(5.5, 15), QPointF(8.2, 12.3),
+                                QPointF(10.2, 15.5), QPointF(11.8, 14.7), QPointF(9.8, 11.5),
+                                QPointF(13.5, 11.2) });
+      p.setPen(Stroke(Qt::black, 0.9));
+      p.setBrush(Qt::white);
+      p.drawPolygon(pointer);
+      break;
+    }
+    case Shape::Pencil:
+    {
+      p.save();
+      p.translate(8, 8);
+      p.rotate(45);
+      p.setPen(Stroke(c.darker(150), 0.9));
+      p.setBrush(c);
+      p.drawRect(QRectF(-2, -7, 4, 10));
+      p.setBrush(QColor(0xf0, 0xd0, 0xa0));
+      p.drawPolygon(QPolygonF({ QPointF(-2, 3), QPointF(2, 3), QPointF(0, 7) }));
+      p.setBrush(QColor(0xe5, 0x73, 0x73));
+      p.drawRect(QRectF(-2, -8.5, 4, 1.8));
+      p.restore();
+      break;
+    }
   }
 }
 
@@ -408,7 +545,7 @@ QIcon MakeFallbackIcon()
       p.setPen(Qt::NoPen);
       p.setBrush(QColor(255, 0, 255));
       p.drawRect(QRectF(0, 0, 16, 16));
-      DrawLetter(p, QRectF(0, 0, 16, 16), '?', Qt::black);
+      DrawLetter(p, QRectF(0, 0, 16, 16), "?", Qt::black);
     });
 }
 
