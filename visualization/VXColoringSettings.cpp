@@ -10,7 +10,7 @@ namespace
 using S = VXColoringSettings;
 using Defaults = VXColoringSettings::Defaults;
 
-template <typename T>
+template<typename T>
 constexpr bool IsArray = std::is_same_v<T, S::Pair> || std::is_same_v<T, S::Triple>;
 
 bool HasAllKeys(const nlohmann::json& input, const std::vector<const char*>& keys)
@@ -44,19 +44,22 @@ const std::vector<VXColoringSettings::Field>& VXColoringSettings::fields()
 {
   static const std::vector<Field> table = {
     { { "scalar_bar_visible" }, &S::showLegend, Defaults::LoadSave, { true } },
-    { { "active_array" }, &S::activeArray },
-    { { "active_component" }, &S::activeComponent },
+    { { "active_array" }, &S::activeArray, Defaults::None, {} },
+    { { "active_component" }, &S::activeComponent, Defaults::None, {} },
     { { "scalar_mapping" }, &S::scalarMapping, Defaults::LoadSave, { 1 } },
     { { "color_map_inverted" }, &S::colorMapInverted, Defaults::LoadSave, { false } },
-    { { "color_preset" }, &S::colorPreset },
-    { { "indexed_color_preset" }, &S::indexedColorPreset },
+    { { "color_preset" }, &S::colorPreset, Defaults::None, {} },
+    { { "indexed_color_preset" }, &S::indexedColorPreset, Defaults::None, {} },
     { { "using_default_preset" }, &S::usingDefaultPreset, Defaults::LoadSave, { true } },
     { { "using_default_indexed_preset" },
       &S::usingDefaultIndexedPreset,
       Defaults::LoadSave,
       { true } },
     { { "using_custom_range" }, &S::usingCustomRange, Defaults::LoadOnly, { false } },
-    { { "custom_range_min", "custom_range_max" }, &S::customRange, Defaults::LoadOnly, { 0.0, 1.0 } },
+    { { "custom_range_min", "custom_range_max" },
+      &S::customRange,
+      Defaults::LoadOnly,
+      { 0.0, 1.0 } },
     { { "using_solid_color" }, &S::useSolidColor, Defaults::LoadSave, { false } },
     { { "values_as_categories" }, &S::valuesAsCategories, Defaults::LoadSave, { false } },
     { { "generate_histogram_data" }, &S::generateHistogram, Defaults::LoadSave, { false } },

@@ -74,7 +74,7 @@ struct KXVTKLIB_EXPORT VXColoringSettings
     Member member;
     Defaults defaults = Defaults::None;
     /** The value a settings key falls back to (one per key). */
-    std::vector<QVariant> settingsDefaults;
+    std::vector<QVariant> settingsDefaults = {};
     /** Written only when legendPlaced is set. */
     bool legendOnly = false;
   };

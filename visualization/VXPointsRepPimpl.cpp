@@ -502,6 +502,7 @@ void VXPointsRepPimpl::setInterpretValuesAsCategories(bool categories)
   }
   if (m_Mapper != nullptr)
     m_Mapper->SetLookupTable(m_LookupTable->getColorTransferFunction());
+  updateLegendTextSide();
   if (m_CategoriesCheckBox != nullptr)
   {
     const QSignalBlocker blocker(m_CategoriesCheckBox);
@@ -650,9 +651,7 @@ void VXPointsRepPimpl::setupScalarBar()
     m_ScalarBarWidget->SetRepresentation(m_ScalarBarRepresentation);
     vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
     bar->SetNumberOfLabels(5);
-    // the box is at the right edge of the view: labels go before (left of) the bar, and
-    // title and labels are sized to fit the box instead of running out of the view
-    bar->SetTextPositionToPrecedeScalarBar();
+    // title, labels and annotations are sized to fit the box instead of running out of the view
     bar->SetUnconstrainedFontSize(false);
     bar->SetAnnotationTextScaling(true);
     bar->SetBarRatio(0.3);
@@ -662,6 +661,7 @@ void VXPointsRepPimpl::setupScalarBar()
     bar->GetTitleTextProperty()->SetColor(0.5, 0.5, 0.0);
   }
   vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
+  updateLegendTextSide();
   bar->SetTitle(m_LegendTitle.toStdString().c_str());
   if (m_Mapper != nullptr)
     bar->SetLookupTable(m_Mapper->GetLookupTable());
@@ -677,6 +677,19 @@ void VXPointsRepPimpl::setupScalarBar()
   if (m_ScalarBarWidget->GetInteractor() != nullptr)
     m_ScalarBarWidget->SetEnabled(
       m_Coloring.showLegend && m_Visible && !m_Coloring.useSolidColor ? 1 : 0);
+}
+
+void VXPointsRepPimpl::updateLegendTextSide()
+{
+  if (m_ScalarBarRepresentation == nullptr)
+    return;
+  // the box ends at the right edge of the view: the text goes on its left side, which is where
+  // the tick labels precede the bar and where the category annotations go when labels succeed it
+  vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
+  if (m_Coloring.valuesAsCategories)
+    bar->SetTextPositionToSucceedScalarBar();
+  else
+    bar->SetTextPositionToPrecedeScalarBar();
 }
 
 void VXPointsRepPimpl::setScalarBarVisibility(bool visible)

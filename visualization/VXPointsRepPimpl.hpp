@@ -150,6 +150,8 @@ protected:
   vtkDataArray* activeDataArray() const;
   /** Sets up the legend once and applies title, table and visibility. */
   void setupScalarBar();
+  /** Puts the legend's text on the side of the bar that faces into the view. */
+  void updateLegendTextSide();
   void applyIndexedPreset();
   /** The stored RGB preset (or the default one) onto the table, inverted if asked. */
   void applyRgbPreset();
