@@ -3,6 +3,7 @@
 #include <vtkAlgorithm.h>
 
 #include "utils/KXVtkModuleUtils.hpp"
+#include "visualization/QtWidgets/VXCustomRangeDialog.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXLookupTable.hpp"
@@ -81,15 +82,17 @@ VXPointsRepPimpl::VXPointsRepPimpl(VXAbstractViewWidget* view, VXRepresentation*
   connect(m_ColorPresetsDialog.data(), &ColorPresetsDialog::presetSelected, this,
           [this](const ColorPreset& preset)
           {
-            if (m_ValuesAsCategories)
+            if (m_Coloring.valuesAsCategories)
               loadIndexedPresetColors(preset);
             else
               loadRGBPresetColors(preset);
             requestRender();
           });
+  m_CustomRangeDialog =
+    QSharedPointer<VXCustomRangeDialog>(new VXCustomRangeDialog(), &QObject::deleteLater);
+  connect(m_CustomRangeDialog.data(), &VXCustomRangeDialog::rangeAccepted, this,
+          &VXPointsRepPimpl::rescaleToCustomRange);
   m_ScalarBarWidget = vtkSmartPointer<vtkScalarBarWidget>::New();
-  m_ColorPreset = KXPreferences::getDefaultColorPreset();
-  m_IndexedColorPreset = KXPreferences::getDefaultIndexedColorPreset();
   m_LookupTable->setNANColor(nanColorFromPreferences());
   if (owner != nullptr)
   {
@@ -117,7 +120,7 @@ vtkDataSet* VXPointsRepPimpl::inputDataSet() const
 
 vtkDataArray* VXPointsRepPimpl::activeDataArray() const
 {
-  return KXVtkModule::utils::GetActiveDataArray(inputDataSet(), m_ActiveArray);
+  return KXVtkModule::utils::GetActiveDataArray(inputDataSet(), m_Coloring.activeArray);
 }
 
 vtkAlgorithmOutput* VXPointsRepPimpl::outputPort()
@@ -177,41 +180,47 @@ bool VXPointsRepPimpl::initialize(vtkAlgorithmOutput* port)
     m_LookupTable = QSharedPointer<VXLookupTable>(new VXLookupTable());
 
   vtkDataArray* array = nullptr;
-  if (!m_UseSolidColor)
+  if (!m_Coloring.useSolidColor)
   {
-    if (!m_ActiveArray.isEmpty())
-      array = KXVtkModule::utils::GetActiveDataArray(data, m_ActiveArray);
+    if (!m_Coloring.activeArray.isEmpty())
+      array = KXVtkModule::utils::GetActiveDataArray(data, m_Coloring.activeArray);
     else
     {
       array = KXVtkModule::utils::GetActiveCellArray(data);
       if (array == nullptr)
         array = KXVtkModule::utils::GetActivePointArray(data);
       if (array != nullptr && array->GetName() != nullptr)
-        m_ActiveArray = QString::fromUtf8(array->GetName());
+        m_Coloring.activeArray = QString::fromUtf8(array->GetName());
     }
   }
   double dataRange[2] = { 0.0, 1.0 };
   if (array != nullptr)
-    array->GetFiniteRange(dataRange, m_ActiveComponent);
+    array->GetFiniteRange(dataRange, m_Coloring.activeComponent);
   else
     data->GetScalarRange(dataRange);
-  if (!m_UsingCustomRange)
+  if (!m_Coloring.usingCustomRange)
+  {
     m_LookupTable->setRange(dataRange[0], dataRange[1]);
+    m_CustomRangeDialog->setRange(dataRange[0], dataRange[1]);
+  }
   else
-    m_LookupTable->setRange(m_CustomRange[0], m_CustomRange[1]);
+  {
+    m_LookupTable->setRange(m_Coloring.customRange[0], m_Coloring.customRange[1]);
+    m_CustomRangeDialog->setRangeAndValues({ dataRange[0], dataRange[1] }, m_Coloring.customRange);
+  }
 
-  if (!m_ValuesAsCategories && !m_UsingDefaultPreset)
-    m_LookupTable->parseRgbJson(m_ColorPreset);
-  if (m_ColorMapInverted)
+  if (!m_Coloring.valuesAsCategories && !m_Coloring.usingDefaultPreset)
+    m_LookupTable->parseRgbJson(m_Coloring.colorPreset);
+  if (m_Coloring.colorMapInverted)
     m_LookupTable->invert();
   m_Mapper->SetLookupTable(m_LookupTable->getColorTransferFunction());
-  if (m_ValuesAsCategories)
+  if (m_Coloring.valuesAsCategories)
     setInterpretValuesAsCategories(true);
 
   {
     // the active array must not reset the custom range that was just applied
-    const int component = m_ActiveComponent;
-    setActiveArray(m_UseSolidColor ? QString() : m_ActiveArray);
+    const int component = m_Coloring.activeComponent;
+    setActiveArray(m_Coloring.useSolidColor ? QString() : m_Coloring.activeArray);
     setActiveComponent(component);
   }
   m_Actor->GetProperty()->SetPointSize(static_cast<float>(m_PointSize));
@@ -263,17 +272,17 @@ void VXPointsRepPimpl::setActiveArray(const QString& arrayName)
   vtkDataSet* input = m_Mapper != nullptr ? m_Mapper->GetInput() : nullptr;
   if (input == nullptr)
     return;
-  const bool colouring = !m_UseSolidColor;
-  m_ActiveArray = colouring ? arrayName : QString("");
+  const bool colouring = !m_Coloring.useSolidColor;
+  m_Coloring.activeArray = colouring ? arrayName : QString("");
   for (QWidget* control : { static_cast<QWidget*>(m_ComponentCombo.data()),
                             static_cast<QWidget*>(m_EditColorMapButton.data()) })
   {
     if (control != nullptr)
       control->setEnabled(colouring);
   }
-  if (!m_ActiveArray.isEmpty() && colouring)
+  if (!m_Coloring.activeArray.isEmpty() && colouring)
   {
-    const std::string name = m_ActiveArray.toStdString();
+    const std::string name = m_Coloring.activeArray.toStdString();
     if (input->GetPointData()->GetArray(name.c_str()) != nullptr)
       input->GetPointData()->SetActiveScalars(name.c_str());
     else if (input->GetCellData()->GetArray(name.c_str()) != nullptr)
@@ -290,40 +299,40 @@ void VXPointsRepPimpl::setActiveArray(const QString& arrayName)
                                      m_SolidColor.blueF());
   }
   if (m_DetachColorSettings && m_SolidColorButton != nullptr)
-    m_SolidColorButton->setEnabled(m_UseSolidColor || arrayName.isEmpty());
+    m_SolidColorButton->setEnabled(m_Coloring.useSolidColor || arrayName.isEmpty());
   refillComponentCombo();
-  setActiveComponent(m_ActiveComponent);
+  setActiveComponent(m_Coloring.activeComponent);
   requestRender();
 }
 
 void VXPointsRepPimpl::setActiveComponent(int component)
 {
   vtkDataSet* data = inputDataSet();
-  vtkDataArray* array = KXVtkModule::utils::GetActiveDataArray(data, m_ActiveArray);
+  vtkDataArray* array = KXVtkModule::utils::GetActiveDataArray(data, m_Coloring.activeArray);
   if (data == nullptr || array == nullptr)
     return;
   const int c = component < -1 ? -1 : component;
-  const std::string name = m_ActiveArray.toStdString();
+  const std::string name = m_Coloring.activeArray.toStdString();
   if (data->GetPointData()->GetArray(name.c_str()) != nullptr)
     m_Mapper->SetScalarModeToUsePointFieldData();
   else
     m_Mapper->SetScalarModeToUseCellFieldData();
   m_Mapper->ColorByArrayComponent(name.c_str(), c);
-  KXVtkModule::utils::UpdateColorMode(m_ScalarMapping, m_Owner, m_Actor, m_Mapper, m_ActiveArray,
-                                      &m_ScalarMapping, false);
+  KXVtkModule::utils::UpdateColorMode(m_Coloring.scalarMapping, m_Owner, m_Actor, m_Mapper,
+                                      m_Coloring.activeArray, &m_Coloring.scalarMapping, false);
   const int n = array->GetNumberOfComponents();
   vtkScalarsToColors* table = m_Mapper->GetLookupTable();
   if (n == 1)
   {
     if (table != nullptr)
       table->SetVectorModeToComponent();
-    m_LegendTitle = m_ActiveArray;
+    m_LegendTitle = m_Coloring.activeArray;
   }
   else if (c == -1)
   {
     if (table != nullptr)
       table->SetVectorModeToMagnitude();
-    m_LegendTitle = m_ActiveArray + "\nMagnitude";
+    m_LegendTitle = m_Coloring.activeArray + "\nMagnitude";
   }
   else if (c < n)
   {
@@ -332,20 +341,26 @@ void VXPointsRepPimpl::setActiveComponent(int component)
       table->SetVectorModeToComponent();
       table->SetVectorComponent(c);
     }
-    m_LegendTitle = m_ActiveArray + "\n(Comp " + QString::number(c) + ")";
+    m_LegendTitle = m_Coloring.activeArray + "\n(Comp " + QString::number(c) + ")";
   }
-  m_ActiveComponent = c;
+  m_Coloring.activeComponent = c;
   setScalarBarTitleText(m_LegendTitle);
-  if (!m_ActiveArray.isEmpty() && !m_UseSolidColor)
+  if (!m_Coloring.activeArray.isEmpty() && !m_Coloring.useSolidColor)
   {
     m_BlockHistogram = true;
-    if (m_UsingCustomRange)
-      m_LookupTable->setRange(m_CustomRange[0], m_CustomRange[1]);
+    if (m_Coloring.usingCustomRange)
+    {
+      m_LookupTable->setRange(m_Coloring.customRange[0], m_Coloring.customRange[1]);
+      double dataRange[2] = { 0.0, 1.0 };
+      array->GetFiniteRange(dataRange, c);
+      m_CustomRangeDialog->setRangeAndValues({ dataRange[0], dataRange[1] },
+                                             m_Coloring.customRange);
+    }
     else
       rescaleToDataRange();
     m_BlockHistogram = false;
   }
-  if (m_ValuesAsCategories)
+  if (m_Coloring.valuesAsCategories)
     setInterpretValuesAsCategories(true);
   updateHistogram();
 }
@@ -356,42 +371,51 @@ void VXPointsRepPimpl::rescaleToDataRange()
   if (data == nullptr)
     return;
   double range[2] = { 0.0, 1.0 };
-  if (vtkDataArray* array = KXVtkModule::utils::GetActiveDataArray(data, m_ActiveArray))
-    array->GetFiniteRange(range, m_ActiveComponent);
+  if (vtkDataArray* array = KXVtkModule::utils::GetActiveDataArray(data, m_Coloring.activeArray))
+    array->GetFiniteRange(range, m_Coloring.activeComponent);
   else
     data->GetScalarRange(range);
   m_LookupTable->setRange(range[0], range[1]);
-  m_UsingCustomRange = false;
+  m_CustomRangeDialog->setRange(range[0], range[1]);
+  m_Coloring.usingCustomRange = false;
   updateHistogram();
   requestRender();
 }
 
 void VXPointsRepPimpl::rescaleToCustomRange(double min, double max)
 {
-  m_CustomRange = { min, max };
+  m_Coloring.customRange = { min, max };
   m_LookupTable->setRange(min, max);
-  m_UsingCustomRange = true;
+  m_CustomRangeDialog->setRangeAndValues(m_CustomRangeDialog->dataRange(), { min, max });
+  m_Coloring.usingCustomRange = true;
   updateHistogram();
   requestRender();
 }
 
+void VXPointsRepPimpl::openCustomRangeDialog()
+{
+  // window modal but not blocking: scripted runs and tests answer it through its fields
+  m_CustomRangeDialog->open();
+  m_CustomRangeDialog->raise();
+}
+
 void VXPointsRepPimpl::setUseSolidColor(bool checked)
 {
-  m_UseSolidColor = checked;
-  const int component = m_ActiveComponent;
+  m_Coloring.useSolidColor = checked;
+  const int component = m_Coloring.activeComponent;
   m_BlockHistogram = true;
   if (checked)
     setActiveArray(QString(""));
   else
-    setActiveArray(m_ArrayCombo != nullptr ? m_ArrayCombo->currentText() : m_ActiveArray);
-  m_ActiveComponent = component;
+    setActiveArray(m_ArrayCombo != nullptr ? m_ArrayCombo->currentText() : m_Coloring.activeArray);
+  m_Coloring.activeComponent = component;
   m_BlockHistogram = false;
   if (m_HistogramCheckBox != nullptr)
-    m_HistogramCheckBox->setEnabled(!m_UseSolidColor);
-  if (!m_UseSolidColor)
+    m_HistogramCheckBox->setEnabled(!m_Coloring.useSolidColor);
+  if (!m_Coloring.useSolidColor)
   {
     refillComponentCombo();
-    setActiveComponent(m_ActiveComponent);
+    setActiveComponent(m_Coloring.activeComponent);
   }
   if (m_SolidColorCheckBox != nullptr)
   {
@@ -403,10 +427,10 @@ void VXPointsRepPimpl::setUseSolidColor(bool checked)
 
 void VXPointsRepPimpl::updateColorMode(int index)
 {
-  // the stored-mode target is the active component and the texture follows m_ScalarMapping:
-  // this crossing is what existing state files and hosts expect
-  KXVtkModule::utils::UpdateColorMode(index, m_Owner, m_Actor, m_Mapper, m_ActiveArray,
-                                      &m_ActiveComponent, m_ScalarMapping != 0);
+  // the stored-mode target is the active component and the texture follows
+  // m_Coloring.scalarMapping: this crossing is what existing state files and hosts expect
+  KXVtkModule::utils::UpdateColorMode(index, m_Owner, m_Actor, m_Mapper, m_Coloring.activeArray,
+                                      &m_Coloring.activeComponent, m_Coloring.scalarMapping != 0);
   requestRender();
 }
 
@@ -454,38 +478,35 @@ std::set<double> VXPointsRepPimpl::computeUniqueValues(const QString& arrayName,
 
 void VXPointsRepPimpl::applyIndexedPreset()
 {
-  const ColorPreset preset = m_UsingDefaultIndexedPreset
+  const ColorPreset preset = m_Coloring.usingDefaultIndexedPreset
                                ? KXPreferences::getDefaultIndexedColorPreset()
-                               : m_IndexedColorPreset;
-  const std::set<double> values = computeUniqueValues(m_ActiveArray, m_ActiveComponent);
+                               : m_Coloring.indexedColorPreset;
+  const std::set<double> values =
+    computeUniqueValues(m_Coloring.activeArray, m_Coloring.activeComponent);
   const int presetColors = static_cast<int>(preset.indexedColors.size() / 3);
   VXLookupTable::checkIndexedValueCount(static_cast<int>(values.size()), presetColors,
-                                        m_ActiveArray);
+                                        m_Coloring.activeArray);
   m_LookupTable->parseIndexedJson(preset, values);
 }
 
 void VXPointsRepPimpl::setInterpretValuesAsCategories(bool categories)
 {
-  m_ValuesAsCategories = categories;
+  m_Coloring.valuesAsCategories = categories;
   if (categories)
   {
     applyIndexedPreset();
   }
   else
   {
-    if (m_UsingDefaultPreset)
-      m_LookupTable->createDefaultRgbColorTransferFunction();
-    else
-      m_LookupTable->parseRgbJson(m_ColorPreset);
-    if (m_UsingCustomRange)
-      m_LookupTable->setRange(m_CustomRange[0], m_CustomRange[1]);
+    applyRgbPreset();
+    if (m_Coloring.usingCustomRange)
+      m_LookupTable->setRange(m_Coloring.customRange[0], m_Coloring.customRange[1]);
     else
       rescaleToDataRange();
-    if (m_ColorMapInverted != m_LookupTable->isInverted())
-      m_LookupTable->invert();
   }
   if (m_Mapper != nullptr)
     m_Mapper->SetLookupTable(m_LookupTable->getColorTransferFunction());
+  updateLegendTextSide();
   if (m_CategoriesCheckBox != nullptr)
   {
     const QSignalBlocker blocker(m_CategoriesCheckBox);
@@ -494,51 +515,60 @@ void VXPointsRepPimpl::setInterpretValuesAsCategories(bool categories)
   requestRender();
 }
 
+void VXPointsRepPimpl::applyRgbPreset()
+{
+  // a preset is parsed in its own order: start upright so that the inverted flag stays true
+  if (m_LookupTable->isInverted())
+    m_LookupTable->invert();
+  if (m_Coloring.usingDefaultPreset)
+    m_LookupTable->createDefaultRgbColorTransferFunction();
+  else
+    m_LookupTable->parseRgbJson(m_Coloring.colorPreset);
+  if (m_Coloring.colorMapInverted)
+    m_LookupTable->invert();
+}
+
 void VXPointsRepPimpl::loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset)
 {
-  m_LookupTable->parseRgbJson(preset);
-  m_ColorPreset = preset;
-  m_UsingDefaultPreset = false;
-  if (m_ColorMapInverted)
-    m_LookupTable->invert();
+  m_Coloring.colorPreset = preset;
+  m_Coloring.usingDefaultPreset = false;
+  applyRgbPreset();
   requestRender();
 }
 
 void VXPointsRepPimpl::restoreDefaultRgbPresetColors()
 {
-  m_LookupTable->createDefaultRgbColorTransferFunction();
-  m_UsingDefaultPreset = true;
-  m_ColorPreset = KXPreferences::getDefaultColorPreset();
-  if (m_ColorMapInverted)
-    m_LookupTable->invert();
+  m_Coloring.usingDefaultPreset = true;
+  m_Coloring.colorPreset = KXPreferences::getDefaultColorPreset();
+  applyRgbPreset();
   requestRender();
 }
 
 void VXPointsRepPimpl::loadIndexedPresetColors(kx::core::ColorTableUtilities::ColorPreset preset)
 {
-  m_IndexedColorPreset = preset;
-  m_UsingDefaultIndexedPreset = false;
+  m_Coloring.indexedColorPreset = preset;
+  m_Coloring.usingDefaultIndexedPreset = false;
   applyIndexedPreset();
-  if (m_ColorMapInverted)
+  if (m_Coloring.colorMapInverted)
     m_LookupTable->invert();
   requestRender();
 }
 
 void VXPointsRepPimpl::restoreDefaultIndexedPresetColors()
 {
-  m_UsingDefaultIndexedPreset = true;
-  m_IndexedColorPreset = KXPreferences::getDefaultIndexedColorPreset();
+  m_Coloring.usingDefaultIndexedPreset = true;
+  m_Coloring.indexedColorPreset = KXPreferences::getDefaultIndexedColorPreset();
   applyIndexedPreset();
-  if (m_ColorMapInverted)
+  if (m_Coloring.colorMapInverted)
     m_LookupTable->invert();
   requestRender();
 }
 
 void VXPointsRepPimpl::setColorMapInverted(bool inverted)
 {
-  if (inverted == m_ColorMapInverted)
+  if (inverted == m_Coloring.colorMapInverted)
     return;
-  m_ColorMapInverted = inverted;
+  m_Coloring.colorMapInverted = inverted;
   m_LookupTable->invert();
   requestRender();
 }
@@ -570,7 +600,7 @@ void VXPointsRepPimpl::connectParentColorSignals(bool trigger)
   m_ParentColorConnections.append(connect(source, &VXDataSource::loadPresetColors, this,
                                           [this](const ColorPreset& preset)
                                           {
-                                            if (m_ValuesAsCategories)
+                                            if (m_Coloring.valuesAsCategories)
                                               loadIndexedPresetColors(preset);
                                             else
                                               loadRGBPresetColors(preset);
@@ -578,7 +608,7 @@ void VXPointsRepPimpl::connectParentColorSignals(bool trigger)
   m_ParentColorConnections.append(connect(source, &VXDataSource::restoreDefaultPresetColors, this,
                                           [this]()
                                           {
-                                            if (m_ValuesAsCategories)
+                                            if (m_Coloring.valuesAsCategories)
                                               restoreDefaultIndexedPresetColors();
                                             else
                                               restoreDefaultRgbPresetColors();
@@ -620,20 +650,22 @@ void VXPointsRepPimpl::setupScalarBar()
   if (m_ScalarBarRepresentation == nullptr)
   {
     m_ScalarBarRepresentation = vtkSmartPointer<vtkScalarBarRepresentation>::New();
-    m_ScalarBarRepresentation->SetPosition(m_LegendPositions[0], m_LegendPositions[1]);
-    m_ScalarBarRepresentation->SetPosition2(m_LegendPositions[2], m_LegendPositions[3]);
+    m_ScalarBarRepresentation->SetPosition(m_Coloring.legendPosition.data());
+    m_ScalarBarRepresentation->SetPosition2(m_Coloring.legendPosition2.data());
     m_ScalarBarWidget->SetRepresentation(m_ScalarBarRepresentation);
     vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
     bar->SetNumberOfLabels(5);
-    bar->SetBarRatio(0.4);
-    bar->SetTitleRatio(0.15);
+    // title, labels and annotations are sized to fit the box instead of running out of the view
+    bar->SetUnconstrainedFontSize(false);
+    bar->SetAnnotationTextScaling(true);
+    bar->SetBarRatio(0.3);
+    bar->SetTitleRatio(0.5);
+    bar->SetTextPad(2);
     bar->GetTitleTextProperty()->SetJustificationToCentered();
-    bar->GetTitleTextProperty()->SetFontSize(15);
     bar->GetTitleTextProperty()->SetColor(0.5, 0.5, 0.0);
-    bar->GetLabelTextProperty()->SetFontSize(15);
-    bar->SetUnconstrainedFontSize(true);
   }
   vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
+  updateLegendTextSide();
   bar->SetTitle(m_LegendTitle.toStdString().c_str());
   if (m_Mapper != nullptr)
     bar->SetLookupTable(m_Mapper->GetLookupTable());
@@ -647,12 +679,26 @@ void VXPointsRepPimpl::setupScalarBar()
     }
   }
   if (m_ScalarBarWidget->GetInteractor() != nullptr)
-    m_ScalarBarWidget->SetEnabled(m_ShowLegend && m_Visible && !m_UseSolidColor ? 1 : 0);
+    m_ScalarBarWidget->SetEnabled(
+      m_Coloring.showLegend && m_Visible && !m_Coloring.useSolidColor ? 1 : 0);
+}
+
+void VXPointsRepPimpl::updateLegendTextSide()
+{
+  if (m_ScalarBarRepresentation == nullptr)
+    return;
+  // the box ends at the right edge of the view: the text goes on its left side, which is where
+  // the tick labels precede the bar and where the category annotations go when labels succeed it
+  vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
+  if (m_Coloring.valuesAsCategories)
+    bar->SetTextPositionToSucceedScalarBar();
+  else
+    bar->SetTextPositionToPrecedeScalarBar();
 }
 
 void VXPointsRepPimpl::setScalarBarVisibility(bool visible)
 {
-  m_ShowLegend = visible;
+  m_Coloring.showLegend = visible;
   if (m_Initialized)
     setupScalarBar();
   if (m_LegendCheckBox != nullptr)
@@ -672,11 +718,12 @@ void VXPointsRepPimpl::setScalarBarTitleText(QString arrayName)
 
 void VXPointsRepPimpl::setVisibility(bool visible)
 {
-  const bool legend = m_ShowLegend;
+  const bool legend = m_Coloring.showLegend;
   VXOutlineRepPimpl::setVisibility(visible);
-  m_ShowLegend = legend;
+  m_Coloring.showLegend = legend;
   if (m_ScalarBarWidget != nullptr && m_ScalarBarWidget->GetInteractor() != nullptr)
-    m_ScalarBarWidget->SetEnabled(m_ShowLegend && visible && !m_UseSolidColor ? 1 : 0);
+    m_ScalarBarWidget->SetEnabled(
+      m_Coloring.showLegend && visible && !m_Coloring.useSolidColor ? 1 : 0);
   requestRender();
   if (visible && m_Owner != nullptr && outputPort() != nullptr)
   {
@@ -712,21 +759,21 @@ void VXPointsRepPimpl::setRenderPointsAsSpheres(bool spheres)
 
 void VXPointsRepPimpl::setGenerateHistogram(bool generate)
 {
-  m_GenerateHistogram = generate;
+  m_Coloring.generateHistogram = generate;
   updateHistogram();
 }
 
 void VXPointsRepPimpl::updateHistogram()
 {
-  if (m_BlockHistogram || !m_GenerateHistogram)
+  if (m_BlockHistogram || !m_Coloring.generateHistogram)
     return;
   vtkDataArray* array = activeDataArray();
   if (array == nullptr)
     return;
   const std::array<double, 2> range = m_LookupTable->getRange();
-  Q_EMIT histogramDataChanged(array, m_ActiveComponent, m_UsingCustomRange,
-                              m_UsingCustomRange ? m_CustomRange[0] : range[0],
-                              m_UsingCustomRange ? m_CustomRange[1] : range[1]);
+  Q_EMIT histogramDataChanged(array, m_Coloring.activeComponent, m_Coloring.usingCustomRange,
+                              m_Coloring.usingCustomRange ? m_Coloring.customRange[0] : range[0],
+                              m_Coloring.usingCustomRange ? m_Coloring.customRange[1] : range[1]);
 }
 
 void VXPointsRepPimpl::decimateGeometry()
@@ -776,17 +823,17 @@ void VXPointsRepPimpl::receivePipelineOutputReloaded()
     source != nullptr ? source->getImportedArrayNames().keys() : QStringList();
   if (m_ArrayCombo == nullptr)
   {
-    if (!names.contains(m_ActiveArray) && !names.isEmpty())
+    if (!names.contains(m_Coloring.activeArray) && !names.isEmpty())
       setActiveArray(names.first());
     else if (m_Initialized)
-      setActiveArray(m_UseSolidColor ? QString() : m_ActiveArray);
-    setScalarBarVisibility(m_ShowLegend);
+      setActiveArray(m_Coloring.useSolidColor ? QString() : m_Coloring.activeArray);
+    setScalarBarVisibility(m_Coloring.showLegend);
     return;
   }
   const QString componentText =
     m_ComponentCombo != nullptr ? m_ComponentCombo->currentText() : QString();
   updateArrayColoringChoices();
-  if (names.contains(m_ActiveArray))
+  if (names.contains(m_Coloring.activeArray))
   {
     if (m_ComponentCombo != nullptr)
     {
@@ -794,13 +841,13 @@ void VXPointsRepPimpl::receivePipelineOutputReloaded()
       if (index >= 0)
         m_ComponentCombo->setCurrentIndex(index);
     }
-    setActiveComponent(m_ActiveComponent);
+    setActiveComponent(m_Coloring.activeComponent);
   }
   else if (!names.isEmpty())
   {
     setActiveArray(names.first());
   }
-  setScalarBarVisibility(m_ShowLegend);
+  setScalarBarVisibility(m_Coloring.showLegend);
 }
 
 void VXPointsRepPimpl::updateArrayColoringChoices()
@@ -815,7 +862,7 @@ void VXPointsRepPimpl::updateArrayColoringChoices()
     for (auto iter = names.constBegin(); iter != names.constEnd(); ++iter)
       m_ArrayCombo->addItem(iter.value(), iter.key());
   }
-  m_ArrayCombo->setCurrentIndex(m_ArrayCombo->findText(m_ActiveArray));
+  m_ArrayCombo->setCurrentIndex(m_ArrayCombo->findText(m_Coloring.activeArray));
 }
 
 void VXPointsRepPimpl::refillComponentCombo()
@@ -825,10 +872,10 @@ void VXPointsRepPimpl::refillComponentCombo()
   const QSignalBlocker blocker(m_ComponentCombo);
   m_ComponentCombo->clear();
   if (VXDataSource* source = parentDataSource())
-    m_ComponentCombo->addItems(source->getComponentNames(m_ActiveArray));
+    m_ComponentCombo->addItems(source->getComponentNames(m_Coloring.activeArray));
   const int magnitude = m_ComponentCombo->findText("Magnitude");
-  m_ComponentCombo->setCurrentIndex(m_ActiveComponent < 0 ? (magnitude >= 0 ? magnitude : 0)
-                                                          : m_ActiveComponent);
+  m_ComponentCombo->setCurrentIndex(
+    m_Coloring.activeComponent < 0 ? (magnitude >= 0 ? magnitude : 0) : m_Coloring.activeComponent);
 }
 
 void VXPointsRepPimpl::arrayNameComboTextChanged(QString text)
@@ -853,107 +900,59 @@ void VXPointsRepPimpl::arrayComponentComboChanged(int index)
 // ---------------------------------------------------------------------------
 // State
 
-void VXPointsRepPimpl::write(nlohmann::json& output) const
+VXColoringSettings VXPointsRepPimpl::currentColoring() const
 {
-  VXOutlineRepPimpl::write(output);
-  output["scalar_bar_visible"] = m_ShowLegend;
-  output["active_array"] = m_ActiveArray.toStdString();
-  output["active_component"] = m_ActiveComponent;
-  output["scalar_mapping"] = m_ScalarMapping;
-  output["color_map_inverted"] = m_ColorMapInverted;
-  output["color_preset"] = m_ColorPreset.toJson();
-  output["indexed_color_preset"] = m_IndexedColorPreset.toJson();
-  output["using_default_preset"] = m_UsingDefaultPreset;
-  output["using_default_indexed_preset"] = m_UsingDefaultIndexedPreset;
-  output["point_size"] = m_PointSize;
-  output["render_points_as_spheres"] = m_RenderPointsAsSpheres;
-  output["using_custom_range"] = m_UsingCustomRange;
-  output["custom_range_min"] = m_CustomRange[0];
-  output["custom_range_max"] = m_CustomRange[1];
-  output["using_solid_color"] = m_UseSolidColor;
-  output["values_as_categories"] = m_ValuesAsCategories;
-  output["generate_histogram_data"] = m_GenerateHistogram;
+  // the lookup table and the legend hold what the user changed since: they are the truth
+  VXColoringSettings coloring = m_Coloring;
   const QColor nan = m_LookupTable->getNANColor();
-  output["nan_color_r"] = nan.redF();
-  output["nan_color_g"] = nan.greenF();
-  output["nan_color_b"] = nan.blueF();
-  if (m_ScalarBarRepresentation != nullptr)
+  coloring.nanColor = { nan.redF(), nan.greenF(), nan.blueF() };
+  coloring.legendPlaced = m_ScalarBarRepresentation != nullptr;
+  if (coloring.legendPlaced)
   {
     const double* position = m_ScalarBarRepresentation->GetPosition();
     const double* position2 = m_ScalarBarRepresentation->GetPosition2();
-    output["source_position_x"] = position[0];
-    output["source_position_y"] = position[1];
-    output["source_position2_x"] = position2[0];
-    output["source_position2_y"] = position2[1];
+    coloring.legendPosition = { position[0], position[1] };
+    coloring.legendPosition2 = { position2[0], position2[1] };
   }
+  return coloring;
+}
+
+void VXPointsRepPimpl::write(nlohmann::json& output) const
+{
+  VXOutlineRepPimpl::write(output);
+  currentColoring().write(output);
+  output["point_size"] = m_PointSize;
+  output["render_points_as_spheres"] = m_RenderPointsAsSpheres;
 }
 
 void VXPointsRepPimpl::read(const nlohmann::json& input)
 {
   VXOutlineRepPimpl::read(input);
-  if (input.contains("scalar_bar_visible"))
-    m_ShowLegend = input.at("scalar_bar_visible").get<bool>();
-  if (input.contains("active_array"))
-    m_ActiveArray = QString::fromStdString(input.at("active_array").get<std::string>());
-  if (input.contains("active_component"))
-    m_ActiveComponent = input.at("active_component").get<int>();
-  if (input.contains("scalar_mapping"))
-    m_ScalarMapping = input.at("scalar_mapping").get<int>();
-  if (input.contains("color_map_inverted"))
-    m_ColorMapInverted = input.at("color_map_inverted").get<bool>();
-  if (input.contains("color_preset"))
-    m_ColorPreset = ColorPreset(input.at("color_preset"));
-  if (input.contains("indexed_color_preset"))
-    m_IndexedColorPreset = ColorPreset(input.at("indexed_color_preset"));
-  if (input.contains("using_default_preset"))
-    m_UsingDefaultPreset = input.at("using_default_preset").get<bool>();
-  if (input.contains("using_default_indexed_preset"))
-    m_UsingDefaultIndexedPreset = input.at("using_default_indexed_preset").get<bool>();
+  m_Coloring = currentColoring();
+  m_Coloring.read(input);
   if (input.contains("point_size"))
     m_PointSize = input.at("point_size").get<int>();
   if (input.contains("render_points_as_spheres"))
     m_RenderPointsAsSpheres = input.at("render_points_as_spheres").get<bool>();
-  if (input.contains("using_custom_range"))
-    m_UsingCustomRange = input.at("using_custom_range").get<bool>();
-  if (input.contains("custom_range_min") && input.contains("custom_range_max"))
-    m_CustomRange = { input.at("custom_range_min").get<double>(),
-                      input.at("custom_range_max").get<double>() };
-  if (input.contains("using_solid_color"))
-    m_UseSolidColor = input.at("using_solid_color").get<bool>();
-  if (input.contains("values_as_categories"))
-    m_ValuesAsCategories = input.at("values_as_categories").get<bool>();
-  if (input.contains("generate_histogram_data"))
-    m_GenerateHistogram = input.at("generate_histogram_data").get<bool>();
-  if (input.contains("nan_color_r") && input.contains("nan_color_g") &&
-      input.contains("nan_color_b"))
-    m_LookupTable->setNANColor(
-      QColor::fromRgbF(static_cast<float>(input.at("nan_color_r").get<double>()),
-                       static_cast<float>(input.at("nan_color_g").get<double>()),
-                       static_cast<float>(input.at("nan_color_b").get<double>())));
-  if (input.contains("source_position_x") && input.contains("source_position_y"))
+  applyNanColor();
+  if (m_ScalarBarRepresentation != nullptr)
   {
-    m_LegendPositions[0] = input.at("source_position_x").get<double>();
-    m_LegendPositions[1] = input.at("source_position_y").get<double>();
-    if (m_ScalarBarRepresentation != nullptr)
-      m_ScalarBarRepresentation->SetPosition(m_LegendPositions[0], m_LegendPositions[1]);
-  }
-  if (input.contains("source_position2_x") && input.contains("source_position2_y"))
-  {
-    m_LegendPositions[2] = input.at("source_position2_x").get<double>();
-    m_LegendPositions[3] = input.at("source_position2_y").get<double>();
-    if (m_ScalarBarRepresentation != nullptr)
-      m_ScalarBarRepresentation->SetPosition2(m_LegendPositions[2], m_LegendPositions[3]);
+    m_ScalarBarRepresentation->SetPosition(m_Coloring.legendPosition.data());
+    m_ScalarBarRepresentation->SetPosition2(m_Coloring.legendPosition2.data());
   }
   if (m_Initialized)
   {
     m_Actor->GetProperty()->SetPointSize(static_cast<float>(m_PointSize));
     m_Actor->GetProperty()->SetRenderPointsAsSpheres(m_RenderPointsAsSpheres);
-    if (m_ColorMapInverted != m_LookupTable->isInverted())
+    // the stored preset and inversion, not whatever the table showed before
+    if (!m_Coloring.valuesAsCategories)
+      applyRgbPreset();
+    else if (m_Coloring.colorMapInverted != m_LookupTable->isInverted())
       m_LookupTable->invert();
-    const int component = m_ActiveComponent;
-    setActiveArray(m_UseSolidColor ? QString() : m_ActiveArray);
+    const int component = m_Coloring.activeComponent;
+    setActiveArray(m_Coloring.useSolidColor ? QString() : m_Coloring.activeArray);
     setActiveComponent(component);
-    if (m_ValuesAsCategories)
+    if (m_Coloring.valuesAsCategories)
       setInterpretValuesAsCategories(true);
     setupScalarBar();
   }
@@ -965,23 +964,9 @@ void VXPointsRepPimpl::copyFrom(VXRepresentationPimpl* other)
   auto* source = dynamic_cast<VXPointsRepPimpl*>(other);
   if (source == nullptr)
     return;
-  m_ShowLegend = source->m_ShowLegend;
-  m_ActiveArray = source->m_ActiveArray;
-  m_ActiveComponent = source->m_ActiveComponent;
-  m_ScalarMapping = source->m_ScalarMapping;
-  m_ColorMapInverted = source->m_ColorMapInverted;
-  m_ColorPreset = source->m_ColorPreset;
-  m_IndexedColorPreset = source->m_IndexedColorPreset;
-  m_UsingDefaultPreset = source->m_UsingDefaultPreset;
-  m_UsingDefaultIndexedPreset = source->m_UsingDefaultIndexedPreset;
+  m_Coloring = source->m_Coloring;
   m_PointSize = source->m_PointSize;
   m_RenderPointsAsSpheres = source->m_RenderPointsAsSpheres;
-  m_UsingCustomRange = source->m_UsingCustomRange;
-  m_CustomRange = source->m_CustomRange;
-  m_UseSolidColor = source->m_UseSolidColor;
-  m_ValuesAsCategories = source->m_ValuesAsCategories;
-  m_GenerateHistogram = source->m_GenerateHistogram;
-  m_LegendPositions = source->m_LegendPositions;
   m_LookupTable->setNANColor(source->m_LookupTable->getNANColor());
 }
 
@@ -1007,54 +992,27 @@ void VXPointsRepPimpl::pasteSettingsFromClipboard()
 
 void VXPointsRepPimpl::loadPointsDefaults(QtKXSettings& settings)
 {
-  if (settings.contains("scalar_bar_visible"))
-    m_ShowLegend = settings.value("scalar_bar_visible", true).toBool();
-  if (settings.contains("scalar_mapping"))
-    m_ScalarMapping = settings.value("scalar_mapping", 1).toInt();
-  if (settings.contains("color_map_inverted"))
-    m_ColorMapInverted = settings.value("color_map_inverted", false).toBool();
-  if (settings.contains("using_default_preset"))
-    m_UsingDefaultPreset = settings.value("using_default_preset", true).toBool();
-  if (settings.contains("using_default_indexed_preset"))
-    m_UsingDefaultIndexedPreset = settings.value("using_default_indexed_preset", true).toBool();
+  m_Coloring = currentColoring();
+  m_Coloring.loadDefaults(settings);
+  applyNanColor();
   if (settings.contains("point_size"))
     m_PointSize = settings.value("point_size", 1).toInt();
   if (settings.contains("render_points_as_spheres"))
     m_RenderPointsAsSpheres = settings.value("render_points_as_spheres", false).toBool();
-  if (settings.contains("using_custom_range"))
-    m_UsingCustomRange = settings.value("using_custom_range", false).toBool();
-  if (settings.contains("custom_range_min") && settings.contains("custom_range_max"))
-    m_CustomRange = { settings.value("custom_range_min", 0.0).toDouble(),
-                      settings.value("custom_range_max", 1.0).toDouble() };
-  if (settings.contains("using_solid_color"))
-    m_UseSolidColor = settings.value("using_solid_color", false).toBool();
-  if (settings.contains("values_as_categories"))
-    m_ValuesAsCategories = settings.value("values_as_categories", false).toBool();
-  if (settings.contains("generate_histogram_data"))
-    m_GenerateHistogram = settings.value("generate_histogram_data", false).toBool();
-  if (settings.contains("nan_color_r") && settings.contains("nan_color_g") &&
-      settings.contains("nan_color_b"))
-    m_LookupTable->setNANColor(QColor::fromRgbF(settings.value("nan_color_r", 0.5).toFloat(),
-                                                settings.value("nan_color_g", 0.75).toFloat(),
-                                                settings.value("nan_color_b", 1.0).toFloat()));
 }
 
 void VXPointsRepPimpl::savePointsDefaults(QtKXSettings& settings) const
 {
-  settings.setValue("scalar_bar_visible", m_ShowLegend);
-  settings.setValue("scalar_mapping", m_ScalarMapping);
-  settings.setValue("color_map_inverted", m_ColorMapInverted);
-  settings.setValue("using_default_preset", m_UsingDefaultPreset);
-  settings.setValue("using_default_indexed_preset", m_UsingDefaultIndexedPreset);
+  currentColoring().saveDefaults(settings);
   settings.setValue("point_size", m_PointSize);
   settings.setValue("render_points_as_spheres", m_RenderPointsAsSpheres);
-  settings.setValue("using_solid_color", m_UseSolidColor);
-  settings.setValue("values_as_categories", m_ValuesAsCategories);
-  settings.setValue("generate_histogram_data", m_GenerateHistogram);
-  const QColor nan = m_LookupTable->getNANColor();
-  settings.setValue("nan_color_r", nan.redF());
-  settings.setValue("nan_color_g", nan.greenF());
-  settings.setValue("nan_color_b", nan.blueF());
+}
+
+void VXPointsRepPimpl::applyNanColor()
+{
+  const auto& nan = m_Coloring.nanColor;
+  m_LookupTable->setNANColor(QColor::fromRgbF(
+    static_cast<float>(nan[0]), static_cast<float>(nan[1]), static_cast<float>(nan[2])));
 }
 
 void VXPointsRepPimpl::loadDefaultSettings()
@@ -1105,11 +1063,11 @@ void VXPointsRepPimpl::buildSettingsPage()
 
   m_SolidColorCheckBox = new QCheckBox("Use Solid Color", m_PageContent);
   m_SolidColorCheckBox->setObjectName("m_SolidColorCheckBox");
-  m_SolidColorCheckBox->setChecked(m_UseSolidColor);
+  m_SolidColorCheckBox->setChecked(m_Coloring.useSolidColor);
   connect(m_SolidColorCheckBox, &QCheckBox::toggled, this, &VXPointsRepPimpl::setUseSolidColor);
   m_CategoriesCheckBox = new QCheckBox("Interpret Values As Categories", m_PageContent);
   m_CategoriesCheckBox->setObjectName("m_CategoriesCheckBox");
-  m_CategoriesCheckBox->setChecked(m_ValuesAsCategories);
+  m_CategoriesCheckBox->setChecked(m_Coloring.valuesAsCategories);
   connect(m_CategoriesCheckBox, &QCheckBox::toggled, this,
           &VXPointsRepPimpl::setInterpretValuesAsCategories);
   coloring->addRow(m_SolidColorCheckBox, m_CategoriesCheckBox);
@@ -1126,7 +1084,7 @@ void VXPointsRepPimpl::buildSettingsPage()
     new QPushButton(KXStyle::generateThemeIconFromName("invert"), QString(), buttons);
   m_InvertColorBtn->setObjectName("m_InvertColorBtn");
   connect(m_InvertColorBtn, &QPushButton::clicked, this,
-          [this]() { setColorMapInverted(!m_ColorMapInverted); });
+          [this]() { setColorMapInverted(!m_Coloring.colorMapInverted); });
   m_EditColorMapButton = new QPushButton("Edit Color Map", buttons);
   m_EditColorMapButton->setObjectName("m_EditColorMapButton");
   connect(m_EditColorMapButton, &QPushButton::clicked, this,
@@ -1139,7 +1097,7 @@ void VXPointsRepPimpl::buildSettingsPage()
     new QPushButton(KXStyle::generateThemeIconFromName("CustomRange"), "Custom Range", buttons);
   m_CustomRangeButton->setObjectName("customRangeBtn");
   connect(m_CustomRangeButton, &QPushButton::clicked, this,
-          [this]() { rescaleToCustomRange(m_CustomRange[0], m_CustomRange[1]); });
+          &VXPointsRepPimpl::openCustomRangeDialog);
   for (QPushButton* button :
        { m_ColorPresetButton.data(), m_InvertColorBtn.data(), m_EditColorMapButton.data(),
          m_ScaleToDataButton.data(), m_CustomRangeButton.data() })
@@ -1147,13 +1105,13 @@ void VXPointsRepPimpl::buildSettingsPage()
   coloring->addRow(buttons);
   m_ColorPresetButton->setEnabled(m_DetachColorSettings);
   m_InvertColorBtn->setEnabled(m_DetachColorSettings);
-  m_ComponentCombo->setEnabled(!m_UseSolidColor);
-  m_EditColorMapButton->setEnabled(!m_UseSolidColor);
+  m_ComponentCombo->setEnabled(!m_Coloring.useSolidColor);
+  m_EditColorMapButton->setEnabled(!m_Coloring.useSolidColor);
 
   m_ScalarMappingCombo = new QComboBox(m_PageContent);
   m_ScalarMappingCombo->setObjectName("m_ScalarMappingCombo");
   m_ScalarMappingCombo->addItems({ "Always ", "Non-Colors", "Never" });
-  m_ScalarMappingCombo->setCurrentIndex(m_ScalarMapping);
+  m_ScalarMappingCombo->setCurrentIndex(m_Coloring.scalarMapping);
   connect(m_ScalarMappingCombo, &QComboBox::currentIndexChanged, this,
           &VXPointsRepPimpl::updateColorMode);
   coloring->addRow("Map Scalars :", m_ScalarMappingCombo);
@@ -1175,15 +1133,15 @@ void VXPointsRepPimpl::buildSettingsPage()
   QFormLayout* annotations = sectionForm("Annotations");
   m_LegendCheckBox = new QCheckBox("Show Legend", m_PageContent);
   m_LegendCheckBox->setObjectName("m_LegendCheckBox");
-  m_LegendCheckBox->setChecked(m_ShowLegend);
+  m_LegendCheckBox->setChecked(m_Coloring.showLegend);
   connect(m_LegendCheckBox, &QCheckBox::toggled, this, &VXPointsRepPimpl::setScalarBarVisibility);
   annotations->addRow(m_LegendCheckBox);
 
   QFormLayout* histogram = sectionForm("Array Histogram");
   m_HistogramCheckBox = new QCheckBox("Generate Active Array Histogram", m_PageContent);
   m_HistogramCheckBox->setObjectName("m_HistogramCheckBox");
-  m_HistogramCheckBox->setChecked(m_GenerateHistogram);
-  m_HistogramCheckBox->setEnabled(!m_UseSolidColor);
+  m_HistogramCheckBox->setChecked(m_Coloring.generateHistogram);
+  m_HistogramCheckBox->setEnabled(!m_Coloring.useSolidColor);
   connect(m_HistogramCheckBox, &QCheckBox::toggled, this, &VXPointsRepPimpl::setGenerateHistogram);
   histogram->addRow(m_HistogramCheckBox);
   // the histogram section goes last, after the stretch the outline level added
@@ -1204,24 +1162,24 @@ void VXPointsRepPimpl::syncControls()
     const QSignalBlocker blocker(box);
     box->setChecked(value);
   };
-  setChecked(m_SolidColorCheckBox, m_UseSolidColor);
-  setChecked(m_CategoriesCheckBox, m_ValuesAsCategories);
+  setChecked(m_SolidColorCheckBox, m_Coloring.useSolidColor);
+  setChecked(m_CategoriesCheckBox, m_Coloring.valuesAsCategories);
   setChecked(m_SpheresCheckBox, m_RenderPointsAsSpheres);
-  setChecked(m_LegendCheckBox, m_ShowLegend);
-  setChecked(m_HistogramCheckBox, m_GenerateHistogram);
+  setChecked(m_LegendCheckBox, m_Coloring.showLegend);
+  setChecked(m_HistogramCheckBox, m_Coloring.generateHistogram);
   if (m_PointSizeEdit != nullptr)
     m_PointSizeEdit->setText(QString::number(m_PointSize));
   if (m_ScalarMappingCombo != nullptr)
   {
     const QSignalBlocker blocker(m_ScalarMappingCombo);
-    m_ScalarMappingCombo->setCurrentIndex(m_ScalarMapping);
+    m_ScalarMappingCombo->setCurrentIndex(m_Coloring.scalarMapping);
   }
   updateArrayColoringChoices();
   refillComponentCombo();
   if (m_ComponentCombo != nullptr)
-    m_ComponentCombo->setEnabled(!m_UseSolidColor);
+    m_ComponentCombo->setEnabled(!m_Coloring.useSolidColor);
   if (m_EditColorMapButton != nullptr)
-    m_EditColorMapButton->setEnabled(!m_UseSolidColor);
+    m_EditColorMapButton->setEnabled(!m_Coloring.useSolidColor);
 }
 
 void VXPointsRepPimpl::updateToolTips()

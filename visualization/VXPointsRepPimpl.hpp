@@ -1,5 +1,6 @@
 #pragma once
 
+#include "visualization/VXColoringSettings.hpp"
 #include "visualization/VXOutlineRepPimpl.hpp"
 
 #include <kxcore/ColorPreset.hpp>
@@ -17,6 +18,7 @@
 #include <set>
 
 class ColorPresetsDialog;
+class VXCustomRangeDialog;
 class QComboBox;
 class vtkDataArray;
 class vtkDataSet;
@@ -68,24 +70,27 @@ public:
   void setActiveArray(const QString& arrayName);
   /** Colours by a component of the active array; below -1 counts as -1, the magnitude. */
   void setActiveComponent(int component);
-  QString activeArray() const { return m_ActiveArray; }
-  int activeComponent() const { return m_ActiveComponent; }
-  int scalarMapping() const { return m_ScalarMapping; }
+  /** Every colouring field as the state file and the default settings see it. */
+  const VXColoringSettings& coloringSettings() const { return m_Coloring; }
+  QString activeArray() const { return m_Coloring.activeArray; }
+  int activeComponent() const { return m_Coloring.activeComponent; }
+  int scalarMapping() const { return m_Coloring.scalarMapping; }
   QString legendTitle() const { return m_LegendTitle; }
-  bool showLegend() const { return m_ShowLegend; }
-  bool useSolidColor() const { return m_UseSolidColor; }
-  bool valuesAsCategories() const { return m_ValuesAsCategories; }
-  bool usingCustomRange() const { return m_UsingCustomRange; }
-  std::array<double, 2> customRange() const { return m_CustomRange; }
-  bool colorMapInverted() const { return m_ColorMapInverted; }
-  ColorPreset colorPreset() const { return m_ColorPreset; }
-  ColorPreset indexedColorPreset() const { return m_IndexedColorPreset; }
-  bool usingDefaultPreset() const { return m_UsingDefaultPreset; }
-  bool usingDefaultIndexedPreset() const { return m_UsingDefaultIndexedPreset; }
+  bool showLegend() const { return m_Coloring.showLegend; }
+  bool useSolidColor() const { return m_Coloring.useSolidColor; }
+  bool valuesAsCategories() const { return m_Coloring.valuesAsCategories; }
+  bool usingCustomRange() const { return m_Coloring.usingCustomRange; }
+  std::array<double, 2> customRange() const { return m_Coloring.customRange; }
+  bool colorMapInverted() const { return m_Coloring.colorMapInverted; }
+  ColorPreset colorPreset() const { return m_Coloring.colorPreset; }
+  ColorPreset indexedColorPreset() const { return m_Coloring.indexedColorPreset; }
+  bool usingDefaultPreset() const { return m_Coloring.usingDefaultPreset; }
+  bool usingDefaultIndexedPreset() const { return m_Coloring.usingDefaultIndexedPreset; }
   int pointSize() const { return m_PointSize; }
   bool renderPointsAsSpheres() const { return m_RenderPointsAsSpheres; }
-  bool generateHistogram() const { return m_GenerateHistogram; }
+  bool generateHistogram() const { return m_Coloring.generateHistogram; }
   const UniqueValueCache& uniqueValues() const { return m_UniqueValues; }
+  VXCustomRangeDialog* customRangeDialog() const { return m_CustomRangeDialog.data(); }
   vtkScalarBarWidget* scalarBarWidget() const { return m_ScalarBarWidget; }
   vtkScalarBarRepresentation* scalarBarRepresentation() const { return m_ScalarBarRepresentation; }
   vtkGeometryFilter* geometryFilter() const { return m_GeometryFilter; }
@@ -121,6 +126,8 @@ public Q_SLOTS:
   /** "Scale to Data": the finite range of the active component goes to the lookup table. */
   void rescaleToDataRange();
   void rescaleToCustomRange(double min, double max);
+  /** "Custom Range": opens the range dialog; accepting it calls rescaleToCustomRange. */
+  void openCustomRangeDialog();
   void setNanColor(QColor color);
   void editColorsButtonClicked();
   void setUseSolidColor(bool checked);
@@ -143,39 +150,34 @@ protected:
   vtkDataArray* activeDataArray() const;
   /** Sets up the legend once and applies title, table and visibility. */
   void setupScalarBar();
+  /** Puts the legend's text on the side of the bar that faces into the view. */
+  void updateLegendTextSide();
   void applyIndexedPreset();
+  /** The stored RGB preset (or the default one) onto the table, inverted if asked. */
+  void applyRgbPreset();
   void syncControls() override;
   void refillComponentCombo();
   void loadPointsDefaults(QtKXSettings& settings);
   void savePointsDefaults(QtKXSettings& settings) const;
+  /** The colouring settings with the NaN colour and legend place of the table and the bar. */
+  VXColoringSettings currentColoring() const;
+  /** Hands the NaN colour of the colouring settings to the lookup table. */
+  void applyNanColor();
 
   vtkSmartPointer<vtkGeometryFilter> m_GeometryFilter;
   QSharedPointer<VXLookupTable> m_LookupTable;
   QSharedPointer<ColorPresetsDialog> m_ColorPresetsDialog;
+  QSharedPointer<VXCustomRangeDialog> m_CustomRangeDialog;
   vtkSmartPointer<vtkScalarBarWidget> m_ScalarBarWidget;
   vtkSmartPointer<vtkScalarBarRepresentation> m_ScalarBarRepresentation;
-  bool m_ShowLegend = false;
   UniqueValueCache m_UniqueValues;
   bool m_BlockHistogram = false;
-  QString m_ActiveArray;
-  int m_ActiveComponent = -1;
-  int m_ScalarMapping = 1;
-  bool m_ColorMapInverted = false;
-  ColorPreset m_ColorPreset;
-  ColorPreset m_IndexedColorPreset;
-  bool m_UsingDefaultPreset = true;
-  bool m_UsingDefaultIndexedPreset = true;
   int m_PointSize = 1;
   bool m_RenderPointsAsSpheres = false;
-  bool m_UsingCustomRange = false;
-  std::array<double, 2> m_CustomRange = { 0.0, 1.0 };
-  bool m_UseSolidColor = false;
-  bool m_ValuesAsCategories = false;
-  bool m_GenerateHistogram = false;
   QString m_LegendTitle;
   bool m_UsingDecimatedGeometry = false;
-  bool m_HasLegendPositions = false;
-  std::array<double, 4> m_LegendPositions = { 0.9, 0.175, 0.1, 0.5 };
+  /** Array, component, presets, range, legend: declared once in VXColoringSettings. */
+  VXColoringSettings m_Coloring;
 
   QPointer<QComboBox> m_ArrayCombo;
   QPointer<QComboBox> m_ComponentCombo;

@@ -3,6 +3,8 @@
 // labels, state and settings keys, categorical colours and reloads.
 #include "DataViewTestSupport.hpp"
 
+#include <visualization/QtWidgets/VXCustomRangeDialog.hpp>
+#include <visualization/VXColoringSettings.hpp>
 #include <visualization/VXOutlineRep.hpp>
 #include <visualization/VXPointsRep.hpp>
 #include <visualization/VXRepresentationUtils.hpp>
@@ -17,6 +19,9 @@
 #include <QtGui/QGuiApplication>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QPushButton>
 
@@ -719,4 +724,177 @@ TEST(DataViewDecimation, PressSwitchesToTheCoarseCopyAndTheEndOfInteractionBack)
   EXPECT_FALSE(surface->usingDecimatedGeometry());
   interactor->InvokeEvent(vtkCommand::LeftButtonReleaseEvent);
   KXPreferences::setDisableDecimation(false);
+}
+
+TEST(DataViewColoring, CustomRangeDialogFromTheButtonSetsTableAndLegend)
+{
+  ScopedSettings settings;
+  Scene scene;
+  VXDataSource* source = scene.source(makeSphere());
+  auto* surface = scene.add(source, VXRepresentation::Surface);
+  ASSERT_NE(surface, nullptr);
+  ASSERT_NE(scene.lastRep->settingsWidget(), nullptr);
+  surface->setActiveArray("Height");
+  surface->setScalarBarVisibility(true);
+  VXCustomRangeDialog* dialog = surface->customRangeDialog();
+  ASSERT_NE(dialog, nullptr);
+  EXPECT_EQ(dialog->dataRange(), (std::array<double, 2>{ -2.0, 2.0 }));
+  auto* button = surface->control<QPushButton>("customRangeBtn");
+  ASSERT_NE(button, nullptr);
+  QLineEdit* minimum = dialog->minimumEdit();
+  QLineEdit* maximum = dialog->maximumEdit();
+  QPushButton* ok = dialog->buttonBox()->button(QDialogButtonBox::Ok);
+  auto range = [surface]() { return surface->lookupTable()->getRange(); };
+  auto legendRange = [surface]()
+  {
+    const double* r = surface->scalarBarWidget()->GetScalarBarActor()->GetLookupTable()->GetRange();
+    return std::array<double, 2>{ r[0], r[1] };
+  };
+
+  // the button only opens the dialog, filled with the data range
+  QTest::mouseClick(button, Qt::LeftButton);
+  ASSERT_TRUE(dialog->isVisible());
+  EXPECT_EQ(minimum->text(), "-2");
+  EXPECT_EQ(maximum->text(), "2");
+  EXPECT_EQ(range(), (std::array<double, 2>{ -2.0, 2.0 }));
+  EXPECT_FALSE(surface->usingCustomRange());
+
+  // letters are no number, and the minimum must stay below the maximum
+  minimum->clear();
+  QTest::keyClicks(minimum, "abc");
+  EXPECT_EQ(minimum->text(), "");
+  EXPECT_FALSE(ok->isEnabled());
+  EXPECT_EQ(dialog->problem(), "The minimum must be a number.");
+  QTest::keyClicks(minimum, "5");
+  EXPECT_FALSE(ok->isEnabled());
+  EXPECT_EQ(dialog->findChild<QLabel*>("messageLabel")->text(),
+            "The minimum must be less than the maximum.");
+  QTest::keyClick(minimum, Qt::Key_Return);
+  EXPECT_TRUE(dialog->isVisible());
+  EXPECT_FALSE(surface->usingCustomRange());
+
+  minimum->clear();
+  QTest::keyClicks(minimum, "-1.5");
+  maximum->clear();
+  QTest::keyClicks(maximum, "0.5");
+  ASSERT_TRUE(ok->isEnabled());
+  EXPECT_EQ(dialog->problem(), "");
+  QTest::mouseClick(ok, Qt::LeftButton);
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_TRUE(surface->usingCustomRange());
+  EXPECT_EQ(surface->customRange(), (std::array<double, 2>{ -1.5, 0.5 }));
+  EXPECT_EQ(range(), (std::array<double, 2>{ -1.5, 0.5 }));
+  EXPECT_EQ(legendRange(), (std::array<double, 2>{ -1.5, 0.5 }));
+
+  // cancelling changes nothing
+  QTest::mouseClick(button, Qt::LeftButton);
+  ASSERT_TRUE(dialog->isVisible());
+  EXPECT_EQ(minimum->text(), "-1.5");
+  maximum->clear();
+  QTest::keyClicks(maximum, "9");
+  QTest::mouseClick(dialog->buttonBox()->button(QDialogButtonBox::Cancel), Qt::LeftButton);
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(range(), (std::array<double, 2>{ -1.5, 0.5 }));
+
+  // a new component keeps the custom range and shows its own data range
+  surface->setActiveArray("Vec");
+  surface->setActiveComponent(2);
+  EXPECT_EQ(dialog->dataRange(), (std::array<double, 2>{ 10.0, 12.0 }));
+  EXPECT_EQ(dialog->range(), (std::array<double, 2>{ -1.5, 0.5 }));
+  EXPECT_EQ(range(), (std::array<double, 2>{ -1.5, 0.5 }));
+
+  // "Scale to Data" goes back to the data and refills the dialog with it
+  QTest::mouseClick(surface->control<QPushButton>("scaleToDataBtn"), Qt::LeftButton);
+  EXPECT_FALSE(surface->usingCustomRange());
+  EXPECT_EQ(range(), (std::array<double, 2>{ 10.0, 12.0 }));
+  EXPECT_EQ(legendRange(), (std::array<double, 2>{ 10.0, 12.0 }));
+  EXPECT_EQ(minimum->text(), "10");
+  EXPECT_EQ(maximum->text(), "12");
+}
+
+TEST(DataViewState, ColoringFieldsAreDeclaredOnceForStateAndDefaults)
+{
+  ScopedSettings settings;
+  VXColoringSettings coloring;
+  coloring.showLegend = true;
+  coloring.activeArray = "Vec";
+  coloring.activeComponent = 2;
+  coloring.scalarMapping = 0;
+  coloring.colorMapInverted = true;
+  coloring.colorPreset.name = "Mine";
+  coloring.colorPreset.rgbPoints = { 0.0f, 1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 1.0f };
+  coloring.usingDefaultPreset = false;
+  coloring.usingCustomRange = true;
+  coloring.customRange = { -3.0, 7.0 };
+  coloring.valuesAsCategories = true;
+  coloring.generateHistogram = true;
+  coloring.nanColor = { 0.25, 0.5, 0.75 };
+  coloring.legendPosition = { 0.1, 0.2 };
+  coloring.legendPlaced = true;
+
+  nlohmann::json state;
+  coloring.write(state);
+  std::vector<std::string> keys;
+  for (const auto& item : state.items())
+    keys.push_back(item.key());
+  EXPECT_EQ(keys, (std::vector<std::string>{ "active_array",
+                                             "active_component",
+                                             "color_map_inverted",
+                                             "color_preset",
+                                             "custom_range_max",
+                                             "custom_range_min",
+                                             "generate_histogram_data",
+                                             "indexed_color_preset",
+                                             "nan_color_b",
+                                             "nan_color_g",
+                                             "nan_color_r",
+                                             "scalar_bar_visible",
+                                             "scalar_mapping",
+                                             "source_position2_x",
+                                             "source_position2_y",
+                                             "source_position_x",
+                                             "source_position_y",
+                                             "using_custom_range",
+                                             "using_default_indexed_preset",
+                                             "using_default_preset",
+                                             "using_solid_color",
+                                             "values_as_categories" }));
+  VXColoringSettings read;
+  read.read(state);
+  read.legendPlaced = true;
+  EXPECT_EQ(read, coloring);
+
+  // pairs and triples all or none; without a legend no positions
+  state.erase("custom_range_max");
+  state.erase("nan_color_b");
+  VXColoringSettings partial;
+  partial.read(state);
+  EXPECT_EQ(partial.customRange, (std::array<double, 2>{ 0.0, 1.0 }));
+  EXPECT_EQ(partial.nanColor, (std::array<double, 3>{ 0.5, 0.75, 1.0 }));
+  nlohmann::json unplaced;
+  VXColoringSettings().write(unplaced);
+  EXPECT_FALSE(unplaced.contains("source_position_x"));
+
+  // the default settings never hold the data specific fields, but take a stored range
+  QtKXSettings store;
+  store.beginGroup("Coloring");
+  coloring.saveDefaults(store);
+  QStringList stored = store.childKeys();
+  stored.sort();
+  EXPECT_EQ(stored,
+            (QStringList{ "color_map_inverted", "generate_histogram_data", "nan_color_b",
+                          "nan_color_g", "nan_color_r", "scalar_bar_visible", "scalar_mapping",
+                          "using_default_indexed_preset", "using_default_preset",
+                          "using_solid_color", "values_as_categories" }));
+  store.setValue("custom_range_min", -1.0);
+  store.setValue("custom_range_max", 1.0);
+  VXColoringSettings loaded;
+  loaded.loadDefaults(store);
+  EXPECT_TRUE(loaded.showLegend);
+  EXPECT_EQ(loaded.scalarMapping, 0);
+  EXPECT_FALSE(loaded.usingDefaultPreset);
+  EXPECT_EQ(loaded.nanColor, coloring.nanColor);
+  EXPECT_EQ(loaded.customRange, (std::array<double, 2>{ -1.0, 1.0 }));
+  EXPECT_FALSE(loaded.usingCustomRange);
+  EXPECT_EQ(loaded.activeArray, "");
 }

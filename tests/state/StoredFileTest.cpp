@@ -1,6 +1,12 @@
 #include "StateTestSupport.hpp"
 
+#include <visualization/VXLookupTable.hpp>
 #include <visualization/VXPointsRepPimpl.hpp>
+
+#include <KXComponents/KXColorPresets.hpp>
+
+#include <vtkColorTransferFunction.h>
+#include <vtkMapper.h>
 
 using namespace statetest;
 
@@ -49,6 +55,45 @@ protected:
     return view != nullptr
              ? dynamic_cast<VXPointsRepPimpl*>(view->implementation(grid()->allViews().at(window)))
              : nullptr;
+  }
+
+  /** The colours at both ends of the view's table and its mapper's table are the preset's. */
+  static void expectPresetColours(VXPointsRepPimpl* view, const QString& name)
+  {
+    const auto preset = KXColorPresets::Find(name);
+    ASSERT_TRUE(preset.has_value()) << name.toStdString();
+    const std::vector<float>& points = preset->rgbPoints;
+    ASSERT_GE(points.size(), 8u);
+    vtkColorTransferFunction* table = view->lookupTable()->getColorTransferFunction();
+    EXPECT_EQ(view->mapper()->GetLookupTable(), table);
+    const auto range = view->lookupTable()->getRange();
+    double low[3];
+    double high[3];
+    table->GetColor(range[0], low);
+    table->GetColor(range[1], high);
+    const std::size_t last = points.size() - 4;
+    for (int i = 0; i < 3; ++i)
+    {
+      EXPECT_NEAR(low[i], points[1 + i], 1e-6) << "low " << i;
+      EXPECT_NEAR(high[i], points[last + 1 + i], 1e-6) << "high " << i;
+    }
+  }
+
+  /** Every data view's implementations in a saved document, in tree order. */
+  static void collectImplementations(const nlohmann::json& node, std::vector<nlohmann::json>& out)
+  {
+    if (node.is_object())
+    {
+      if (node.contains("rep_view_implementations"))
+        out.push_back(node.at("rep_view_implementations"));
+      for (const auto& item : node.items())
+        collectImplementations(item.value(), out);
+    }
+    else if (node.is_array())
+    {
+      for (const auto& item : node)
+        collectImplementations(item, out);
+    }
   }
 
   nlohmann::json m_Stored;
@@ -134,4 +179,40 @@ TEST_F(StoredFileFixture, TwoFilesInTwoViewsLoadAsSaved)
   EXPECT_EQ(saved["split_view_state"]["grid_cols"], 2);
   EXPECT_EQ(saved["tree_view_state"].size(), m_Stored["tree_view_state"].size());
   EXPECT_EQ(saved["tree_view_state"][1]["item_children"][0]["item_children"].size(), 3u);
+}
+
+TEST_F(StoredFileFixture, DataViewSettingsSaveAsStoredAndAPresetSurvivesLoadAndPaste)
+{
+  const auto path = prepare("two_files_two_views.vlxstate");
+  ASSERT_FALSE(HasFailure());
+  m_Module->loadState(qpath(path));
+  pump();
+  EXPECT_TRUE(output.isEmpty()) << output.join('\n').toStdString();
+
+  // every data view writes back exactly what was stored
+  nlohmann::json saved;
+  m_Module->saveState(saved);
+  std::vector<nlohmann::json> stored;
+  std::vector<nlohmann::json> written;
+  collectImplementations(m_Stored, stored);
+  collectImplementations(saved, written);
+  ASSERT_EQ(written.size(), stored.size());
+  for (std::size_t i = 0; i < stored.size(); ++i)
+    EXPECT_EQ(written[i].dump(2), stored[i].dump(2)) << "data view " << i;
+
+  // the wireframe was saved with a preset of its own
+  VXPointsRepPimpl* faces = settings(representation("Grain Boundaries", "Wireframe View"), 1);
+  ASSERT_NE(faces, nullptr);
+  EXPECT_FALSE(faces->usingDefaultPreset());
+  EXPECT_EQ(faces->colorPreset().name, "Viridis");
+  expectPresetColours(faces, "Viridis");
+
+  // pasted onto a data view that shows the default map, the preset comes along
+  VXPointsRepPimpl* phases = settings(representation("Microstructure", "Surface View"), 0);
+  ASSERT_NE(phases, nullptr);
+  expectPresetColours(phases, "Cool to Warm");
+  faces->copySettingsToClipboard();
+  phases->pasteSettingsFromClipboard();
+  EXPECT_FALSE(phases->usingDefaultPreset());
+  expectPresetColours(phases, "Viridis");
 }
