@@ -10,9 +10,11 @@ set(KXVTK_INSTALLED_HEADERS
   utils/DataSetReaders.hpp
   utils/GridAxesUtils.hpp
   utils/KXVtkModuleUtils.hpp
+  utils/PipelineUtils.hpp
   visualization/FileToVXBridge.hpp
   visualization/KXToVXBridge.hpp
   visualization/VXBridgeObject.hpp
+  visualization/VXColoringSettings.hpp
   visualization/VXCoreObject.hpp
   visualization/VXDataSource.hpp
   visualization/VXFilter.hpp
@@ -33,6 +35,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXWireframeRep.hpp
   visualization/VXWireframeRepPimpl.hpp
   visualization/QtWidgets/VXAbstractViewWidget.hpp
+  visualization/QtWidgets/VXCustomRangeDialog.hpp
   visualization/QtWidgets/VXDatasetInfoWidget.hpp
   visualization/QtWidgets/VXFrameRateCallback.hpp
   visualization/QtWidgets/VXGLWidget.hpp
