@@ -131,6 +131,23 @@ TEST(HostBridge, GeometryWithTwoParentsIsReportedAndSkipped)
   // the old data source keeps the old data
   ASSERT_EQ(pipeline.bridges().first()->dataSources().size(), 1);
   EXPECT_EQ(grains->getOutput(), oldData);
+
+  // a geometry new to this run, with two parents, is skipped the same way
+  auto third = hostResult(7, true);
+  auto* other = DataGroup::Create(*third, "Folder");
+  ASSERT_TRUE(
+    third->setAdditionalParent(third->getId(DataPath({ "Seeds" })).value(), other->getId()));
+  popups.clear();
+  output.clear();
+  QSignalSpy sourcesAdded(&pipeline, &VXPipeline::dataSourceAdded);
+  pipeline.reloadPipelineOutput(&run, third);
+  ASSERT_EQ(popups.count(), 1);
+  EXPECT_EQ(popups.at(0).at(1).toString(), QString(text).replace("Grains", "Seeds"));
+  ASSERT_EQ(output.count(), 1);
+  EXPECT_EQ(output.at(0).at(0).toString(), QString(text).replace("Grains", "Seeds"));
+  EXPECT_EQ(sourcesAdded.count(), 0);
+  EXPECT_EQ(pipeline.bridges().first()->dataSourceNames(), QStringList{ "Grains" });
+  EXPECT_NE(grains->getOutput(), oldData);
 }
 
 TEST(HostBridge, StateKeysAndFallbackOnRead)
