@@ -1,6 +1,7 @@
 #include "StateTestSupport.hpp"
 
 #include <visualization/FileToVXBridge.hpp>
+#include <visualization/VXRepresentationPimpl.hpp>
 #include <visualization/VXStateItemFactory.hpp>
 
 #include <vtkNew.h>
@@ -434,8 +435,8 @@ TEST_F(LoadRulesFixture, CapitalSuffixAndPerViewSourceVisibilityLoadAsSaved)
   pump();
   const QStringList before = treeLines();
   ASSERT_EQ(before.size(), 6) << before.join('\n').toStdString();
-  EXPECT_EQ(before.at(1).toStdString(), "  VXDataSource Hexahedron.vtu [on,-]");
-  EXPECT_EQ(before.at(4).toStdString(), "  VXDataSource Tetrahedron.vtu [-,on]");
+  EXPECT_EQ(before.at(1).toStdString(), "  VXDataSource Hexahedron [on,-]");
+  EXPECT_EQ(before.at(4).toStdString(), "  VXDataSource Tetrahedron [-,on]");
   json saved;
   m_Module->saveState(saved);
   freshModule();
