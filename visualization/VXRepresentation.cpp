@@ -7,7 +7,6 @@
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXRepresentationPimpl.hpp"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QDebug>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
@@ -161,13 +160,9 @@ void VXRepresentation::removeModuleInstance(VXAbstractViewWidget* view)
     return;
   std::shared_ptr<VXRepresentationPimpl> implementation = iter.value();
   m_ViewImplementations.erase(iter);
-  if (implementation == nullptr)
-    return;
-  implementation->finalize();
-  // released from the event loop: the caller may be a signal of the implementation's own page
-  if (QCoreApplication* application = QCoreApplication::instance())
-    QMetaObject::invokeMethod(
-      application, [released = std::move(implementation)]() {}, Qt::QueuedConnection);
+  // released here, while this item is there for the implementation's destructor
+  if (implementation != nullptr)
+    implementation->finalize();
 }
 
 void VXRepresentation::removeModule()
