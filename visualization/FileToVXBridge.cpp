@@ -9,9 +9,14 @@
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QFileSystemWatcher>
+#include <QtCore/QTimer>
 
 namespace
 {
+/** How long a file may be away in a save (renamed over by a temporary file) before it counts as
+ * gone. */
+constexpr int k_RecheckMilliseconds = 200;
+
 /** Reads a VTK or image file by suffix; empty suffix means not one of ours. */
 vtkSmartPointer<vtkDataSet> readOtherFile(const QString& path, const QString& suffix, bool& known)
 {
@@ -51,8 +56,17 @@ QString locateMissingFile(const QString& purpose, const QString& dialogTitle,
 FileToVXBridge::FileToVXBridge(QObject* parent)
   : VXBridgeObject(parent)
   , m_FileWatcher(new QFileSystemWatcher(this))
+  , m_RecheckTimer(new QTimer(this))
 {
   connect(m_FileWatcher, &QFileSystemWatcher::fileChanged, this, &FileToVXBridge::onFileChanged);
+  m_RecheckTimer->setSingleShot(true);
+  m_RecheckTimer->setInterval(k_RecheckMilliseconds);
+  connect(m_RecheckTimer, &QTimer::timeout, this,
+          [this]()
+          {
+            if (!isWatchingFile() && !rewatchIfBack())
+              flagMissing();
+          });
 }
 
 FileToVXBridge::~FileToVXBridge() = default;
@@ -88,6 +102,7 @@ QIcon FileToVXBridge::getIcon()
 void FileToVXBridge::import(const QString& filePath)
 {
   m_FilePath = filePath;
+  m_RecheckTimer->stop();
   if (!m_FileWatcher->files().contains(filePath))
     m_FileWatcher->addPath(filePath);
   setName(QFileInfo(filePath).fileName(), 0);
@@ -183,11 +198,35 @@ void FileToVXBridge::onFileChanged(const QString&)
     return;
   if (m_FileWatcher->files().contains(m_FilePath))
   {
-    m_Flagged = false;
-    Q_EMIT autoReloadFlagChanged(this, false);
-    reload();
+    reloadRewritten();
     return;
   }
+  // Qt dropped the watch with the old file. Most tools save by renaming a temporary file over
+  // this one: then the path is back already, or very soon.
+  if (!rewatchIfBack())
+    m_RecheckTimer->start();
+}
+
+bool FileToVXBridge::rewatchIfBack()
+{
+  if (m_FilePath.isEmpty() || !QFileInfo::exists(m_FilePath) || !m_FileWatcher->addPath(m_FilePath))
+    return false;
+  m_RecheckTimer->stop();
+  reloadRewritten();
+  return true;
+}
+
+void FileToVXBridge::reloadRewritten()
+{
+  m_Flagged = false;
+  Q_EMIT autoReloadFlagChanged(this, false);
+  reload();
+}
+
+void FileToVXBridge::flagMissing()
+{
+  if (m_Flagged)
+    return;
   m_Flagged = true;
   Q_EMIT autoReloadFlagChanged(this, true);
   Q_EMIT sendFileMovedMessage(QString("File item %1 is no longer auto reloading because the source "
@@ -203,6 +242,8 @@ void FileToVXBridge::setWatchFile(bool watch)
   if (m_FileWatcher == nullptr)
     return;
   const bool watching = isWatchingFile();
+  if (!watch)
+    m_RecheckTimer->stop();
   if (watching && !watch)
   {
     m_FileWatcher->removePath(m_FilePath);

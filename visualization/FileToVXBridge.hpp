@@ -5,12 +5,14 @@
 #include <string_view>
 
 class QFileSystemWatcher;
+class QTimer;
 
 /**
  * A bridge that reads a file: a ".voxelia" host file (its geometries, shared
  * zero-copy from the structure read) or a VTK or image file (one data set).
- * It watches the file: a rewrite reloads silently; a rename or delete flags
- * the item once and tells the user.
+ * It watches the file: a rewrite reloads silently, also a save that writes a
+ * temporary file and renames it over this one; a rename or delete flags the
+ * item once and tells the user.
  */
 class KXVTKLIB_EXPORT FileToVXBridge : public VXBridgeObject
 {
@@ -50,7 +52,16 @@ protected Q_SLOTS:
   void onFileChanged(const QString& path);
 
 private:
+  /** The file is there again after its watch went: watch it again and reload; true if so. */
+  bool rewatchIfBack();
+  /** The file has new content: clears the flag and reloads. */
+  void reloadRewritten();
+  /** The file stayed away: flags the item and tells the user, once. */
+  void flagMissing();
+
   QString m_FilePath;
   bool m_Flagged = false;
   QFileSystemWatcher* m_FileWatcher = nullptr;
+  /** A second look shortly after a notice that the file went. */
+  QTimer* m_RecheckTimer = nullptr;
 };

@@ -65,8 +65,9 @@ void VXBridgeObject::onDataSourceRemoved(VXDataSource* source)
 
 void VXBridgeObject::clear()
 {
-  // the list is emptied by each source's removal, not here
+  // taken off the list first: without a model nothing else would forget them
   const QList<VXDataSource*> sources = m_DataSources;
+  m_DataSources.clear();
   for (VXDataSource* source : sources)
     delete source;
 }
@@ -140,6 +141,13 @@ void VXBridgeObject::reloadDataStructure(std::shared_ptr<kx::core::DataStructure
   }
   for (const auto& geometry : remaining)
   {
+    if (geometry->getDataPaths().size() >= 2)
+    {
+      const QString text = multipleParentsText(geometry);
+      Q_EMIT sendPopupMessage("Geometry Not Loaded", text);
+      Q_EMIT sendOutputMessage(text);
+      continue;
+    }
     auto wrapped = CV::VtkBridge::WrapGeometry(geometry);
     if (wrapped)
     {

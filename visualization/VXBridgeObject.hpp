@@ -50,7 +50,7 @@ public:
   int getNameSuffixCounter() const { return m_NameSuffixCounter; }
   QList<VXDataSource*> dataSources() const { return m_DataSources; }
   QStringList dataSourceNames() const;
-  /** Deletes every data source; each one's removal takes it out of the list. */
+  /** Takes every data source off the list and deletes it. */
   void clear();
   void setActive(bool active) { m_Active = active; }
   bool isActive() const { return m_Active; }

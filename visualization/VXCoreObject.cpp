@@ -14,6 +14,19 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QScrollArea>
 
+namespace
+{
+/** A view that closes, or goes without closing, leaves the item's map: a later view may get its
+ * address. */
+void forgetWhenGone(QObject* item, QMap<VXAbstractViewWidget*, bool>& views,
+                    VXAbstractViewWidget* view)
+{
+  auto forget = [&views, view]() { views.remove(view); };
+  QObject::connect(view, &VXAbstractViewWidget::closingView, item, forget);
+  QObject::connect(view, &QObject::destroyed, item, forget);
+}
+} // namespace
+
 VXCoreObject::VXCoreObject(QObject* parent)
   : QObject(parent)
   , m_SettingsTitleFrame(new QFrame())
@@ -95,9 +108,12 @@ void VXCoreObject::setPipeline(VXPipeline* pipeline)
 
 void VXCoreObject::addViewWidget(VXAbstractViewWidget* view)
 {
+  const bool known = m_ViewWidgets.contains(view);
   m_ViewWidgets[view] = true;
   if (view == nullptr)
     return;
+  if (!known)
+    forgetWhenGone(this, m_ViewWidgets, view);
   connect(view, &VXAbstractViewWidget::viewWidgetCreated, this, &VXCoreObject::addViewWidgetCopy,
           Qt::UniqueConnection);
   if (VXVisualizationWidget* renderWidget = view->getVisualizationWidget())
@@ -200,7 +216,11 @@ void VXCoreObject::read(const nlohmann::json& input, const QMap<int, VXAbstractV
   {
     const int index = entry.at("render_window_index").get<int>();
     const bool visible = entry.at("core_object_visibility").get<bool>();
-    if (views.contains(index))
-      m_ViewWidgets[views.value(index)] = visible;
+    VXAbstractViewWidget* view = views.value(index, nullptr);
+    if (view == nullptr)
+      continue;
+    if (!m_ViewWidgets.contains(view))
+      forgetWhenGone(this, m_ViewWidgets, view);
+    m_ViewWidgets[view] = visible;
   }
 }

@@ -3,6 +3,7 @@
 #include "utils/KXVtkModuleUtils.hpp"
 #include "visualization/QtWidgets/VXDatasetInfoWidget.hpp"
 #include "visualization/VXLookupTable.hpp"
+#include "visualization/VXPipeline.hpp"
 #include "visualization/VXUserPrompt.hpp"
 
 #include <KXComponents/ColorPresetsDialog.hpp>
@@ -18,6 +19,7 @@
 #include <vtkPointData.h>
 #include <vtkTrivialProducer.h>
 
+#include <QtCore/QDebug>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 #include <QtWidgets/QGridLayout>
@@ -48,6 +50,26 @@ bool readColor(const nlohmann::json& input, const char* r, const char* g, const 
     return false;
   color = QColor(input[r].get<int>(), input[g].get<int>(), input[b].get<int>());
   return true;
+}
+
+/** The first key of the data source's settings whose value has the wrong type, or empty. */
+QString wrongTypedPasteKey(const nlohmann::json& state)
+{
+  for (const char* key :
+       { "data_source_solid_color_r", "data_source_solid_color_g", "data_source_solid_color_b",
+         "data_source_nan_color_r", "data_source_nan_color_g", "data_source_nan_color_b" })
+  {
+    if (state.contains(key) && !state.at(key).is_number())
+      return key;
+  }
+  for (const char* key : { "data_source_using_default_preset", "data_source_color_map_inverted" })
+  {
+    if (state.contains(key) && !state.at(key).is_boolean())
+      return key;
+  }
+  if (state.contains("current_preset") && !state.at("current_preset").is_object())
+    return "current_preset";
+  return {};
 }
 } // namespace
 
@@ -315,6 +337,21 @@ void VXDataSource::read(const nlohmann::json& input, const QMap<int, VXAbstractV
   VXCoreObject::read(input, views);
   if (!input.is_object())
     return;
+  // a list of views says all there is about them: a view it leaves out doesn't show this source,
+  // even the one that was active when the source arrived
+  const auto listed = input.find("render_window_index");
+  const bool perView = listed != input.end() && listed->is_array() && !listed->empty();
+  if (perView)
+  {
+    QList<int> indices;
+    for (const nlohmann::json& entry : *listed)
+      indices.append(entry.at("render_window_index").get<int>());
+    for (auto iter = views.cbegin(); iter != views.cend(); ++iter)
+    {
+      if (!indices.contains(iter.key()))
+        m_ViewWidgets.remove(iter.value());
+    }
+  }
   if (auto iter = input.find("core_object_name"); iter != input.end() && iter->is_string())
     setBaseName(QString::fromStdString(iter->get<std::string>()));
   if (auto iter = input.find("imported_data_path"); iter != input.end() && iter->is_string())
@@ -338,7 +375,9 @@ void VXDataSource::read(const nlohmann::json& input, const QMap<int, VXAbstractV
   if (auto iter = input.find("data_source_color_map_inverted");
       iter != input.end() && iter->is_boolean())
     m_ColorsInverted = iter->get<bool>();
-  if (auto iter = input.find("data_source_visibility"); iter != input.end() && iter->is_boolean())
+  // the active view's visibility only stands in for a missing list of views
+  if (auto iter = input.find("data_source_visibility");
+      !perView && iter != input.end() && iter->is_boolean())
     setVisibility(iter->get<bool>());
 }
 
@@ -351,10 +390,29 @@ void VXDataSource::copyActiveSettings() const
 
 void VXDataSource::pasteToActiveSettings()
 {
-  const nlohmann::json state =
+  auto report = [this](const QString& reason)
+  {
+    const QString text = QString("Cannot paste settings to %1: %2").arg(name(), reason);
+    if (m_Pipeline != nullptr)
+      Q_EMIT m_Pipeline->sendOutputMessage(text);
+    else
+      qWarning().noquote() << text;
+  };
+  nlohmann::json state =
     nlohmann::json::parse(QGuiApplication::clipboard()->text().toStdString(), nullptr, false);
-  if (state.is_discarded())
+  if (state.is_discarded() || !state.is_object())
+  {
+    report("the clipboard does not hold the settings of a visualization item.");
     return;
+  }
+  // settings only: the visibility in each view stays as the user set it
+  state.erase("render_window_index");
+  state.erase("data_source_visibility");
+  if (const QString key = wrongTypedPasteKey(state); !key.isEmpty())
+  {
+    report(QString("the value of \"%1\" has the wrong type.").arg(key));
+    return;
+  }
   // a paste changes the settings, never the identity
   const QString savedName = m_BaseName;
   const kx::core::DataPath savedPath = importedDataPath();

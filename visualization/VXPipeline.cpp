@@ -66,6 +66,8 @@ void VXPipeline::addBridge(VXBridgeObject* bridge)
 
 bool VXPipeline::importFile(const QString& filePath)
 {
+  if (filePath.isEmpty())
+    return false;
   auto* bridge = new FileToVXBridge(this);
   addBridge(bridge);
   // the data sources arrive through the connected signals, into a tree that has their bridge
@@ -78,6 +80,8 @@ bool VXPipeline::importFile(const QString& filePath)
 bool VXPipeline::importPipelineOutput(KX::IPipelineController* controller,
                                       std::shared_ptr<kx::core::DataStructure>& structure)
 {
+  if (structure == nullptr)
+    return false;
   auto* bridge = new KXToVXBridge(this);
   bridge->setParent(this);
   Q_EMIT pipelineBridgeAdded(bridge);
@@ -91,6 +95,8 @@ bool VXPipeline::importPipelineOutput(KX::IPipelineController* controller,
 bool VXPipeline::reloadPipelineOutput(KX::IPipelineController* controller,
                                       std::shared_ptr<kx::core::DataStructure>& structure)
 {
+  if (structure == nullptr)
+    return false;
   if (controller != nullptr)
   {
     const QString uuid = controller->getPipelineUuid();

@@ -7,6 +7,10 @@
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXRepresentationPimpl.hpp"
 
+#include <QtCore/QDebug>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
+
 #include <map>
 
 namespace
@@ -115,6 +119,14 @@ void VXRepresentation::connectViewSignals(VXAbstractViewWidget* view)
           &VXRepresentation::addViewWidgetCopy, Qt::UniqueConnection);
   if (!m_ViewWidgets.contains(view))
     m_ViewWidgets.insert(view, true);
+  // a view deleted without closing first leaves nothing behind either; its renderer goes with
+  // it, so there is nothing to take out of it
+  connect(view, &QObject::destroyed, this,
+          [this, view]()
+          {
+            m_ViewWidgets.remove(view);
+            m_ViewImplementations.remove(view);
+          });
 }
 
 void VXRepresentation::initializeViewWidgetSplits(vtkAlgorithmOutput* port, bool visible)
@@ -142,12 +154,13 @@ void VXRepresentation::addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
 
 void VXRepresentation::removeModuleInstance(VXAbstractViewWidget* view)
 {
+  m_ViewWidgets.remove(view);
   auto iter = m_ViewImplementations.find(view);
   if (iter == m_ViewImplementations.end())
     return;
   std::shared_ptr<VXRepresentationPimpl> implementation = iter.value();
   m_ViewImplementations.erase(iter);
-  m_ViewWidgets.remove(view);
+  // released here, while this item is there for the implementation's destructor
   if (implementation != nullptr)
     implementation->finalize();
 }
@@ -232,8 +245,41 @@ void VXRepresentation::copyActiveSettings() const
 
 void VXRepresentation::pasteToActiveSettings()
 {
-  if (VXRepresentationPimpl* active = activeImplementation())
+  VXRepresentationPimpl* active = activeImplementation();
+  if (active == nullptr)
+    return;
+  auto report = [this](const QString& reason)
+  {
+    const QString text = QString("Cannot paste settings to %1: %2").arg(name(), reason);
+    if (m_Pipeline != nullptr)
+      Q_EMIT m_Pipeline->sendOutputMessage(text);
+    else
+      qWarning().noquote() << text;
+  };
+  const QClipboard* clipboard = QGuiApplication::clipboard();
+  const nlohmann::json pasted = nlohmann::json::parse(
+    clipboard != nullptr ? clipboard->text().toStdString() : std::string(), nullptr, false);
+  if (pasted.is_discarded() || !pasted.is_object())
+  {
+    report("the clipboard does not hold the settings of a visualization item.");
+    return;
+  }
+  // a value of the wrong type stops the read half way: the settings before it come back
+  nlohmann::json before = nlohmann::json::object();
+  active->write(before);
+  const bool visible = active->isVisible();
+  try
+  {
     active->pasteSettingsFromClipboard();
+  }
+  catch (const nlohmann::json::exception& error)
+  {
+    active->read(before);
+    report(QString::fromUtf8(error.what()));
+  }
+  // settings only: the visibility stays as the user set it
+  if (active->isVisible() != visible)
+    active->setVisibility(visible);
 }
 
 void VXRepresentation::updatePath()

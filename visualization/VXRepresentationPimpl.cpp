@@ -83,6 +83,12 @@ VXRepresentationPimpl::VXRepresentationPimpl(VXAbstractViewWidget* view, VXRepre
               "/html/Visualization/ApplyingRepresentations.html";
   if (view != nullptr)
     m_SplitId = view->getSplitId();
+  if (view != nullptr && owner != nullptr)
+  {
+    // a closed view takes its implementation out of the item
+    connect(view, &VXAbstractViewWidget::closingView, owner,
+            [owner, view]() { owner->removeModuleInstance(view); });
+  }
 
   m_PressCallback = vtkSmartPointer<vtkCallbackCommand>::New();
   m_PressCallback->SetClientData(this);

@@ -11,6 +11,7 @@
 #include <vtkPointData.h>
 
 #include <QtCore/QFile>
+#include <QtCore/QSaveFile>
 #include <QtTest/QSignalSpy>
 
 #include <fstream>
@@ -232,6 +233,56 @@ TEST(FileBridge, WatchedFileFollowsRewriteRenameAndDelete)
   ASSERT_TRUE(waitFor([&] { return bridge->autoReloadFlagged(); }));
   QCoreApplication::processEvents();
   EXPECT_EQ(output.count(), 2);
+}
+
+// Most tools save by writing a temporary file and renaming it over the old one: that reloads
+// like a rewrite in place, also in a quick burst, and only a file that stays away flags the item.
+TEST(FileBridge, AtomicSavesReloadAndOnlyAFileThatStaysAwayFlags)
+{
+  ScopedSettings settings;
+  kxtest::TempDir dir;
+  const auto path = dir / "cloud.vtk";
+  // a cloud of n points, saved through a temporary file renamed over the old one
+  auto save = [&](int n)
+  {
+    QByteArray text = "# vtk DataFile Version 3.0\ncloud\nASCII\nDATASET POLYDATA\nPOINTS " +
+                      QByteArray::number(n) + " float\n";
+    for (int i = 0; i < n; ++i)
+      text += QByteArray::number(i) + " 0 0\n";
+    QSaveFile file(qpath(path));
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
+  };
+  ASSERT_TRUE(save(1));
+  VXPipeline pipeline;
+  FileToVXBridge* bridge = importInto(pipeline, path);
+  ASSERT_EQ(bridge->dataSources().size(), 1);
+  auto points = [&] { return bridge->dataSources().first()->getOutput()->GetNumberOfPoints(); };
+  ASSERT_EQ(points(), 1);
+  QSignalSpy output(&pipeline, &VXPipeline::sendOutputMessage);
+
+  ASSERT_TRUE(save(2));
+  ASSERT_TRUE(waitFor([&] { return points() == 2; }));
+  EXPECT_TRUE(bridge->isWatchingFile());
+
+  for (int n = 3; n <= 52; ++n)
+    ASSERT_TRUE(save(n));
+  ASSERT_TRUE(waitFor([&] { return points() == 52; }));
+  // late notices of the burst change nothing
+  waitFor([] { return false; }, 500);
+  EXPECT_EQ(points(), 52);
+  EXPECT_TRUE(bridge->isWatchingFile());
+  EXPECT_FALSE(bridge->autoReloadFlagged());
+  EXPECT_EQ(output.count(), 0);
+
+  // renamed away for good: flagged and told once
+  std::filesystem::rename(path, dir / "moved.vtk");
+  ASSERT_TRUE(waitFor([&] { return bridge->autoReloadFlagged(); }));
+  waitFor([] { return false; }, 300);
+  ASSERT_EQ(output.count(), 1);
+  EXPECT_TRUE(output.at(0).at(0).toString().startsWith(
+    "File item cloud.vtk is no longer auto reloading because the source file at path"));
+  EXPECT_FALSE(bridge->isWatchingFile());
+  EXPECT_EQ(points(), 52);
 }
 
 TEST(FileBridge, ReloadOfMissingFileAsksFirst)

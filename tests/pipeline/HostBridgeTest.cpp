@@ -131,6 +131,27 @@ TEST(HostBridge, GeometryWithTwoParentsIsReportedAndSkipped)
   // the old data source keeps the old data
   ASSERT_EQ(pipeline.bridges().first()->dataSources().size(), 1);
   EXPECT_EQ(grains->getOutput(), oldData);
+
+  // a geometry new to this run, with two parents, is skipped the same way
+  auto third = hostResult(7, true);
+  auto* other = DataGroup::Create(*third, "Folder");
+  ASSERT_TRUE(
+    third->setAdditionalParent(third->getId(DataPath({ "Seeds" })).value(), other->getId()));
+  popups.clear();
+  output.clear();
+  QSignalSpy sourcesAdded(&pipeline, &VXPipeline::dataSourceAdded);
+  pipeline.reloadPipelineOutput(&run, third);
+  const QString seedsText = QString(text).replace("Grains", "Seeds");
+  ASSERT_GE(popups.count(), 1);
+  ASSERT_EQ(output.count(), popups.count());
+  for (int i = 0; i < popups.count(); ++i)
+  {
+    EXPECT_EQ(popups.at(i).at(1).toString(), seedsText);
+    EXPECT_EQ(output.at(i).at(0).toString(), seedsText);
+  }
+  EXPECT_EQ(sourcesAdded.count(), 0);
+  EXPECT_EQ(pipeline.bridges().first()->dataSourceNames(), QStringList{ "Grains" });
+  EXPECT_NE(grains->getOutput(), oldData);
 }
 
 TEST(HostBridge, StateKeysAndFallbackOnRead)

@@ -3,6 +3,8 @@
 #include <visualization/FileToVXBridge.hpp>
 #include <visualization/VXDataSource.hpp>
 
+#include <bridge/VtkBridge.hpp>
+
 #include <vtkCellArray.h>
 #include <vtkImageData.h>
 #include <vtkPoints.h>
@@ -11,6 +13,7 @@
 #include <vtkStructuredGrid.h>
 #include <vtkUnstructuredGrid.h>
 
+#include <QtCore/QPointer>
 #include <QtTest/QSignalSpy>
 
 using namespace pipelinetest;
@@ -229,4 +232,54 @@ TEST(Pipeline, ActiveViewSignalComesBeforeTheChange)
   ASSERT_EQ(spy.count(), 1);
   EXPECT_EQ(seenDuringSignal, &first);
   EXPECT_EQ(pipeline.activeViewWidget(), &second);
+}
+
+// Calls with nothing to work on are refused and leave the tree as it was; a bridge used on its
+// own, without a model, replaces its data sources cleanly.
+TEST(Pipeline, CallsWithoutDataAreRefusedAndChangeNothing)
+{
+  ScopedSettings settings;
+  kxtest::TempDir dir;
+  VXPipeline pipeline;
+  QSignalSpy added(&pipeline, &VXPipeline::pipelineBridgeAdded);
+  QSignalSpy popups(&pipeline, &VXPipeline::sendPopupMessage);
+  FakeController run("Run", "u");
+  std::shared_ptr<kx::core::DataStructure> none;
+  EXPECT_FALSE(pipeline.importFile(""));
+  EXPECT_FALSE(pipeline.importPipelineOutput(&run, none));
+  EXPECT_FALSE(pipeline.reloadPipelineOutput(&run, none));
+  EXPECT_FALSE(pipeline.reloadPipelineOutput(nullptr, none));
+  EXPECT_EQ(added.count(), 0);
+  EXPECT_TRUE(pipeline.bridges().isEmpty());
+
+  // a run in place: a null reload of it keeps its data sources and announces nothing
+  QString error;
+  auto structure = CV::VtkBridge::selectivelyImportGeometryData(qpath(writeSample(dir)), &error);
+  ASSERT_TRUE(structure) << error.toStdString();
+  ASSERT_TRUE(pipeline.importPipelineOutput(&run, structure));
+  ASSERT_EQ(pipeline.bridges().size(), 1);
+  const QList<VXDataSource*> sources = pipeline.bridges().first()->dataSources();
+  ASSERT_EQ(sources.size(), 3);
+  QSignalSpy reloaded(&pipeline, &VXPipeline::pipelineOutputReloaded);
+  EXPECT_FALSE(pipeline.reloadPipelineOutput(&run, none));
+  EXPECT_EQ(pipeline.bridges().size(), 1);
+  EXPECT_EQ(pipeline.bridges().first()->dataSources(), sources);
+  EXPECT_EQ(reloaded.count(), 0);
+  EXPECT_EQ(popups.count(), 0);
+
+  // without a model nothing else takes a deleted data source off the bridge's list
+  const auto hexahedra = kxtest::DataFile("Hexahedron.vtu");
+  const auto tetrahedra = kxtest::DataFile("Tetrahedron.vtu");
+  ASSERT_TRUE(std::filesystem::exists(hexahedra) && std::filesystem::exists(tetrahedra));
+  FileToVXBridge loose;
+  loose.import(qpath(hexahedra));
+  ASSERT_EQ(loose.dataSources().size(), 1);
+  QPointer<VXDataSource> first = loose.dataSources().first();
+  loose.import(qpath(tetrahedra));
+  EXPECT_TRUE(first.isNull());
+  ASSERT_EQ(loose.dataSources().size(), 1);
+  EXPECT_EQ(loose.dataSources().first()->getOutput()->GetNumberOfCells(), 96);
+  loose.clear();
+  EXPECT_TRUE(loose.dataSources().isEmpty());
+  EXPECT_TRUE(loose.dataSourceNames().isEmpty());
 }

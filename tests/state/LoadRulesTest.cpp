@@ -1,10 +1,14 @@
 #include "StateTestSupport.hpp"
 
 #include <visualization/FileToVXBridge.hpp>
+#include <visualization/VXRepresentationPimpl.hpp>
 #include <visualization/VXStateItemFactory.hpp>
 
 #include <vtkNew.h>
 #include <vtkPolyData.h>
+
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 
 using namespace statetest;
 using json = nlohmann::json;
@@ -400,4 +404,106 @@ TEST_F(LoadRulesFixture, LoadingFromAPathAsksFirstAndReportsUnreadableFiles)
   EXPECT_TRUE(output[0].contains("parse error")) << output[0].toStdString();
   EXPECT_TRUE(info()->modelIsEmpty());
   EXPECT_EQ(grid()->viewCount(), 1);
+}
+
+TEST_F(LoadRulesFixture, CapitalSuffixAndPerViewSourceVisibilityLoadAsSaved)
+{
+  // a host file named in capitals is still matched by path
+  const auto capitals = m_Dir / "SAMPLE.VOXELIA";
+  std::filesystem::copy_file(m_Sample, capitals);
+  load(stateWith(json::array({ fileBridge(
+    capitals,
+    json::array({ voxeliaSource("Grain Centroids", json::array({ item("VXPointsRep") })) })) })));
+  EXPECT_TRUE(output.isEmpty()) << output.join('\n').toStdString();
+  ASSERT_EQ(dataSources().size(), 1);
+  EXPECT_EQ(childTypes(sourceNamed("Grain Centroids")), QStringList{ "VXPointsRep" });
+
+  // two views; the second file arrives while the right one is active, and the left's file is
+  // hidden there: the active view doesn't show every data source
+  freshModule();
+  const auto hexahedra = kxtest::DataFile("Hexahedron.vtu");
+  const auto tetrahedra = kxtest::DataFile("Tetrahedron.vtu");
+  ASSERT_TRUE(std::filesystem::exists(hexahedra) && std::filesystem::exists(tetrahedra));
+  m_Module->pipeline()->importFile(qpath(hexahedra));
+  grid()->addColumn(grid()->allViews().front());
+  pump();
+  VXAbstractViewWidget* right = grid()->allViews().at(1);
+  right->mousePressed();
+  pump();
+  ASSERT_EQ(m_Module->getActiveViewWidget(), right);
+  m_Module->pipeline()->importFile(qpath(tetrahedra));
+  pump();
+  const QStringList before = treeLines();
+  ASSERT_EQ(before.size(), 6) << before.join('\n').toStdString();
+  EXPECT_EQ(before.at(1).toStdString(), "  VXDataSource Hexahedron [on,-]");
+  EXPECT_EQ(before.at(4).toStdString(), "  VXDataSource Tetrahedron [-,on]");
+  json saved;
+  m_Module->saveState(saved);
+  freshModule();
+  load(saved);
+  EXPECT_TRUE(output.isEmpty()) << output.join('\n').toStdString();
+  EXPECT_EQ(treeLines(), before);
+}
+
+TEST_F(LoadRulesFixture, PastedSettingsOfTheWrongShapeAreReportedAndChangeNothing)
+{
+  m_Module->pipeline()->importFile(qpath(kxtest::DataFile("Hexahedron.vtu")));
+  pump();
+  ASSERT_EQ(dataSources().size(), 1);
+  VXDataSource* source = dataSources().front();
+  const QList<VXRepresentation*> views = representationsUnder(model()->helperIndex(source));
+  ASSERT_EQ(views.size(), 1);
+  VXRepresentation* view = views.front();
+  VXAbstractViewWidget* active = m_Module->getActiveViewWidget();
+  ASSERT_TRUE(view->isVisible());
+  ASSERT_TRUE(source->isVisible());
+  auto stateOf = [&](auto* item)
+  {
+    json state;
+    item->write(state, QMap<VXAbstractViewWidget*, int>{ { active, 0 } });
+    return state;
+  };
+  const json sourceBefore = stateOf(source);
+  const json viewBefore = stateOf(view);
+  // each text with the number of the two items (source, data view) that find it malformed
+  const std::vector<std::pair<const char*, int>> texts = {
+    { "not json at all", 2 },
+    { "[1, 2]", 2 },
+    { R"({"data_source_solid_color_r": "ten", "data_source_solid_color_g": 20,)"
+      R"( "data_source_solid_color_b": 30})",
+      1 },
+    { R"({"detach_color_settings": false, "data_grid_visible": "yes"})", 1 },
+  };
+  for (const auto& [text, reports] : texts)
+  {
+    SCOPED_TRACE(text);
+    output.clear();
+    QGuiApplication::clipboard()->setText(text);
+    source->pasteToActiveSettings();
+    view->pasteToActiveSettings();
+    ASSERT_EQ(output.size(), reports) << output.join('\n').toStdString();
+    for (const QString& line : output)
+      EXPECT_TRUE(line.startsWith("Cannot paste settings to ")) << line.toStdString();
+    EXPECT_EQ(stateOf(source), sourceBefore);
+    EXPECT_EQ(stateOf(view), viewBefore);
+  }
+
+  // settings that fit are taken, but never the visibility
+  output.clear();
+  QGuiApplication::clipboard()->setText(
+    R"({"data_source_solid_color_r": 10, "data_source_solid_color_g": 20,)"
+    R"( "data_source_solid_color_b": 30, "data_source_visibility": false,)"
+    R"( "render_window_index": [{"render_window_index": 0, "core_object_visibility": false}]})");
+  source->pasteToActiveSettings();
+  EXPECT_TRUE(output.isEmpty()) << output.join('\n').toStdString();
+  EXPECT_EQ(source->getSolidColor(), QColor(10, 20, 30));
+  EXPECT_TRUE(source->isVisible());
+  json hidden = viewBefore["rep_view_implementations"][0];
+  hidden["representation_visible"] = false;
+  hidden["data_grid_visible"] = true;
+  QGuiApplication::clipboard()->setText(QString::fromStdString(hidden.dump()));
+  view->pasteToActiveSettings();
+  EXPECT_TRUE(output.isEmpty()) << output.join('\n').toStdString();
+  EXPECT_TRUE(view->activeImplementation()->isDataGridVisible());
+  EXPECT_TRUE(view->isVisible());
 }

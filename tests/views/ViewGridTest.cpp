@@ -412,7 +412,7 @@ TEST_F(GridTest, BadGridStateLeavesTheViewsOrThrowsTheTypeError)
   EXPECT_FALSE(m_Grid->allViews().value(0)->isRenderBlocked());
 }
 
-TEST_F(GridTest, DataViewShownInAViewAppearsInItsSplit)
+TEST_F(GridTest, DataViewFollowsSplitsAndLeavesClosedViews)
 {
   kxtest::TempDir dir;
   vtkNew<vtkSphereSource> sphere;
@@ -454,8 +454,33 @@ TEST_F(GridTest, DataViewShownInAViewAppearsInItsSplit)
   EXPECT_EQ(dataViewActorCount(second), shown);
   EXPECT_TRUE(rep->viewWidgets().value(second, false));
 
-  // closing the split leaves the first view's data view alone
-  second->closeView();
+  // closing the split leaves the first view's data view alone, and nothing is kept for the
+  // closed view
+  QTest::mouseClick(second->findChild<QPushButton*>("closeButton"), Qt::LeftButton);
   pump();
+  ASSERT_EQ(m_Grid->viewCount(), 1);
   EXPECT_EQ(dataViewActorCount(first), shown);
+  EXPECT_EQ(rep->viewImplementations().keys(), QList<VXAbstractViewWidget*>{ first });
+  EXPECT_EQ(rep->viewWidgets().keys(), QList<VXAbstractViewWidget*>{ first });
+  EXPECT_EQ(source->viewWidgets().keys(), QList<VXAbstractViewWidget*>{ first });
+
+  // a second split shows the data view again
+  QTest::mouseClick(first->findChild<QPushButton*>("splitVerticalButton"), Qt::LeftButton);
+  pump();
+  ASSERT_EQ(m_Grid->viewCount(), 2);
+  VXViewWidget* third = viewAt(1);
+  VXRepresentationPimpl* again = rep->implementation(third);
+  ASSERT_NE(again, nullptr);
+  EXPECT_EQ(again->renderer(), third->getVisualizationWidget()->getRenderer());
+  EXPECT_TRUE(again->isVisible());
+  EXPECT_EQ(dataViewActorCount(third), shown);
+  EXPECT_EQ(rep->viewImplementations().size(), 2);
+
+  // a grid replaced by a saved one drops the data view from every old view
+  m_Grid->loadState(twoColumnState(3, 7));
+  pump();
+  EXPECT_EQ(m_Grid->viewCount(), 2);
+  EXPECT_TRUE(rep->viewImplementations().isEmpty());
+  EXPECT_TRUE(rep->viewWidgets().isEmpty());
+  EXPECT_TRUE(source->viewWidgets().isEmpty());
 }

@@ -490,7 +490,7 @@ QModelIndex VXInfoWidget::loadDataSource(const QModelIndex& parent, const QStrin
   }
   VXDataSource* match = nullptr;
   const QList<VXDataSource*> children = m_Model->getChildDataSources(parent);
-  if (QFileInfo(filePath).suffix() == "voxelia")
+  if (QFileInfo(filePath).suffix().compare("voxelia", Qt::CaseInsensitive) == 0)
   {
     if (!itemData.is_object() || !itemData.contains("imported_data_path"))
     {

@@ -250,6 +250,13 @@ void VXViewGridWidget::loadState(const nlohmann::json& input, VXAbstractViewWidg
     return view;
   };
 
+  // the old views go: the tree items shown in them hear it as from a closed view
+  for (VXAbstractViewWidget* view : allViews())
+  {
+    view->notifyClosingView();
+    if (VXVisualizationWidget* renderWidget = view->getVisualizationWidget())
+      renderWidget->unlinkCamera();
+  }
   clearGrid();
   setGridShape(rows, cols, colWidths, rowHeights);
 
