@@ -19,6 +19,7 @@
 #include <QtCore/QSaveFile>
 #include <QtGui/QImage>
 #include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QDialog>
 
 #include <cstdio>
