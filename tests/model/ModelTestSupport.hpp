@@ -1,5 +1,7 @@
 #pragma once
 
+#include "QtTestSupport.hpp"
+
 #include "TestSupport.hpp"
 
 #include <visualization/FileToVXBridge.hpp>
@@ -57,23 +59,7 @@ public:
   VXAbstractViewWidget* newInstance() override { return new TestView(); }
 };
 
-/** A host pipeline run. */
-class FakeController : public KX::IPipelineController
-{
-public:
-  FakeController(QString name, QString uuid)
-    : m_Name(std::move(name))
-    , m_Uuid(std::move(uuid))
-  {
-  }
-  QString getPipelineName() const override { return m_Name; }
-  QString getPipelineFilePath() const override { return "/tmp/run.kxpipe"; }
-  QString getPipelineUuid() const override { return m_Uuid; }
-
-private:
-  QString m_Name;
-  QString m_Uuid;
-};
+using kxtest::FakeController;
 
 /** A pass-through visual filter: its output is its input. */
 class PassFilter : public VXFilter
@@ -120,31 +106,9 @@ private:
   QWidget m_PageHolder;
 };
 
-/** Settings and preferences of the test's own. */
-class ScopedSettings
-{
-public:
-  ScopedSettings()
-    : m_Previous(QtKXSettings::FilePath())
-  {
-    QtKXSettings::SetFilePath(QString::fromStdString((m_Dir / "settings.ini").string()));
-    KXPreferences::resetToDefaults();
-  }
-  ~ScopedSettings()
-  {
-    QtKXSettings::SetFilePath(m_Previous);
-    KXPreferences::resetToDefaults();
-  }
+using kxtest::ScopedSettings;
 
-private:
-  kxtest::TempDir m_Dir;
-  QString m_Previous;
-};
-
-inline QString qpath(const std::filesystem::path& path)
-{
-  return QString::fromStdString(path.string());
-}
+using kxtest::qpath;
 
 /** Writes a poly data file of two triangles. */
 inline std::filesystem::path writeTriangles(const kxtest::TempDir& dir,
@@ -202,16 +166,7 @@ inline std::shared_ptr<kx::core::DataStructure> hostResult(bool withSeeds)
   return ds;
 }
 
-/** Runs the event loop until the condition holds or the time is up. */
-template<typename Condition>
-bool waitFor(Condition condition, int milliseconds = 5000)
-{
-  QElapsedTimer timer;
-  timer.start();
-  while (!condition() && timer.elapsed() < milliseconds)
-    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-  return condition();
-}
+using kxtest::waitFor;
 
 /** Lets the deferred deletes of removed items happen. */
 inline void flushDeletes()

@@ -1,4 +1,6 @@
 #pragma once
+
+#include "QtTestSupport.hpp"
 // Shared pieces of the module tests: a shown module with scripted answers to
 // every question it asks, settings in a file of the test's own, sample files.
 
@@ -21,15 +23,7 @@ namespace moduletest
 using pipelinetest::qpath;
 using pipelinetest::waitFor;
 
-inline void pump()
-{
-  for (int i = 0; i < 5; ++i)
-  {
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCoreApplication::processEvents();
-  }
-}
+using kxtest::pump;
 
 /** Every dialog the module can open, answered by the test. */
 class ScriptedDialogs : public pipelinetest::ScriptedPrompts

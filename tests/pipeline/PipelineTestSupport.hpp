@@ -1,5 +1,7 @@
 #pragma once
 
+#include "QtTestSupport.hpp"
+
 #include "TestSupport.hpp"
 
 #include <visualization/QtWidgets/VXAbstractViewWidget.hpp>
@@ -29,25 +31,7 @@ public:
   VXAbstractViewWidget* newInstance() override { return new TestView(); }
 };
 
-/** A host pipeline run. */
-class FakeController : public KX::IPipelineController
-{
-public:
-  FakeController(QString name, QString uuid, QString file = "/tmp/pipeline.kxpipe")
-    : m_Name(std::move(name))
-    , m_Uuid(std::move(uuid))
-    , m_File(std::move(file))
-  {
-  }
-  QString getPipelineName() const override { return m_Name; }
-  QString getPipelineFilePath() const override { return m_File; }
-  QString getPipelineUuid() const override { return m_Uuid; }
-
-private:
-  QString m_Name;
-  QString m_Uuid;
-  QString m_File;
-};
+using kxtest::FakeController;
 
 /** A data view that records how the pipeline set it up. */
 class RecordingRep : public VXRepresentation
@@ -96,21 +80,7 @@ inline void registerRecordingViews()
   }
 }
 
-/** Settings go to a file of the test's own. */
-class ScopedSettings
-{
-public:
-  ScopedSettings()
-    : m_Previous(QtKXSettings::FilePath())
-  {
-    QtKXSettings::SetFilePath(QString::fromStdString((m_Dir / "settings.ini").string()));
-  }
-  ~ScopedSettings() { QtKXSettings::SetFilePath(m_Previous); }
-
-private:
-  kxtest::TempDir m_Dir;
-  QString m_Previous;
-};
+using kxtest::ScopedSettings;
 
 /** Answers the questions the code asks, in order, and records them. */
 class ScriptedPrompts
@@ -158,19 +128,7 @@ inline std::filesystem::path writeSample(const kxtest::TempDir& dir,
   return path;
 }
 
-/** Runs the event loop until the condition holds or the time is up. */
-template<typename Condition>
-bool waitFor(Condition condition, int milliseconds = 5000)
-{
-  QElapsedTimer timer;
-  timer.start();
-  while (!condition() && timer.elapsed() < milliseconds)
-    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-  return condition();
-}
+using kxtest::waitFor;
 
-inline QString qpath(const std::filesystem::path& path)
-{
-  return QString::fromStdString(path.string());
-}
+using kxtest::qpath;
 } // namespace pipelinetest

@@ -1,4 +1,6 @@
 #pragma once
+
+#include "QtTestSupport.hpp"
 // Shared helpers of the render widget tests: a shown view, event pumping,
 // event counters and simple props with known bounds.
 
@@ -25,15 +27,7 @@
 
 namespace rendertest
 {
-/** Lets queued calls and paint events run; several rounds so chained posts settle too. */
-inline void pump()
-{
-  for (int i = 0; i < 5; ++i)
-  {
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::processEvents();
-  }
-}
+using kxtest::pump;
 
 /** Counts one VTK event of one object for as long as it lives. */
 class EventCounter

@@ -221,6 +221,6 @@ TEST_F(RoundTripFixture, SavedSceneLoadsIntoAFreshModuleAndSavesTheSameDocumentA
 
   const QImage after = settledImage(m_Module.get());
   ASSERT_EQ(after.size(), before.size());
-  EXPECT_LT(rmsDifference(before, after), 2.0);
+  EXPECT_LT(RmsDifference(before, after), 2.0);
   compareWithBaseline(after, "round_trip_two_views");
 }

@@ -1,4 +1,6 @@
 #pragma once
+
+#include "ImageCompare.hpp"
 // Shared pieces of the state file tests: a shown module (see the module
 // tests), a description of its tree and views that two modules can be compared
 // by, and small file helpers.
@@ -137,66 +139,11 @@ protected:
 
 namespace statetest
 {
-/** Root mean square difference of two images over RGB in 0..255; negative when the sizes differ. */
-inline double rmsDifference(const QImage& a, const QImage& b)
-{
-  if (a.size() != b.size() || a.isNull())
-    return -1.0;
-  const QImage ca = a.convertToFormat(QImage::Format_RGB32);
-  const QImage cb = b.convertToFormat(QImage::Format_RGB32);
-  double sum = 0.0;
-  for (int y = 0; y < ca.height(); ++y)
-  {
-    const auto* la = reinterpret_cast<const QRgb*>(ca.constScanLine(y));
-    const auto* lb = reinterpret_cast<const QRgb*>(cb.constScanLine(y));
-    for (int x = 0; x < ca.width(); ++x)
-    {
-      const double dr = qRed(la[x]) - qRed(lb[x]);
-      const double dg = qGreen(la[x]) - qGreen(lb[x]);
-      const double db = qBlue(la[x]) - qBlue(lb[x]);
-      sum += dr * dr + dg * dg + db * db;
-    }
-  }
-  return std::sqrt(sum / (3.0 * ca.width() * ca.height()));
-}
+using kxtest::RmsDifference;
 
-/** Largest RMS difference (0..255) that still counts as the same picture. */
-constexpr double k_ImageTolerance = 6.0;
-
-/**
- * Compares an image with tests/baselines/state/<name>.png. A missing baseline
- * fails; KXVTK_UPDATE_BASELINES=1 writes the baseline and fails too, so that no
- * baseline is accepted without a person looking at it. A failing image goes to
- * tests/tmp/failed/<name>.png in the build tree.
- */
+/** Compares an image with tests/baselines/state/<name>.png. */
 inline void compareWithBaseline(const QImage& image, const std::string& name)
 {
-  const std::filesystem::path baseline =
-    std::filesystem::path(KXVTK_BASELINE_DIR) / "state" / (name + ".png");
-  const std::filesystem::path failed =
-    std::filesystem::path(KXVTK_TEST_TMP_DIR) / "failed" / (name + ".png");
-  const char* update = std::getenv("KXVTK_UPDATE_BASELINES");
-  if (update != nullptr && std::string(update) == "1")
-  {
-    std::filesystem::create_directories(baseline.parent_path());
-    image.save(qpath(baseline));
-    ADD_FAILURE() << "baseline written, look at it before committing: " << baseline;
-    return;
-  }
-  std::filesystem::create_directories(failed.parent_path());
-  const QImage expected(qpath(baseline));
-  if (expected.isNull())
-  {
-    image.save(qpath(failed));
-    ADD_FAILURE() << "missing baseline " << baseline << "; image written to " << failed;
-    return;
-  }
-  const double rms = rmsDifference(image, expected);
-  if (rms < 0.0 || rms > k_ImageTolerance)
-  {
-    image.save(qpath(failed));
-    ADD_FAILURE() << name << ": RMS difference " << rms << " above " << k_ImageTolerance
-                  << "; image written to " << failed;
-  }
+  kxtest::CompareWithBaseline(image, "state", name);
 }
 } // namespace statetest

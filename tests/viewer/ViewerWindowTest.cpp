@@ -98,16 +98,6 @@ std::array<double, 3> cameraPosition(VXAbstractViewWidget* view)
   return position;
 }
 
-vtkSmartPointer<vtkImageData> readPng(const std::filesystem::path& path)
-{
-  vtkNew<vtkPNGReader> reader;
-  reader->SetFileName(path.string().c_str());
-  reader->Update();
-  auto image = vtkSmartPointer<vtkImageData>::New();
-  image->DeepCopy(reader->GetOutput());
-  return image;
-}
-
 /**
  * RMS difference (0..255) of two equally sized images, the smallest over
  * shifts of up to @p slack pixels: panes whose widths differ by a pixel put
@@ -141,48 +131,11 @@ double smallestShiftedDifference(const QImage& a, const QImage& b, int slack)
   return best;
 }
 
-std::filesystem::path baselineDir()
+/** Compares a composite screenshot with tests/baselines/viewer/<name>.png. */
+void compareWithBaseline(const QImage& screenshot, const std::string& name)
 {
-  return std::filesystem::path(KXVTK_VIEWER_BASELINE_DIR);
-}
-
-/**
- * Compares a composite screenshot with tests/viewer/baselines/<name>.png, the
- * same way the data view images are compared: a missing baseline fails,
- * KXVTK_UPDATE_BASELINES=1 writes it and fails, a differing image is written
- * to tests/tmp/failed/ for a person to look at.
- */
-void compareWithBaseline(const QImage& screenshot, const kxtest::TempDir& dir,
-                         const std::string& name)
-{
-  const std::filesystem::path current = dir / (name + ".png");
-  ASSERT_TRUE(screenshot.save(QString::fromStdString(current.string()), "PNG"));
-  vtkSmartPointer<vtkImageData> image = readPng(current);
-  EXPECT_GT(dataviewtest::ForegroundFraction(image), 0.05) << name << ": nothing drawn";
-  const std::filesystem::path baseline = baselineDir() / (name + ".png");
-  const std::filesystem::path failed = dataviewtest::FailedDir() / ("viewer_" + name + ".png");
-  const char* update = std::getenv("KXVTK_UPDATE_BASELINES");
-  if (update != nullptr && std::string(update) == "1")
-  {
-    std::filesystem::create_directories(baseline.parent_path());
-    std::filesystem::copy_file(current, baseline,
-                               std::filesystem::copy_options::overwrite_existing);
-    ADD_FAILURE() << "baseline written, look at it before committing: " << baseline;
-    return;
-  }
-  if (!std::filesystem::exists(baseline))
-  {
-    dataviewtest::WritePng(image, failed);
-    ADD_FAILURE() << "missing baseline " << baseline << "; image written to " << failed;
-    return;
-  }
-  const double rms = dataviewtest::RmsDifference(image, readPng(baseline));
-  if (rms < 0.0 || rms > dataviewtest::k_ImageTolerance)
-  {
-    dataviewtest::WritePng(image, failed);
-    ADD_FAILURE() << name << ": RMS difference " << rms << " above "
-                  << dataviewtest::k_ImageTolerance << "; image written to " << failed;
-  }
+  EXPECT_GT(kxtest::ForegroundFraction(screenshot), 0.05) << name << ": nothing drawn";
+  kxtest::CompareWithBaseline(screenshot, "viewer", name);
 }
 
 /** The viewer as its command line starts it, with settings and dialogs of the test's own. */
@@ -286,7 +239,7 @@ TEST_F(ViewerFixture, SplitViewsLinkedFollowARotationAndCompositeMatchesBaseline
   pump();
   const QImage composite = module()->grabAllViewsImage();
   ASSERT_EQ(composite.size(), QSize(600, 300));
-  compareWithBaseline(composite, m_Dir, "split_linked_rotated");
+  compareWithBaseline(composite, "split_linked_rotated");
 
   // one camera, the same data views, panes of (almost) equal size: both show the same picture
   // (below left of the centre: the orientation marker in the top right corner follows the pane's
@@ -302,7 +255,7 @@ TEST_F(ViewerFixture, SplitViewsLinkedFollowARotationAndCompositeMatchesBaseline
   auto reduced = [](const QImage& pane)
   { return pane.scaled(pane.size() / 4, Qt::IgnoreAspectRatio, Qt::SmoothTransformation); };
   EXPECT_LT(smallestShiftedDifference(reduced(paneOf(left)), reduced(paneOf(right)), 1),
-            dataviewtest::k_ImageTolerance);
+            kxtest::k_ImageTolerance);
 }
 
 TEST_F(ViewerFixture, HostPipelineMenuShowsHostMemoryAndRerunUpdatesInPlace)

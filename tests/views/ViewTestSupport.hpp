@@ -1,4 +1,6 @@
 #pragma once
+
+#include "QtTestSupport.hpp"
 // Shared helpers of the view frame and split grid tests: event pumping, a
 // shown grid, camera comparison and VTK event counting.
 
@@ -28,16 +30,7 @@
 
 namespace viewtest
 {
-/** Lets queued calls, paint events and deferred deletions run. */
-inline void pump()
-{
-  for (int i = 0; i < 5; ++i)
-  {
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCoreApplication::processEvents();
-  }
-}
+using kxtest::pump;
 
 inline vtkCamera* cameraOf(VXAbstractViewWidget* view)
 {
