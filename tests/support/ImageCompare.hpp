@@ -97,7 +97,8 @@ inline void CompareWithBaseline(const QImage& image, const std::string& area,
     std::filesystem::path(KXVTK_BASELINE_DIR) / area / (name + ".png");
   const std::filesystem::path failedDir =
     std::filesystem::path(KXVTK_TEST_TMP_DIR) / "failed" / area;
-  const auto qpath = [](const std::filesystem::path& p) { return QString::fromStdString(p.string()); };
+  const auto qpath = [](const std::filesystem::path& p)
+  { return QString::fromStdString(p.string()); };
   const char* update = std::getenv("KXVTK_UPDATE_BASELINES");
   if (update != nullptr && std::string(update) == "1")
   {
