@@ -131,52 +131,48 @@ void VXColoringSettings::read(const nlohmann::json& input)
   }
 }
 
+// The default settings hold the same values as a state file under the same keys:
+// both directions go through the state file's own read and write.
 void VXColoringSettings::loadDefaults(const QtKXSettings& settings)
 {
+  nlohmann::json values = nlohmann::json::object();
   for (const Field& field : fields())
   {
     if (field.defaults == Defaults::None || !HasAllKeys(settings, field.keys))
       continue;
-    std::visit(
-      [&](auto member)
-      {
-        using T = std::remove_cvref_t<decltype(this->*member)>;
-        T& value = this->*member;
-        auto setting = [&](std::size_t i)
-        { return settings.value(field.keys[i], field.settingsDefaults.at(i)); };
-        if constexpr (IsArray<T>)
-        {
-          for (std::size_t i = 0; i < field.keys.size(); ++i)
-            value[i] = setting(i).toDouble();
-        }
-        else if constexpr (std::is_same_v<T, bool>)
-          value = setting(0).toBool();
-        else if constexpr (std::is_same_v<T, int>)
-          value = setting(0).toInt();
-      },
-      field.member);
+    for (std::size_t i = 0; i < field.keys.size(); ++i)
+    {
+      const QVariant& fallback = field.settingsDefaults.at(i);
+      const QVariant stored = settings.value(field.keys[i], fallback);
+      // the stored text ("true", "3") is read as the type of the declared default
+      if (fallback.typeId() == QMetaType::Bool)
+        values[field.keys[i]] = stored.toBool();
+      else if (fallback.typeId() == QMetaType::Int)
+        values[field.keys[i]] = stored.toInt();
+      else
+        values[field.keys[i]] = stored.toDouble();
+    }
   }
+  read(values);
 }
 
 void VXColoringSettings::saveDefaults(QtKXSettings& settings) const
 {
+  nlohmann::json values = nlohmann::json::object();
+  write(values);
   for (const Field& field : fields())
   {
     if (field.defaults != Defaults::LoadSave)
       continue;
-    std::visit(
-      [&](auto member)
-      {
-        using T = std::remove_cvref_t<decltype(this->*member)>;
-        const T& value = this->*member;
-        if constexpr (IsArray<T>)
-        {
-          for (std::size_t i = 0; i < field.keys.size(); ++i)
-            settings.setValue(field.keys[i], value[i]);
-        }
-        else if constexpr (std::is_same_v<T, bool> || std::is_same_v<T, int>)
-          settings.setValue(field.keys[0], value);
-      },
-      field.member);
+    for (const char* key : field.keys)
+    {
+      const nlohmann::json& value = values.at(key);
+      if (value.is_boolean())
+        settings.setValue(key, value.get<bool>());
+      else if (value.is_number_integer())
+        settings.setValue(key, value.get<int>());
+      else
+        settings.setValue(key, value.get<double>());
+    }
   }
 }

@@ -10,6 +10,8 @@
 #include <KXComponents/KXStyle.hpp>
 #include <KXComponents/QElidedLabel.hpp>
 
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 #include <QtWidgets/QFrame>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QScrollArea>
@@ -223,4 +225,26 @@ void VXCoreObject::read(const nlohmann::json& input, const QMap<int, VXAbstractV
       forgetWhenGone(this, m_ViewWidgets, view);
     m_ViewWidgets[view] = visible;
   }
+}
+
+nlohmann::json VXCoreObject::clipboardSettings() const
+{
+  const QClipboard* clipboard = QGuiApplication::clipboard();
+  nlohmann::json pasted = nlohmann::json::parse(
+    clipboard != nullptr ? clipboard->text().toStdString() : std::string(), nullptr, false);
+  if (pasted.is_discarded() || !pasted.is_object())
+  {
+    reportPasteFailure("the clipboard does not hold the settings of a visualization item.");
+    return nullptr;
+  }
+  return pasted;
+}
+
+void VXCoreObject::reportPasteFailure(const QString& reason) const
+{
+  const QString text = QString("Cannot paste settings to %1: %2").arg(name(), reason);
+  if (m_Pipeline != nullptr)
+    Q_EMIT m_Pipeline->sendOutputMessage(text);
+  else
+    qWarning().noquote() << text;
 }

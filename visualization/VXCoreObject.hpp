@@ -100,6 +100,12 @@ Q_SIGNALS:
   void settingsWidgetVisibilityButtonClicked(bool checked);
 
 protected:
+  /** The clipboard's text as a settings object; null (after telling the user why) when it holds
+   * none. */
+  nlohmann::json clipboardSettings() const;
+  /** Tells the user why a paste into this item was refused. */
+  void reportPasteFailure(const QString& reason) const;
+
   QPointer<QWidget> m_SettingsWidget;
   QPointer<QFrame> m_SettingsTitleFrame;
   QPointer<QScrollArea> m_SettingsScrollArea;

@@ -19,7 +19,6 @@
 #include <vtkPointData.h>
 #include <vtkTrivialProducer.h>
 
-#include <QtCore/QDebug>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 #include <QtWidgets/QGridLayout>
@@ -390,27 +389,15 @@ void VXDataSource::copyActiveSettings() const
 
 void VXDataSource::pasteToActiveSettings()
 {
-  auto report = [this](const QString& reason)
-  {
-    const QString text = QString("Cannot paste settings to %1: %2").arg(name(), reason);
-    if (m_Pipeline != nullptr)
-      Q_EMIT m_Pipeline->sendOutputMessage(text);
-    else
-      qWarning().noquote() << text;
-  };
-  nlohmann::json state =
-    nlohmann::json::parse(QGuiApplication::clipboard()->text().toStdString(), nullptr, false);
-  if (state.is_discarded() || !state.is_object())
-  {
-    report("the clipboard does not hold the settings of a visualization item.");
+  nlohmann::json state = clipboardSettings();
+  if (state.is_null())
     return;
-  }
   // settings only: the visibility in each view stays as the user set it
   state.erase("render_window_index");
   state.erase("data_source_visibility");
   if (const QString key = wrongTypedPasteKey(state); !key.isEmpty())
   {
-    report(QString("the value of \"%1\" has the wrong type.").arg(key));
+    reportPasteFailure(QString("the value of \"%1\" has the wrong type.").arg(key));
     return;
   }
   // a paste changes the settings, never the identity

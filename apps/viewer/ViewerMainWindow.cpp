@@ -116,10 +116,31 @@ void ViewerMainWindow::chooseGridDataView(VXDataSource* source)
   const VXRepresentation::Type type = data->GetNumberOfCells() > k_LargeGridCells
                                         ? VXRepresentation::Outline
                                         : VXRepresentation::Surface;
-  if (data->GetDataObjectType() == VTK_IMAGE_DATA)
+  const int kind = data->GetDataObjectType();
+  if (kind == VTK_IMAGE_DATA)
     VXPipeline::setDefaultImageGeomRepType(type);
-  else if (data->GetDataObjectType() == VTK_RECTILINEAR_GRID)
+  else if (kind == VTK_RECTILINEAR_GRID)
     VXPipeline::setDefaultRectGridRepType(type);
+  // No default setter reaches structured grids, strips and polygons, or meshes of other cells:
+  // once the pipeline has shown them as outlines, the window puts a surface in the outline's place.
+  const bool meshLike = kind == VTK_POLY_DATA || kind == VTK_UNSTRUCTURED_GRID;
+  const bool smallGrid = kind == VTK_STRUCTURED_GRID && type == VXRepresentation::Surface;
+  VXPipeline* pipeline = m_Module->pipeline();
+  if ((!meshLike && !smallGrid) || pipeline->isLoadingState() ||
+      VXPipeline::DefaultRepresentationType(data) != VXRepresentation::Outline)
+    return;
+  QMetaObject::invokeMethod(
+    source,
+    [source, pipeline]()
+    {
+      const QList<VXRepresentation*> views =
+        source->findChildren<VXRepresentation*>(QString(), Qt::FindDirectChildrenOnly);
+      if (views.size() != 1 || views.front()->type() != VXRepresentation::Outline)
+        return;
+      if (pipeline->addRepresentation(source, VXRepresentation::Surface))
+        views.front()->removeModule();
+    },
+    Qt::QueuedConnection);
 }
 
 void ViewerMainWindow::createMenus()

@@ -32,7 +32,7 @@ class ViewerMainWindow : public QMainWindow
   Q_OBJECT
 
 public:
-  /** Image and rectilinear grids with more cells than this open as outlines. */
+  /** Image, rectilinear and structured grids with more cells than this open as outlines. */
   static constexpr long long k_LargeGridCells = 64LL * 64 * 64;
 
   explicit ViewerMainWindow(QWidget* parent = nullptr);

@@ -313,6 +313,9 @@ TEST(ViewerWindow, OpensMeshesAndSmallGridsAsSurfacesAndLargeGridsAsOutlines)
     VXPipeline* pipeline = window.module()->pipeline();
     const std::vector<std::pair<QString, VXRepresentation::Type>> expected = {
       { writeTrianglePlane(dir, false), VXRepresentation::Surface },
+      { writeTrianglePlane(dir, true), VXRepresentation::Surface },
+      { writeWedgeMesh(dir), VXRepresentation::Surface },
+      { writeStructuredGrid(dir), VXRepresentation::Surface },
       { QStringLiteral(KXVTK_DATA_DIR "/Hexahedron.vtu"), VXRepresentation::Surface },
       { writeImage(dir, "small.vti", 20, 5), VXRepresentation::Surface },
       { writeImage(dir, "large.vti", 66, 5), VXRepresentation::Outline },
