@@ -32,6 +32,9 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXSurfaceRep.hpp
   visualization/VXSurfaceRepPimpl.hpp
   visualization/VXUserPrompt.hpp
+  visualization/VXVolumeComponentReduceFilter.hpp
+  visualization/VXVolumeRep.hpp
+  visualization/VXVolumeRepPimpl.hpp
   visualization/VXWireframeRep.hpp
   visualization/VXWireframeRepPimpl.hpp
   visualization/QtWidgets/VXAbstractViewWidget.hpp
@@ -56,6 +59,7 @@ set(KXVTK_INSTALLED_HEADERS
 set(KXVTK_INTERNAL_HEADERS
   bridge/ComputeRangeFunctor.hpp
   bridge/StructuredGridCellIdFunctor.hpp
+  utils/ExecuteVtkDataFunction.hpp
   utils/GuiProcess.hpp
   visualization/VXRepresentationCallbacks.hpp
   visualization/VXRepresentationUtils.hpp

@@ -46,78 +46,13 @@ bool VXOutlineRep::isOwnImplementation(VXRepresentationPimpl* implementation) co
 
 void VXOutlineRep::initializeImplementations(vtkAlgorithmOutput* inputPort)
 {
-  for (const auto& implementation : std::as_const(m_ViewImplementations))
-  {
-    auto* outline = dynamic_cast<VXOutlineRepPimpl*>(implementation.get());
-    if (outline != nullptr && !outline->isInitialized())
-    {
-      outline->initialize(inputPort != nullptr
-                            ? inputPort
-                            : (parentSource() ? parentSource()->outputPort() : nullptr));
-      outline->setVisibility(outline->isVisible());
-    }
-  }
+  initializePendingImplementations(inputPort);
 }
 
 bool VXOutlineRep::addViewInstance(VXAbstractViewWidget* sourceView, VXAbstractViewWidget* view,
                                    vtkAlgorithmOutput* inputPort, bool visible)
 {
-  if (view == nullptr)
-    return false;
-  std::shared_ptr<VXRepresentationPimpl> instance;
-  if (VXRepresentationPimpl* existing = implementation(view))
-  {
-    if (!isOwnImplementation(existing))
-      return false;
-    instance = m_ViewImplementations.value(view);
-    visible = existing->isVisible();
-  }
-  else
-  {
-    if (!m_ViewImplementations.isEmpty())
-    {
-      // a port is only accepted for the first instance; the others share its data
-      if (inputPort != nullptr)
-        return false;
-      VXRepresentationPimpl* settingsSource = m_ViewImplementations.first().get();
-      if (sourceView != nullptr && implementation(sourceView) != nullptr)
-        settingsSource = implementation(sourceView);
-      instance = createImplementation(view);
-      instance->copyFrom(settingsSource);
-    }
-    else
-    {
-      instance = createImplementation(view);
-    }
-    m_ViewImplementations.insert(view, instance);
-    connectViewSignals(view);
-  }
-  if (m_ViewImplementations.isEmpty())
-  {
-    vtkAlgorithmOutput* port =
-      inputPort != nullptr ? inputPort : (parentSource() ? parentSource()->outputPort() : nullptr);
-    instance->initialize(port);
-    return true;
-  }
-  vtkAlgorithmOutput* port = nullptr;
-  VXRepresentationPimpl* first = m_ViewImplementations.first().get();
-  if (first != nullptr && first != instance.get() && first->inputPort() != nullptr)
-    port = first->inputPort();
-  if (port == nullptr)
-    port = inputPort;
-  if (port == nullptr)
-  {
-    VXCoreObject* parentItem = qobject_cast<VXCoreObject*>(parent());
-    if (parentItem == nullptr)
-      return false;
-    port = parentItem->outputPort();
-  }
-  if (auto* outline = dynamic_cast<VXOutlineRepPimpl*>(instance.get());
-      outline != nullptr && !outline->isInitialized())
-    outline->initialize(port);
-  instance->setVisibility(visible);
-  m_ViewWidgets[view] = visible;
-  return true;
+  return addImplementationInView(sourceView, view, inputPort, visible);
 }
 
 void VXOutlineRep::updateDataSetInfo()

@@ -4,8 +4,6 @@
 
 #include <string_view>
 
-#include <string_view>
-
 class VXOutlineRepPimpl;
 
 /**
@@ -36,8 +34,6 @@ public:
 
 protected:
   VXOutlineRep(VXPipeline* pipeline, const QString& defaultName, QObject* parent);
-  /** A new implementation of this class's own kind for a view. */
-  virtual std::shared_ptr<VXRepresentationPimpl> createImplementation(VXAbstractViewWidget* view);
-  /** Whether an existing implementation is of the kind this class drives. */
-  virtual bool isOwnImplementation(VXRepresentationPimpl* implementation) const;
+  std::shared_ptr<VXRepresentationPimpl> createImplementation(VXAbstractViewWidget* view) override;
+  bool isOwnImplementation(VXRepresentationPimpl* implementation) const override;
 };

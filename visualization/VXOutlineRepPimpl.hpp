@@ -77,7 +77,7 @@ public:
   bool edgeVisibility() const { return m_EdgeVisibility; }
   int lineSize() const { return m_LineSize; }
   bool renderLinesAsTubes() const { return m_RenderLinesAsTubes; }
-  bool isInitialized() const { return m_Initialized; }
+  bool isInitialized() const override { return m_Initialized; }
   /** A control of the settings page by object name (for hosts and tests). */
   template<typename W>
   W* control(const QString& name) const

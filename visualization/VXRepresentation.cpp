@@ -7,10 +7,6 @@
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXRepresentationPimpl.hpp"
 
-#include <QtCore/QDebug>
-#include <QtGui/QClipboard>
-#include <QtGui/QGuiApplication>
-
 #include <map>
 
 namespace
@@ -248,22 +244,8 @@ void VXRepresentation::pasteToActiveSettings()
   VXRepresentationPimpl* active = activeImplementation();
   if (active == nullptr)
     return;
-  auto report = [this](const QString& reason)
-  {
-    const QString text = QString("Cannot paste settings to %1: %2").arg(name(), reason);
-    if (m_Pipeline != nullptr)
-      Q_EMIT m_Pipeline->sendOutputMessage(text);
-    else
-      qWarning().noquote() << text;
-  };
-  const QClipboard* clipboard = QGuiApplication::clipboard();
-  const nlohmann::json pasted = nlohmann::json::parse(
-    clipboard != nullptr ? clipboard->text().toStdString() : std::string(), nullptr, false);
-  if (pasted.is_discarded() || !pasted.is_object())
-  {
-    report("the clipboard does not hold the settings of a visualization item.");
+  if (clipboardSettings().is_null())
     return;
-  }
   // a value of the wrong type stops the read half way: the settings before it come back
   nlohmann::json before = nlohmann::json::object();
   active->write(before);
@@ -275,7 +257,7 @@ void VXRepresentation::pasteToActiveSettings()
   catch (const nlohmann::json::exception& error)
   {
     active->read(before);
-    report(QString::fromUtf8(error.what()));
+    reportPasteFailure(QString::fromUtf8(error.what()));
   }
   // settings only: the visibility stays as the user set it
   if (active->isVisible() != visible)
@@ -382,4 +364,80 @@ void VXRepresentation::read(const nlohmann::json& input,
       m_ViewWidgets[view] = target->isVisible();
     }
   }
+}
+
+std::shared_ptr<VXRepresentationPimpl> VXRepresentation::createImplementation(VXAbstractViewWidget*)
+{
+  return nullptr;
+}
+
+bool VXRepresentation::isOwnImplementation(VXRepresentationPimpl*) const
+{
+  return false;
+}
+
+void VXRepresentation::initializePendingImplementations(vtkAlgorithmOutput* inputPort)
+{
+  for (const auto& implementation : std::as_const(m_ViewImplementations))
+  {
+    if (implementation != nullptr && !implementation->isInitialized())
+    {
+      implementation->initialize(inputPort != nullptr
+                                   ? inputPort
+                                   : (parentSource() ? parentSource()->outputPort() : nullptr));
+      implementation->setVisibility(implementation->isVisible());
+    }
+  }
+}
+
+bool VXRepresentation::addImplementationInView(VXAbstractViewWidget* sourceView,
+                                               VXAbstractViewWidget* view,
+                                               vtkAlgorithmOutput* inputPort, bool visible)
+{
+  if (view == nullptr)
+    return false;
+  std::shared_ptr<VXRepresentationPimpl> instance;
+  if (VXRepresentationPimpl* existing = implementation(view))
+  {
+    if (!isOwnImplementation(existing))
+      return false;
+    instance = m_ViewImplementations.value(view);
+    visible = existing->isVisible();
+  }
+  else
+  {
+    instance = createImplementation(view);
+    if (instance == nullptr)
+      return false;
+    if (!m_ViewImplementations.isEmpty())
+    {
+      // a port is only accepted for the first instance; the others share its data
+      if (inputPort != nullptr)
+        return false;
+      VXRepresentationPimpl* settingsSource = m_ViewImplementations.first().get();
+      if (sourceView != nullptr && implementation(sourceView) != nullptr)
+        settingsSource = implementation(sourceView);
+      instance->copyFrom(settingsSource);
+    }
+    m_ViewImplementations.insert(view, instance);
+    connectViewSignals(view);
+  }
+  vtkAlgorithmOutput* port = nullptr;
+  VXRepresentationPimpl* first = m_ViewImplementations.first().get();
+  if (first != nullptr && first != instance.get() && first->inputPort() != nullptr)
+    port = first->inputPort();
+  if (port == nullptr)
+    port = inputPort;
+  if (port == nullptr)
+  {
+    VXCoreObject* parentItem = qobject_cast<VXCoreObject*>(parent());
+    if (parentItem == nullptr)
+      return false;
+    port = parentItem->outputPort();
+  }
+  if (!instance->isInitialized())
+    instance->initialize(port);
+  instance->setVisibility(visible);
+  m_ViewWidgets[view] = visible;
+  return true;
 }

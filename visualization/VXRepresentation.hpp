@@ -52,8 +52,8 @@ public:
   /** A new data view of the type, or null when no class is registered for it. */
   static VXRepresentation* Create(Type type, VXPipeline* pipeline);
   static bool IsRegistered(Type type);
-  /** Registers the outline, points, wireframe and surface data views (done once when the library
-   * loads). */
+  /** Registers the outline, points, wireframe, surface and volume data views (done once when the
+   * library loads). */
   static void RegisterBuiltInRepresentations();
 
   /** Implementations by view, in address order of the views. */
@@ -137,6 +137,18 @@ Q_SIGNALS:
 protected:
   /** The view's signal that a split is being made reaches this item. */
   void connectViewSignals(VXAbstractViewWidget* view);
+  /** A new implementation of this class's own kind for a view; null where the class makes none. */
+  virtual std::shared_ptr<VXRepresentationPimpl> createImplementation(VXAbstractViewWidget* view);
+  /** Whether an existing implementation is of the kind this class drives. */
+  virtual bool isOwnImplementation(VXRepresentationPimpl* implementation) const;
+  /** The rules of addViewInstance for classes whose implementations come from
+   * createImplementation: a split copies its source view, later instances share the first one's
+   * input. */
+  bool addImplementationInView(VXAbstractViewWidget* sourceView, VXAbstractViewWidget* view,
+                               vtkAlgorithmOutput* inputPort, bool visible);
+  /** Initializes every implementation not yet initialized, over @p inputPort or the parent's
+   * output. */
+  void initializePendingImplementations(vtkAlgorithmOutput* inputPort);
 
   ImplementationMap m_ViewImplementations;
   QSharedPointer<VXDatasetInfoWidget> m_DataSetInfoWidget;

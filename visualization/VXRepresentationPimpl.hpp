@@ -87,6 +87,8 @@ public:
   virtual void updateToolTips() = 0;
   virtual void useFullGeometry() = 0;
   virtual void useDecimatedGeometry() = 0;
+  /** Whether initialize() has built the chain in the view. */
+  virtual bool isInitialized() const { return false; }
 
   VXAbstractViewWidget* view() const;
   VXVisualizationWidget* visualizationWidget() const;

@@ -1,6 +1,7 @@
 #include "visualization/VXOutlineRep.hpp"
 #include "visualization/VXPointsRep.hpp"
 #include "visualization/VXSurfaceRep.hpp"
+#include "visualization/VXVolumeRep.hpp"
 #include "visualization/VXWireframeRep.hpp"
 
 void VXRepresentation::RegisterBuiltInRepresentations()
@@ -9,6 +10,7 @@ void VXRepresentation::RegisterBuiltInRepresentations()
   RegisterType(Points, [](VXPipeline* pipeline) { return new VXPointsRep(pipeline); });
   RegisterType(Wireframe, [](VXPipeline* pipeline) { return new VXWireframeRep(pipeline); });
   RegisterType(Surface, [](VXPipeline* pipeline) { return new VXSurfaceRep(pipeline); });
+  RegisterType(Volume, [](VXPipeline* pipeline) { return new VXVolumeRep(pipeline); });
 }
 
 namespace

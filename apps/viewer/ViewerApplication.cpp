@@ -9,6 +9,7 @@
 #include <visualization/VXDataSource.hpp>
 #include <visualization/VXPipeline.hpp>
 #include <visualization/VXPointsRepPimpl.hpp>
+#include <visualization/VXVolumeRepPimpl.hpp>
 #include <visualization/VXUserPrompt.hpp>
 
 #include <vtkCamera.h>
@@ -286,6 +287,11 @@ bool ViewerApplication::applyColoring()
           if (auto* colored = dynamic_cast<VXPointsRepPimpl*>(split))
           {
             colored->setActiveArray(m_Options.colorBy);
+            ++coloredViews;
+          }
+          else if (auto* volume = dynamic_cast<VXVolumeRepPimpl*>(split))
+          {
+            volume->setActiveArray(m_Options.colorBy);
             ++coloredViews;
           }
           else

@@ -745,6 +745,8 @@ bool VXVisualizationWidget::areDimensionsValid(int x, int y, int z, int& maxSize
   // without a context the query fails; 2048 is what every desktop driver offers
   if (maxSize < 1)
     maxSize = 2048;
+  if (m_MaximumTextureSize > 0)
+    maxSize = std::min(maxSize, m_MaximumTextureSize);
   return x <= maxSize && y <= maxSize && z <= maxSize;
 }
 

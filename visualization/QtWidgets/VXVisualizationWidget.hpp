@@ -133,6 +133,9 @@ public:
   QImage captureViewImage(bool transparent, const QColor& background);
   /** Whether a 3D texture of x by y by z fits; @p maxSize receives the limit. */
   bool areDimensionsValid(int x, int y, int z, int& maxSize) const;
+  /** Caps the 3D texture size this view accepts below what the GPU reports (0: no cap), e.g. to
+   * keep volumes within a memory budget. */
+  void setMaximumTextureSize(int size) { m_MaximumTextureSize = size; }
   /** Fits the grid and the centre cross to the visible geometry; with @p propagate the linked views
    * too. */
   void updateGridAxesBounds(bool propagate);
@@ -322,6 +325,7 @@ private:
   bool m_OwnContextMenu = true;
   bool m_CheckContextMenu = false;
   int m_RenderPending = 0;
+  int m_MaximumTextureSize = 0;
   bool m_CenterOfRotationLocked = false;
   bool m_SavedPreserveColorBuffer = false;
   bool m_CenterResetPending = false;
