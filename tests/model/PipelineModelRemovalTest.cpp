@@ -108,7 +108,7 @@ TEST(PipelineModelRemoval, RemovingAHostBridgeIsAnnounced)
   Scene scene;
   VXPipelineModel& model = *scene.model;
   FakeController run("Run", "run-1");
-  auto result = hostResult(true);
+  auto result = hostResult(1, true);
   scene.pipeline->importPipelineOutput(&run, result);
   ASSERT_EQ(scene.pipeline->bridges().size(), 1);
   QPointer<VXBridgeObject> bridge = scene.pipeline->bridges().first();
@@ -133,14 +133,14 @@ TEST(PipelineModelRemoval, AVanishedHostGeometryTakesItsRows)
   Scene scene;
   VXPipelineModel& model = *scene.model;
   FakeController run("Run", "run-1");
-  auto first = hostResult(true);
+  auto first = hostResult(1, true);
   scene.pipeline->importPipelineOutput(&run, first);
   VXBridgeObject* bridge = scene.pipeline->bridges().first();
   QPointer<VXDataSource> seeds = bridge->dataSources().last();
   RemovalLog log(model);
   QSignalSpy removedSources(scene.pipeline.get(), &VXPipeline::dataSourceRemoved);
 
-  auto second = hostResult(false);
+  auto second = hostResult(1, false);
   scene.pipeline->reloadPipelineOutput(&run, second);
 
   EXPECT_EQ(log.names, (QStringList{ "Outline View 1", "Seeds" }));

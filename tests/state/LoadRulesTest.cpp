@@ -15,14 +15,6 @@ using json = nlohmann::json;
 
 namespace
 {
-json item(const std::string& type, json data = json::object(), json children = nullptr)
-{
-  json object = { { "item_type", type }, { "item_data", std::move(data) } };
-  if (!children.is_null())
-    object["item_children"] = std::move(children);
-  return object;
-}
-
 json fileBridge(const std::filesystem::path& file, json children)
 {
   return item("FileToVXBridge", { { "bridge_object_file_path", file.string() } },

@@ -6,7 +6,7 @@
 // by, and small file helpers.
 
 #include "StatePlaceholders.hpp"
-#include "../kxcomponents/QtPrinters.hpp"
+#include "QtPrinters.hpp"
 #include "../module/ModuleTestSupport.hpp"
 
 #include <visualization/VXDataSource.hpp>
@@ -43,6 +43,16 @@ inline void writeBytes(const std::filesystem::path& path, const std::string& byt
 }
 
 using statetest::substitute;
+
+/** A tree item of a state file. */
+inline nlohmann::json item(const std::string& type, nlohmann::json data = nlohmann::json::object(),
+                           nlohmann::json children = nullptr)
+{
+  nlohmann::json object = { { "item_type", type }, { "item_data", std::move(data) } };
+  if (!children.is_null())
+    object["item_children"] = std::move(children);
+  return object;
+}
 
 class StateFixture : public moduletest::ModuleFixture
 {
