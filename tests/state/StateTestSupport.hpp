@@ -144,6 +144,48 @@ protected:
     m_Module->loadState(state);
     pump();
   }
+
+  /** The index of the data source of this name. */
+  QModelIndex sourceNamed(const QString& name) const
+  {
+    for (VXDataSource* source : dataSources())
+    {
+      if (source->name() == name)
+        return model()->helperIndex(source);
+    }
+    return {};
+  }
+
+  /** A state of the current split views and the given tree. */
+  nlohmann::json stateWith(const nlohmann::json& tree) const
+  {
+    nlohmann::json split;
+    grid()->saveState(split);
+    return { { "split_view_state", split }, { "tree_view_state", tree } };
+  }
+};
+
+/** A state fixture with the sample written as a host file. */
+class SampleStateFixture : public StateFixture
+{
+protected:
+  void SetUp() override
+  {
+    StateFixture::SetUp();
+    m_Sample = pipelinetest::writeSample(m_Dir);
+  }
+
+  /** Imports the sample and splits the view: something a load could lose. */
+  void buildSomething()
+  {
+    m_Module->pipeline()->importFile(qpath(m_Sample));
+    grid()->addColumn(grid()->allViews().front());
+    pump();
+    ASSERT_EQ(grid()->viewCount(), 2);
+    ASSERT_EQ(dataSources().size(), 3);
+  }
+
+  std::filesystem::path m_Sample;
 };
 } // namespace statetest
 
