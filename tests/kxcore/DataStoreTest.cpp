@@ -139,9 +139,7 @@ TYPED_TEST(StoreTest, WritesRawBinaryFile)
   const auto path = dir / "values.raw";
   store.writeBinaryFile(path);
 
-  std::ifstream in(path, std::ios::binary);
-  const std::vector<char> bytes{ std::istreambuf_iterator<char>(in),
-                                 std::istreambuf_iterator<char>() };
+  const std::string bytes = kxtest::ReadBytes(path);
   ASSERT_EQ(bytes.size(), 8 * sizeof(T));
   EXPECT_EQ(std::memcmp(bytes.data(), store.data(), bytes.size()), 0);
 

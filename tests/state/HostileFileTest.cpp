@@ -18,7 +18,7 @@ protected:
   void loadText(const std::string& text)
   {
     const auto path = m_Dir / "hostile.vlxstate";
-    writeBytes(path, text);
+    WriteBytes(path, text);
     m_Dialogs.answers = { QMessageBox::Open };
     m_Module->loadState(qpath(path));
     pump();

@@ -251,10 +251,10 @@ TEST_F(LoadRulesFixture, LoadingFromAPathAsksFirstAndReportsUnreadableFiles)
   const json state = stateWith(
     json::array({ fileBridge(m_Sample, json::array({ voxeliaSource("Grain Centroids") })) }));
   const auto good = m_Dir / "good.vlxstate";
-  writeBytes(good, state.dump(2, ' '));
+  WriteBytes(good, state.dump(2, ' '));
 
   // the wrong suffix or no path: nothing happens and nothing is said
-  writeBytes(m_Dir / "good.json", state.dump());
+  WriteBytes(m_Dir / "good.json", state.dump());
   m_Module->loadState(qpath(m_Dir / "good.json"));
   m_Module->loadState(QString());
   EXPECT_TRUE(output.isEmpty());
@@ -311,7 +311,7 @@ TEST_F(LoadRulesFixture, LoadingFromAPathAsksFirstAndReportsUnreadableFiles)
                                    .arg(qpath(m_Dir / "folder.vlxstate")) });
 
   const auto malformed = m_Dir / "malformed.vlxstate";
-  writeBytes(malformed, "{\"split_view_state\": {}, \"tree_view_state\": [");
+  WriteBytes(malformed, "{\"split_view_state\": {}, \"tree_view_state\": [");
   output.clear();
   m_Module->loadState(qpath(malformed));
   ASSERT_EQ(output.size(), 1);

@@ -177,7 +177,7 @@ TEST_F(RoundTripFixture, SavedSceneLoadsIntoAFreshModuleAndSavesTheSameDocumentA
   m_Module->saveState();
   ASSERT_EQ(m_Dialogs.saveTitles.back(), "Save State File");
   EXPECT_EQ(m_Dialogs.saveFilters.back(), "VOXELIA-KX State File (*.vlxstate)");
-  const std::string written = readBytes(path);
+  const std::string written = ReadBytes(path);
   const nlohmann::json first = nlohmann::json::parse(written);
   // indent of two blanks
   EXPECT_EQ(written, first.dump(2, ' '));

@@ -28,19 +28,8 @@ namespace statetest
 using moduletest::pump;
 using pipelinetest::qpath;
 
-inline std::string readBytes(const std::filesystem::path& path)
-{
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-inline void writeBytes(const std::filesystem::path& path, const std::string& bytes)
-{
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << bytes;
-}
+using kxtest::ReadBytes;
+using kxtest::WriteBytes;
 
 using statetest::substitute;
 
