@@ -45,8 +45,7 @@ TEST(KXColorPresets, ContinuousMapsAreWellFormedAndIndexedMapsValid)
     EXPECT_FLOAT_EQ(points[points.size() - 4], 1.0f);
     for (size_t i = 0; i < points.size(); i += 4)
     {
-      if (i > 0)
-        EXPECT_GT(points[i], points[i - 4]) << "positions must ascend";
+      EXPECT_TRUE(i == 0 || points[i] > points[i - 4]) << "positions must ascend";
       for (size_t c = 1; c < 4; ++c)
         EXPECT_TRUE(points[i + c] >= 0.0f && points[i + c] <= 1.0f) << points[i + c];
     }

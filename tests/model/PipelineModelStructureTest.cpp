@@ -150,7 +150,9 @@ TEST(PipelineModelStructure, IndicesParentsAndLookupsRoundTrip)
         EXPECT_EQ(model.parent(index), parent);
         // children hang from column 0 only
         if (column == 1)
+        {
           EXPECT_EQ(model.rowCount(index), 0);
+        }
       }
       const QModelIndex index = model.index(row, 0, parent);
       visited++;

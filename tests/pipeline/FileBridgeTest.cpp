@@ -86,10 +86,12 @@ TEST(FileBridge, RealFilesBecomeDataSources)
     EXPECT_EQ(std::string(dataSet->GetClassName()), expected.className);
     EXPECT_EQ(dataSet->GetNumberOfPoints(), expected.points);
     EXPECT_EQ(dataSet->GetNumberOfCells(), expected.cells);
-    if (!expected.pointArray.empty())
-      EXPECT_NE(dataSet->GetPointData()->GetAbstractArray(expected.pointArray.c_str()), nullptr);
-    if (!expected.cellArray.empty())
-      EXPECT_NE(dataSet->GetCellData()->GetAbstractArray(expected.cellArray.c_str()), nullptr);
+    EXPECT_TRUE(expected.pointArray.empty() ||
+                dataSet->GetPointData()->GetAbstractArray(expected.pointArray.c_str()) != nullptr)
+      << expected.pointArray;
+    EXPECT_TRUE(expected.cellArray.empty() ||
+                dataSet->GetCellData()->GetAbstractArray(expected.cellArray.c_str()) != nullptr)
+      << expected.cellArray;
     if (expected.firstPointArrayComponents > 0)
     {
       ASSERT_GT(dataSet->GetPointData()->GetNumberOfArrays(), 0);
