@@ -50,6 +50,12 @@ UInt64Array* makeConnectivity(DataStructure& ds, IdType parent, const std::strin
   return bridgetest::makeArray<uint64>(ds, name, ids, { cells }, { perCell }, parent);
 }
 
+template<typename Geom>
+INodeGeometry0D* createNode(DataStructure& ds, const std::string& name)
+{
+  return Geom::Create(ds, name);
+}
+
 std::shared_ptr<IGeometry> shared(DataStructure& ds, const IGeometry* geometry)
 {
   return ds.getSharedDataAs<IGeometry>(geometry->getId());
@@ -95,11 +101,9 @@ TEST(GeometryConversion, ImageGeomBecomesImageDataWithCellArrays)
   ASSERT_NE(imageData, nullptr);
   EXPECT_EQ(imageData->GetObjectName(), "Volume");
   EXPECT_EQ(imageData->GetNumberOfCells(), 6000);
-  int dims[3];
-  imageData->GetDimensions(dims);
-  EXPECT_EQ(dims[0], 11);
-  EXPECT_EQ(dims[1], 21);
-  EXPECT_EQ(dims[2], 31);
+  std::array<int, 3> dims;
+  imageData->GetDimensions(dims.data());
+  EXPECT_EQ(dims, (std::array<int, 3>{ 11, 21, 31 }));
   EXPECT_DOUBLE_EQ(imageData->GetOrigin()[0], 1.5);
   EXPECT_DOUBLE_EQ(imageData->GetSpacing()[2], 2.0);
 
@@ -171,11 +175,15 @@ TEST(GeometryConversion, NodeGeometriesBecomePolyDataOrUnstructuredGrids)
     int cellType;
     usize perCell;
     bool polyData;
+    INodeGeometry0D* (*create)(DataStructure&, const std::string&);
   };
   const std::vector<Case> cases = {
-    { "Vertex", VTK_VERTEX, 1, true },     { "Edge", VTK_LINE, 2, true },
-    { "Triangle", VTK_TRIANGLE, 3, true }, { "Quad", VTK_QUAD, 4, true },
-    { "Tet", VTK_TETRA, 4, false },        { "Hex", VTK_HEXAHEDRON, 8, false }
+    { "Vertex", VTK_VERTEX, 1, true, &createNode<VertexGeom> },
+    { "Edge", VTK_LINE, 2, true, &createNode<EdgeGeom> },
+    { "Triangle", VTK_TRIANGLE, 3, true, &createNode<TriangleGeom> },
+    { "Quad", VTK_QUAD, 4, true, &createNode<QuadGeom> },
+    { "Tet", VTK_TETRA, 4, false, &createNode<TetrahedralGeom> },
+    { "Hex", VTK_HEXAHEDRON, 8, false, &createNode<HexahedralGeom> }
   };
   for (const Case& c : cases)
   {
@@ -183,19 +191,7 @@ TEST(GeometryConversion, NodeGeometriesBecomePolyDataOrUnstructuredGrids)
     DataStructure ds;
     const usize vertices = 12;
     const usize cellCount = 5;
-    INodeGeometry0D* geom = nullptr;
-    if (c.name == "Vertex")
-      geom = VertexGeom::Create(ds, c.name);
-    else if (c.name == "Edge")
-      geom = EdgeGeom::Create(ds, c.name);
-    else if (c.name == "Triangle")
-      geom = TriangleGeom::Create(ds, c.name);
-    else if (c.name == "Quad")
-      geom = QuadGeom::Create(ds, c.name);
-    else if (c.name == "Tet")
-      geom = TetrahedralGeom::Create(ds, c.name);
-    else
-      geom = HexahedralGeom::Create(ds, c.name);
+    INodeGeometry0D* geom = c.create(ds, c.name);
     geom->setVertexListId(makeVertices(ds, geom->getId(), vertices)->getId());
     auto* list = makeConnectivity(ds, geom->getId(), "Cells", cellCount, c.perCell, vertices);
     if (auto* g1 = dynamic_cast<INodeGeometry1D*>(geom); g1 != nullptr && c.perCell == 2)
@@ -264,7 +260,7 @@ TEST(GeometryConversion, QuadVertexArraysBecomePointData)
   EXPECT_EQ(dataSet->GetCellData()->GetArray("Label")->GetComponent(0, 0), 7.0);
 }
 
-TEST(GeometryConversion, UnsupportedFaceSizeLeavesCellsEmpty)
+TEST(GeometryConversion, UnsupportedFaceSizesOutOfCoreVerticesAndNoGeometryGiveNoCells)
 {
   DataStructure ds;
   auto* pentagons = PentagonGeom::Create(ds, "Pentagons");
@@ -276,26 +272,20 @@ TEST(GeometryConversion, UnsupportedFaceSizeLeavesCellsEmpty)
   ASSERT_NE(poly, nullptr);
   EXPECT_EQ(poly->GetNumberOfPoints(), 5);
   EXPECT_EQ(poly->GetNumberOfPolys(), 0);
-}
 
-TEST(GeometryConversion, OutOfCoreVerticesGiveNoPointsButKeepName)
-{
-  DataStructure ds;
+  // out-of-core vertices give no points but keep the name
   kxtest::TempDir tmp;
   auto* vertexGeom = VertexGeom::Create(ds, "Cloud");
   auto store =
     std::make_shared<FileDataStore<float>>(tmp / "xyz.raw", ShapeType{ 3 }, ShapeType{ 3 }, true);
   vertexGeom->setVertexListId(
     Float32Array::Create(ds, "Vertices", store, vertexGeom->getId())->getId());
-  auto dataSet = VB::CreateFromGeom(ds.getSharedDataAs<VertexGeom>(vertexGeom->getId()));
+  dataSet = VB::CreateFromGeom(ds.getSharedDataAs<VertexGeom>(vertexGeom->getId()));
   ASSERT_NE(dataSet, nullptr);
   EXPECT_EQ(dataSet->GetObjectName(), "Cloud");
   EXPECT_EQ(dataSet->GetNumberOfPoints(), 0);
   EXPECT_EQ(dataSet->GetNumberOfCells(), 0);
-}
 
-TEST(GeometryConversion, EmptyInputGivesEmptyResult)
-{
   EXPECT_EQ(VB::CreateFromGeom(std::shared_ptr<ImageGeom>()), nullptr);
   EXPECT_EQ(VB::CreateFromGeom(std::shared_ptr<HexahedralGeom>()), nullptr);
 }
@@ -329,13 +319,13 @@ TEST(GeometryConversion, WrapGeometryRefusesSeveralOrNoParents)
 TEST(GeometryConversion, FindGeometrySearchesGroupsButNotGeometries)
 {
   auto ds = std::make_shared<DataStructure>();
-  auto* top = ImageGeom::Create(*ds, "Top");
+  ImageGeom::Create(*ds, "Top");
   auto* outer = DataGroup::Create(*ds, "Outer");
   auto* inner = DataGroup::Create(*ds, "Inner", outer->getId());
-  auto* deep = TriangleGeom::Create(*ds, "Deep", inner->getId());
+  TriangleGeom::Create(*ds, "Deep", inner->getId());
   auto* cloud = VertexGeom::Create(*ds, "Cloud");
   ImageGeom::Create(*ds, "Hidden", cloud->getId());
-  auto* later = RectGridGeom::Create(*ds, "Later", outer->getId());
+  RectGridGeom::Create(*ds, "Later", outer->getId());
 
   const auto found = VB::FindGeometry(ds);
   std::vector<std::string> names;
@@ -343,9 +333,6 @@ TEST(GeometryConversion, FindGeometrySearchesGroupsButNotGeometries)
     names.push_back(geometry->getName());
   // depth first, ascending identifier at each level
   EXPECT_EQ(names, (std::vector<std::string>{ "Top", "Deep", "Later", "Cloud" }));
-  (void)top;
-  (void)deep;
-  (void)later;
 
   EXPECT_EQ(VB::FindGeometry(ds, "Deep")->getName(), "Deep");
   EXPECT_EQ(VB::FindGeometry(ds, "Hidden"), nullptr);

@@ -27,12 +27,17 @@ void frameCamera(Scene& scene, double azimuth = 30.0, double elevation = 20.0)
   renderer->GetActiveCamera()->Elevation(elevation);
   renderer->ResetCamera();
 }
+
+class DataViewImage : public ::testing::Test
+{
+protected:
+  ScopedSettings m_Settings;
+  Scene scene;
+};
 } // namespace
 
-TEST(DataViewImage, OutlineOfBunny)
+TEST_F(DataViewImage, OutlineOfBunny)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.import(kxtest::DataFile("Bunny.vtp"));
   auto* outline = scene.add<VXOutlineRepPimpl>(source, VXRepresentation::Outline);
   ASSERT_NE(outline, nullptr);
@@ -43,10 +48,8 @@ TEST(DataViewImage, OutlineOfBunny)
   CompareWithBaseline(scene, "outline_bunny");
 }
 
-TEST(DataViewImage, PointsOfDiskColouredByTemperature)
+TEST_F(DataViewImage, PointsOfDiskColouredByTemperature)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.import(kxtest::DataFile("disk_out_ref_surface.vtp"));
   auto* points = scene.add(source, VXRepresentation::Points);
   ASSERT_NE(points, nullptr);
@@ -57,10 +60,8 @@ TEST(DataViewImage, PointsOfDiskColouredByTemperature)
   CompareWithBaseline(scene, "points_disk_temp");
 }
 
-TEST(DataViewImage, WireframeOfDiskColouredByVelocityComponentWithLegend)
+TEST_F(DataViewImage, WireframeOfDiskColouredByVelocityComponentWithLegend)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.import(kxtest::DataFile("disk_out_ref_surface.vtp"));
   auto* wireframe = scene.add(source, VXRepresentation::Wireframe);
   ASSERT_NE(wireframe, nullptr);
@@ -73,10 +74,8 @@ TEST(DataViewImage, WireframeOfDiskColouredByVelocityComponentWithLegend)
   CompareWithBaseline(scene, "wireframe_disk_v_comp2_legend");
 }
 
-TEST(DataViewImage, SurfaceOfDiskColouredByVelocityMagnitudeWithLegendAndGrid)
+TEST_F(DataViewImage, SurfaceOfDiskColouredByVelocityMagnitudeWithLegendAndGrid)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.import(kxtest::DataFile("disk_out_ref_surface.vtp"));
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -92,10 +91,8 @@ TEST(DataViewImage, SurfaceOfDiskColouredByVelocityMagnitudeWithLegendAndGrid)
   CompareWithBaseline(scene, "surface_disk_v_magnitude_legend_grid");
 }
 
-TEST(DataViewImage, SurfaceOfBunnyInSolidColour)
+TEST_F(DataViewImage, SurfaceOfBunnyInSolidColour)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.import(kxtest::DataFile("Bunny.vtp"));
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -107,11 +104,9 @@ TEST(DataViewImage, SurfaceOfBunnyInSolidColour)
   CompareWithBaseline(scene, "surface_bunny_solid_green");
 }
 
-TEST(DataViewImage, SurfaceOfHexahedronWithItsSingleMaterialCategory)
+TEST_F(DataViewImage, SurfaceOfHexahedronWithItsSingleMaterialCategory)
 {
-  ScopedSettings settings;
   RecordedQuestions questions;
-  Scene scene;
   VXDataSource* source = scene.import(kxtest::DataFile("Hexahedron.vtu"));
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -123,10 +118,8 @@ TEST(DataViewImage, SurfaceOfHexahedronWithItsSingleMaterialCategory)
   CompareWithBaseline(scene, "surface_hexahedron_material_single_category");
 }
 
-TEST(DataViewImage, SurfaceOfHydrogenImageByScalars)
+TEST_F(DataViewImage, SurfaceOfHydrogenImageByScalars)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.import(kxtest::DataFile("hydrogen.vti"));
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -136,15 +129,13 @@ TEST(DataViewImage, SurfaceOfHydrogenImageByScalars)
   CompareWithBaseline(scene, "surface_hydrogen_scalars_legend");
 }
 
-TEST(DataViewImage, SurfaceOfGeneratedMicrostructureWithCategoricalPhases)
+TEST_F(DataViewImage, SurfaceOfGeneratedMicrostructureWithCategoricalPhases)
 {
-  ScopedSettings settings;
   kxtest::TempDir dir;
   kxvtk::sample::MicrostructureGenerator generator(24);
   kx::core::DataStructure structure = generator.generate();
   const auto file = dir / "sample.voxelia";
   ASSERT_TRUE(kx::core::VOXELIA::WriteFile(file, structure).isValid());
-  Scene scene;
   VXDataSource* source = scene.import(file, "Microstructure");
   ASSERT_NE(source, nullptr);
   EXPECT_EQ(source->baseName(), "Microstructure");

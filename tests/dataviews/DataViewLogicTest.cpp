@@ -59,42 +59,45 @@ vtkSmartPointer<vtkPolyData> makeSphere(int distinctIds = 4)
   auto data = vtkSmartPointer<vtkPolyData>::New();
   data->DeepCopy(sphere->GetOutput());
   data->GetPointData()->SetNormals(nullptr);
-  const vtkIdType points = data->GetNumberOfPoints();
-  vtkNew<vtkDoubleArray> height;
-  height->SetName("Height");
-  vtkNew<vtkDoubleArray> vec;
-  vec->SetName("Vec");
-  vec->SetNumberOfComponents(3);
-  vtkNew<vtkDoubleArray> index;
-  index->SetName("Index");
-  vtkNew<vtkUnsignedCharArray> rgba;
-  rgba->SetName("RGBA");
-  rgba->SetNumberOfComponents(4);
-  vtkNew<vtkUnsignedCharArray> rgb;
-  rgb->SetName("RGB");
-  rgb->SetNumberOfComponents(3);
-  for (vtkIdType i = 0; i < points; i++)
+  auto add =
+    [](vtkDataSetAttributes* attributes, vtkDataArray* array, const char* name, int components)
   {
-    double p[3];
-    data->GetPoint(i, p);
-    height->InsertNextValue(p[2]);
-    index->InsertNextValue(double(i));
+    array->SetName(name);
+    array->SetNumberOfComponents(components);
+    attributes->AddArray(array);
+    return array;
+  };
+  vtkPointData* pd = data->GetPointData();
+  vtkDataArray* height = add(pd, vtkNew<vtkDoubleArray>(), "Height", 1);
+  vtkDataArray* vec = add(pd, vtkNew<vtkDoubleArray>(), "Vec", 3);
+  vtkDataArray* index = add(pd, vtkNew<vtkDoubleArray>(), "Index", 1);
+  vtkDataArray* rgba = add(pd, vtkNew<vtkUnsignedCharArray>(), "RGBA", 4);
+  vtkDataArray* rgb = add(pd, vtkNew<vtkUnsignedCharArray>(), "RGB", 3);
+  for (vtkIdType i = 0; i < data->GetNumberOfPoints(); i++)
+  {
+    height->InsertNextTuple1(data->GetPoint(i)[2]);
+    index->InsertNextTuple1(double(i));
     vec->InsertNextTuple3(1.0, double(i % 5), 10.0 + double(i % 3));
     rgba->InsertNextTuple4(10, 20, 30, 255);
     rgb->InsertNextTuple3(10, 20, 30);
   }
-  data->GetPointData()->AddArray(height);
-  data->GetPointData()->AddArray(vec);
-  data->GetPointData()->AddArray(index);
-  data->GetPointData()->AddArray(rgba);
-  data->GetPointData()->AddArray(rgb);
-  vtkNew<vtkDoubleArray> ids;
-  ids->SetName("Id");
+  vtkDataArray* ids = add(data->GetCellData(), vtkNew<vtkDoubleArray>(), "Id", 1);
   for (vtkIdType c = 0; c < data->GetNumberOfCells(); c++)
-    ids->InsertNextValue(double(c % distinctIds));
-  data->GetCellData()->AddArray(ids);
+    ids->InsertNextTuple1(double(c % distinctIds));
   return data;
 }
+
+/** Settings of the test's own and a scene with a shown view. */
+class SceneTest : public ::testing::Test
+{
+protected:
+  ScopedSettings m_Settings;
+  Scene scene;
+};
+using DataViewColoring = SceneTest;
+using DataViewGrid = SceneTest;
+using DataViewState = SceneTest;
+using DataViewDecimation = SceneTest;
 
 /** Answers the save-defaults question with Yes and records it. */
 class YesPrompt
@@ -226,10 +229,8 @@ TEST(DataViewFrame, ScalarMappingModes)
   EXPECT_EQ(mapper->GetColorMode(), VTK_COLOR_MODE_DIRECT_SCALARS);
 }
 
-TEST(DataViewColoring, ComponentsRangesAndLegendTitles)
+TEST_F(DataViewColoring, ComponentsRangesAndLegendTitles)
 {
-  ScopedSettings settings;
-  Scene scene;
   vtkSmartPointer<vtkPolyData> data = makeSphere();
   VXDataSource* source = scene.source(data);
   auto* points = scene.add(source, VXRepresentation::Points);
@@ -294,10 +295,8 @@ TEST(DataViewColoring, ComponentsRangesAndLegendTitles)
   EXPECT_TRUE(points->showLegend());
 }
 
-TEST(DataViewColoring, SolidColourClearsTheArrayAndDisablesTheColourMapControls)
+TEST_F(DataViewColoring, SolidColourClearsTheArrayAndDisablesTheColourMapControls)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.source(makeSphere());
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -323,11 +322,9 @@ TEST(DataViewColoring, SolidColourClearsTheArrayAndDisablesTheColourMapControls)
   EXPECT_DOUBLE_EQ(rgb[0], 0.0);
 }
 
-TEST(DataViewColoring, CategoriesCacheUniqueValuesAndWarnAboutTooMany)
+TEST_F(DataViewColoring, CategoriesCacheUniqueValuesAndWarnAboutTooMany)
 {
-  ScopedSettings settings;
   RecordedQuestions questions;
-  Scene scene;
   VXDataSource* source = scene.source(makeSphere(5));
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -376,10 +373,8 @@ TEST(DataViewColoring, CategoriesCacheUniqueValuesAndWarnAboutTooMany)
   EXPECT_DOUBLE_EQ(surface->lookupTable()->getRange()[1], 4.0);
 }
 
-TEST(DataViewColoring, ReloadWithoutTheActiveArrayFallsBackToTheFirstImportedArray)
+TEST_F(DataViewColoring, ReloadWithoutTheActiveArrayFallsBackToTheFirstImportedArray)
 {
-  ScopedSettings settings;
-  Scene scene;
   vtkSmartPointer<vtkPolyData> data = makeSphere();
   VXDataSource* source = scene.source(data);
   auto* points = scene.add(source, VXRepresentation::Points);
@@ -397,10 +392,8 @@ TEST(DataViewColoring, ReloadWithoutTheActiveArrayFallsBackToTheFirstImportedArr
   EXPECT_EQ(points->legendTitle(), "Height");
 }
 
-TEST(DataViewGrid, SpacingGivesAccumulatedLabelsAndZeroLeavesVtkLabels)
+TEST_F(DataViewGrid, SpacingGivesAccumulatedLabelsAndZeroLeavesVtkLabels)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.source(makeSphere());
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -430,10 +423,8 @@ TEST(DataViewGrid, SpacingGivesAccumulatedLabelsAndZeroLeavesVtkLabels)
   EXPECT_FALSE(scene.renderer()->HasViewProp(surface->gridAxes()));
 }
 
-TEST(DataViewState, ReadTakesOnlyCompleteGroupsAndClampsValues)
+TEST_F(DataViewState, ReadTakesOnlyCompleteGroupsAndClampsValues)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.source(makeSphere());
   auto* surface = scene.add<VXSurfaceRepPimpl>(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -470,10 +461,8 @@ TEST(DataViewState, ReadTakesOnlyCompleteGroupsAndClampsValues)
   EXPECT_THROW(surface->read({ { "line_size", "thick" } }), nlohmann::json::type_error);
 }
 
-TEST(DataViewState, WriteReadRoundTripThroughTheItem)
+TEST_F(DataViewState, WriteReadRoundTripThroughTheItem)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.source(makeSphere());
   auto* surface = scene.add<VXSurfaceRepPimpl>(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -649,10 +638,8 @@ TEST(DataViewSettings, CopyAndPasteBetweenDataViews)
   EXPECT_EQ(to->lineSize(), 2);
 }
 
-TEST(DataViewColoring, FollowingTheParentColoursAndDetachingAgain)
+TEST_F(DataViewColoring, FollowingTheParentColoursAndDetachingAgain)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.source(makeSphere());
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -672,10 +659,8 @@ TEST(DataViewColoring, FollowingTheParentColoursAndDetachingAgain)
   EXPECT_EQ(surface->solidColor(), QColor(9, 9, 9));
 }
 
-TEST(DataViewDecimation, PressSwitchesToTheCoarseCopyAndTheEndOfInteractionBack)
+TEST_F(DataViewDecimation, PressSwitchesToTheCoarseCopyAndTheEndOfInteractionBack)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.source(makeSphere());
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -726,10 +711,8 @@ TEST(DataViewDecimation, PressSwitchesToTheCoarseCopyAndTheEndOfInteractionBack)
   KXPreferences::setDisableDecimation(false);
 }
 
-TEST(DataViewColoring, CustomRangeDialogFromTheButtonSetsTableAndLegend)
+TEST_F(DataViewColoring, CustomRangeDialogFromTheButtonSetsTableAndLegend)
 {
-  ScopedSettings settings;
-  Scene scene;
   VXDataSource* source = scene.source(makeSphere());
   auto* surface = scene.add(source, VXRepresentation::Surface);
   ASSERT_NE(surface, nullptr);
@@ -812,9 +795,8 @@ TEST(DataViewColoring, CustomRangeDialogFromTheButtonSetsTableAndLegend)
   EXPECT_EQ(maximum->text(), "12");
 }
 
-TEST(DataViewState, ColoringFieldsAreDeclaredOnceForStateAndDefaults)
+TEST_F(DataViewState, ColoringFieldsAreDeclaredOnceForStateAndDefaults)
 {
-  ScopedSettings settings;
   VXColoringSettings coloring;
   coloring.showLegend = true;
   coloring.activeArray = "Vec";

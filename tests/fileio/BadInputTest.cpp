@@ -25,18 +25,6 @@ std::string ReadError(const std::filesystem::path& path, bool preflight)
   return result.errors().empty() ? std::string("<no message>") : result.errors().front().message;
 }
 
-void WriteBytes(const std::filesystem::path& path, const std::string& bytes)
-{
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-
-std::string ReadBytes(const std::filesystem::path& path)
-{
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
 /** A small file with one image and one triangle surface. */
 DataStructure MakeSmallStructure()
 {

@@ -271,33 +271,18 @@ void ExpectSameValues(const IArray& expected, const IArray& actual)
   }
 }
 
+template<typename... T>
+void ExpectSameValuesOfType(const IArray& expected, const IArray& actual)
+{
+  ((dynamic_cast<const DataArray<T>*>(&expected) != nullptr ? ExpectSameValues<T>(expected, actual)
+                                                            : void()),
+   ...);
+}
+
 inline void ExpectSameArrayValues(const IArray& expected, const IArray& actual)
 {
-  switch (expected.getDataType())
-  {
-    case DataType::int8:
-      return ExpectSameValues<int8>(expected, actual);
-    case DataType::uint8:
-      return ExpectSameValues<uint8>(expected, actual);
-    case DataType::int16:
-      return ExpectSameValues<int16>(expected, actual);
-    case DataType::uint16:
-      return ExpectSameValues<uint16>(expected, actual);
-    case DataType::int32:
-      return ExpectSameValues<int32>(expected, actual);
-    case DataType::uint32:
-      return ExpectSameValues<uint32>(expected, actual);
-    case DataType::int64:
-      return ExpectSameValues<int64>(expected, actual);
-    case DataType::uint64:
-      return ExpectSameValues<uint64>(expected, actual);
-    case DataType::float32:
-      return ExpectSameValues<float32>(expected, actual);
-    case DataType::float64:
-      return ExpectSameValues<float64>(expected, actual);
-    case DataType::boolean:
-      return ExpectSameValues<bool>(expected, actual);
-  }
+  ExpectSameValuesOfType<int8, uint8, int16, uint16, int32, uint32, int64, uint64, float32, float64,
+                         bool>(expected, actual);
 }
 
 /**

@@ -14,12 +14,6 @@ using namespace kxtest;
 
 namespace
 {
-std::string ReadBytes(const std::filesystem::path& path)
-{
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
 std::vector<std::string> FolderContent(const std::filesystem::path& dir)
 {
   std::vector<std::string> names;

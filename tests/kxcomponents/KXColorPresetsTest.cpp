@@ -15,28 +15,29 @@ TEST(KXColorPresets, BuiltInCollectionHasTheFamiliarMaps)
   ASSERT_GE(presets.size(), 10u);
   std::set<std::string> names;
   for (const ColorPreset& preset : presets)
-  {
     EXPECT_TRUE(names.insert(preset.name).second) << "duplicate name " << preset.name;
-  }
   for (const char* name :
        { "Cool to Warm", "Viridis", "Inferno", "Grayscale", "Jet", "Rainbow Uniform", "Distinct 12",
          "Brewer Qualitative Set1", "Brewer Qualitative Paired" })
-  {
     EXPECT_EQ(names.count(name), 1u) << name;
-  }
 }
 
-TEST(KXColorPresets, ContinuousMapsAreWellFormed)
+TEST(KXColorPresets, ContinuousMapsAreWellFormedAndIndexedMapsValid)
 {
   int continuous = 0;
+  int indexed = 0;
   for (const ColorPreset& preset : KXColorPresets::LoadBuiltIn())
   {
+    SCOPED_TRACE(preset.name);
     if (!KXColorPresets::IsContinuous(preset))
     {
+      ++indexed;
+      EXPECT_TRUE(IsValidIndexedPreset(preset));
+      EXPECT_TRUE(preset.rgbPoints.empty());
+      EXPECT_GE(preset.indexedColors.size() / 3, 8u);
       continue;
     }
     ++continuous;
-    SCOPED_TRACE(preset.name);
     const auto& points = preset.rgbPoints;
     ASSERT_EQ(points.size() % 4, 0u);
     ASSERT_GE(points.size(), 8u);
@@ -44,41 +45,18 @@ TEST(KXColorPresets, ContinuousMapsAreWellFormed)
     EXPECT_FLOAT_EQ(points[points.size() - 4], 1.0f);
     for (size_t i = 0; i < points.size(); i += 4)
     {
-      if (i > 0)
-      {
-        EXPECT_GT(points[i], points[i - 4]) << "positions must ascend";
-      }
+      EXPECT_TRUE(i == 0 || points[i] > points[i - 4]) << "positions must ascend";
       for (size_t c = 1; c < 4; ++c)
-      {
-        EXPECT_GE(points[i + c], 0.0f);
-        EXPECT_LE(points[i + c], 1.0f);
-      }
+        EXPECT_TRUE(points[i + c] >= 0.0f && points[i + c] <= 1.0f) << points[i + c];
     }
     EXPECT_EQ(preset.nanColor.size(), 3u);
     EXPECT_FALSE(preset.colorSpace.empty());
   }
   EXPECT_GE(continuous, 6);
-}
-
-TEST(KXColorPresets, IndexedMapsAreValid)
-{
-  int indexed = 0;
-  for (const ColorPreset& preset : KXColorPresets::LoadBuiltIn())
-  {
-    if (KXColorPresets::IsContinuous(preset))
-    {
-      continue;
-    }
-    ++indexed;
-    SCOPED_TRACE(preset.name);
-    EXPECT_TRUE(IsValidIndexedPreset(preset));
-    EXPECT_TRUE(preset.rgbPoints.empty());
-    EXPECT_GE(preset.indexedColors.size() / 3, 8u);
-  }
   EXPECT_GE(indexed, 3);
 }
 
-TEST(KXColorPresets, ControlPointsMatchThePublishedMaps)
+TEST(KXColorPresets, ControlPointsMatchThePublishedMapsFoundByTheirExactNames)
 {
   // Moreland's cool-to-warm: blue (59,76,192), near-white middle, red (180,4,38).
   const ColorPreset coolToWarm = *KXColorPresets::Find("Cool to Warm");
@@ -102,10 +80,8 @@ TEST(KXColorPresets, ControlPointsMatchThePublishedMaps)
   EXPECT_NEAR(set1.indexedColors[0], 0xe4 / 255.0, 1e-5);
   EXPECT_NEAR(set1.indexedColors[1], 0x1a / 255.0, 1e-5);
   EXPECT_NEAR(set1.indexedColors[2], 0x1c / 255.0, 1e-5);
-}
 
-TEST(KXColorPresets, FindIsExact)
-{
+  // names are found exactly
   EXPECT_TRUE(KXColorPresets::Find("Jet").has_value());
   EXPECT_FALSE(KXColorPresets::Find("jet").has_value());
   EXPECT_FALSE(KXColorPresets::Find("No Such Map").has_value());

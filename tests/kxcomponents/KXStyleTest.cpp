@@ -17,29 +17,27 @@ QImage Render(const QIcon& icon, int side = 16)
 }
 
 /** Theme icon names the visualization layer asks KXStyle for. */
-const QStringList k_NamesUsedByTheLibrary = {
-  "PipelineFileBridgeObj",
-  "DataSource",
-  "VertexGeometry",
-  "Cells",
-  "VXPipelineTreeIcon",
-  "invert",
-  "preset",
-  "Eye",
-  "ScaleToData",
-  "CustomRange",
-  "Undo",
-  "Close",
-  "Split Horizontal",
-  "Split Vertical",
-  "Run",
-  "target",
-  "Visualization",
-  "TriangleGeometry",
-  "SliceView",
-  "VolumeView",
-  "GlyphView",
-};
+const QStringList k_NamesUsedByTheLibrary = { "PipelineFileBridgeObj",
+                                              "DataSource",
+                                              "VertexGeometry",
+                                              "Cells",
+                                              "VXPipelineTreeIcon",
+                                              "invert",
+                                              "preset",
+                                              "Eye",
+                                              "ScaleToData",
+                                              "CustomRange",
+                                              "Undo",
+                                              "Close",
+                                              "Split Horizontal",
+                                              "Split Vertical",
+                                              "Run",
+                                              "target",
+                                              "Visualization",
+                                              "TriangleGeometry",
+                                              "SliceView",
+                                              "VolumeView",
+                                              "GlyphView" };
 } // namespace
 
 TEST(KXStyle, EveryNameTheLibraryUsesHasItsOwnIcon)
@@ -67,12 +65,8 @@ TEST(KXStyle, IconsAreDistinctAndVisible)
     ASSERT_EQ(image.size(), QSize(16, 16));
     int opaque = 0;
     for (int y = 0; y < image.height(); ++y)
-    {
       for (int x = 0; x < image.width(); ++x)
-      {
         opaque += qAlpha(image.pixel(x, y)) > 128 ? 1 : 0;
-      }
-    }
     // Something is drawn, and it is not a filled square.
     EXPECT_GT(opaque, 15);
     const QByteArray bytes(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes());
@@ -81,29 +75,19 @@ TEST(KXStyle, IconsAreDistinctAndVisible)
   EXPECT_EQ(seen.size(), static_cast<size_t>(KXStyle::iconNames().size()));
 }
 
-TEST(KXStyle, IconsScaleToLargerSizes)
+TEST(KXStyle, SizesColoursAndTheMagentaFallbackForUnknownNames)
 {
   const QIcon icon = KXStyle::generateThemeIconFromName("Eye");
-  const QList<QSize> sizes = icon.availableSizes();
-  EXPECT_TRUE(sizes.contains(QSize(16, 16)));
-  EXPECT_TRUE(sizes.contains(QSize(32, 32)));
+  EXPECT_TRUE(icon.availableSizes().contains(QSize(16, 16)));
+  EXPECT_TRUE(icon.availableSizes().contains(QSize(32, 32)));
   EXPECT_EQ(icon.pixmap(QSize(32, 32)).size(), QSize(32, 32));
-}
+  EXPECT_EQ(KXStyle::getIconSize(), QSize(16, 16));
+  EXPECT_EQ(KXStyle::getLightRedColor(), QColor(255, 180, 180));
+  EXPECT_EQ(KXStyle::getDefaultTextColor(), QColor(33, 33, 33));
 
-TEST(KXStyle, UnknownNamesGiveTheMagentaFallback)
-{
   EXPECT_FALSE(KXStyle::hasThemeIcon("NoSuchIcon"));
   EXPECT_FALSE(KXStyle::hasThemeIcon("eye")); // names are case-sensitive
   const QImage image = Render(KXStyle::generateThemeIconFromName("NoSuchIcon"));
   EXPECT_EQ(image, Render(KXStyle::fallbackIcon()));
   EXPECT_EQ(QColor(image.pixel(1, 1)), QColor(255, 0, 255));
-}
-
-TEST(KXStyle, SharedSizesAndColours)
-{
-  EXPECT_EQ(KXStyle::getIconSize(), QSize(16, 16));
-  const QColor lightRed = KXStyle::getLightRedColor();
-  EXPECT_EQ(lightRed, QColor(255, 180, 180));
-  EXPECT_GT(lightRed.red(), lightRed.green());
-  EXPECT_EQ(KXStyle::getDefaultTextColor(), QColor(33, 33, 33));
 }

@@ -54,7 +54,7 @@ protected:
 };
 } // namespace
 
-TEST_F(TwoParentTree, IdentifiersStartAtOneAndAscend)
+TEST_F(TwoParentTree, IdentifiersStartAtOneAscendAndOrderIteration)
 {
   EXPECT_EQ(zeta->getId(), 1u);
   EXPECT_EQ(alpha->getId(), 2u);
@@ -63,11 +63,7 @@ TEST_F(TwoParentTree, IdentifiersStartAtOneAndAscend)
   EXPECT_EQ(m->getId(), 5u);
   EXPECT_EQ(ds.getNextId(), 6u);
   EXPECT_EQ(ds.getSize(), 5u);
-  EXPECT_EQ(DataGroup::Create(ds, "next")->getId(), 6u);
-}
-
-TEST_F(TwoParentTree, IteratesByAscendingIdentifierNotName)
-{
+  // iteration goes by ascending identifier, not by name
   EXPECT_EQ(Keys(ds), (std::vector<IdType>{ 1, 2 }));
   std::vector<std::string> names;
   for (const auto& [id, child] : *zeta)
@@ -75,6 +71,7 @@ TEST_F(TwoParentTree, IteratesByAscendingIdentifierNotName)
   EXPECT_EQ(names, (Strings{ "b", "a" }));
   EXPECT_EQ(zeta->getDataMap().getKeys(), (std::vector<IdType>{ 3, 4 }));
   EXPECT_EQ(alpha->getDataMap().getKeys(), (std::vector<IdType>{ 3, 5 }));
+  EXPECT_EQ(DataGroup::Create(ds, "next")->getId(), 6u);
 }
 
 TEST_F(TwoParentTree, FindsObjectsByPathAndIdentifier)
@@ -237,13 +234,9 @@ TEST(DataStructure, ResetIdsRenumbersInOrderKeepingTreeAndGeometryReferences)
   ds.resetIds(20);
 
   // old order 2,4,5,6,7,8,9 becomes 20..26
-  EXPECT_EQ(image->getId(), 20u);
-  EXPECT_EQ(cellData->getId(), 21u);
-  EXPECT_EQ(phases->getId(), 22u);
-  EXPECT_EQ(mesh->getId(), 23u);
-  EXPECT_EQ(vertices->getId(), 24u);
-  EXPECT_EQ(faces->getId(), 25u);
-  EXPECT_EQ(shared->getId(), 26u);
+  EXPECT_EQ((std::vector<IdType>{ image->getId(), cellData->getId(), phases->getId(), mesh->getId(),
+                                  vertices->getId(), faces->getId(), shared->getId() }),
+            (std::vector<IdType>{ 20, 21, 22, 23, 24, 25, 26 }));
   EXPECT_EQ(ds.getNextId(), 27u);
   for (IdType id = 20; id <= 26; id++)
     EXPECT_EQ(ds.getData(id)->getId(), id);
@@ -311,7 +304,7 @@ void ExpectOwnedBy(const DataStructure& ds)
 }
 } // namespace
 
-TEST(DataStructure, CopyIsAnIndependentTreeSharingStores)
+TEST(DataStructure, CopyIsAnIndependentTreeSharingStoresAndMoveKeepsTheObjects)
 {
   const DataStructure original = MakeImageTree();
   DataStructure copy(original);
@@ -342,10 +335,8 @@ TEST(DataStructure, CopyIsAnIndependentTreeSharingStores)
   assigned = original;
   ExpectOwnedBy(assigned);
   EXPECT_EQ(assigned.getAllDataPaths(), original.getAllDataPaths());
-}
 
-TEST(DataStructure, MoveKeepsObjectsPointingAtTheNewStructure)
-{
+  // a move keeps the objects, pointing at the new structure
   DataStructure source = MakeImageTree();
   const DataObject* phases = source.getData(3);
   DataStructure moved(std::move(source));

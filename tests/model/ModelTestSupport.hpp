@@ -1,8 +1,7 @@
 #pragma once
 
-#include "QtTestSupport.hpp"
-
-#include "TestSupport.hpp"
+#include "HostDataSupport.hpp"
+#include "VXTestSupport.hpp"
 
 #include <visualization/FileToVXBridge.hpp>
 #include <visualization/KXToVXBridge.hpp>
@@ -18,13 +17,6 @@
 #include <KXComponents/KXPreferences.hpp>
 #include <KXComponents/KXStyle.hpp>
 #include <KXComponents/QtKXSettings.hpp>
-#include <kxcore/AttributeMatrix.hpp>
-#include <kxcore/DataStore.hpp>
-#include <kxcore/ImageGeom.hpp>
-#include <kxcore/VertexGeom.hpp>
-#include <kxcore/VoxeliaFile.hpp>
-
-#include <MicrostructureGenerator.hpp>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
@@ -42,24 +34,12 @@
 #include <memory>
 #include <vector>
 
-/** Readable texts in failure messages. */
-inline void PrintTo(const QString& text, std::ostream* os)
-{
-  *os << '"' << text.toStdString() << '"';
-}
-
 namespace modeltest
 {
-/** A render view frame without a render widget: enough for the tree and its check states. */
-class TestView : public VXAbstractViewWidget
-{
-public:
-  using VXAbstractViewWidget::VXAbstractViewWidget;
-  VXAbstractViewWidget* clone() override { return new TestView(); }
-  VXAbstractViewWidget* newInstance() override { return new TestView(); }
-};
-
 using kxtest::FakeController;
+using kxtest::hostResult;
+using kxtest::TestView;
+using kxtest::writeSample;
 
 /** A pass-through visual filter: its output is its input. */
 class PassFilter : public VXFilter
@@ -133,37 +113,6 @@ inline std::filesystem::path writeTriangles(const kxtest::TempDir& dir,
   writer->SetInputData(poly);
   EXPECT_EQ(writer->Write(), 1) << "could not write " << path;
   return path;
-}
-
-/** Writes the sample microstructure (image, grain boundaries, centroids) as a host file. */
-inline std::filesystem::path writeSample(const kxtest::TempDir& dir,
-                                         const std::string& name = "sample.voxelia")
-{
-  kxvtk::sample::MicrostructureGenerator generator(8);
-  const auto path = dir / name;
-  kx::core::DataStructure ds = generator.generate();
-  EXPECT_TRUE(kx::core::VOXELIA::WriteFile(path, ds).isValid());
-  return path;
-}
-
-/** A host result: an image "Grains" and, optionally, a point cloud "Seeds". */
-inline std::shared_ptr<kx::core::DataStructure> hostResult(bool withSeeds)
-{
-  using namespace kx::core;
-  auto ds = std::make_shared<DataStructure>();
-  auto* image = ImageGeom::Create(*ds, "Grains");
-  image->setDimensions({ 3, 2, 1 });
-  auto* cells = AttributeMatrix::Create(*ds, "Cell Data", { 1, 2, 3 }, image->getId());
-  image->setCellData(cells->getId());
-  auto store = std::make_shared<DataStore<int32>>(ShapeType{ 1, 2, 3 }, ShapeType{ 1 }, 1);
-  Int32Array::Create(*ds, "FeatureIds", store, cells->getId());
-  if (withSeeds)
-  {
-    auto* seeds = VertexGeom::Create(*ds, "Seeds");
-    auto xyz = std::make_shared<DataStore<float>>(ShapeType{ 2 }, ShapeType{ 3 }, 0.5f);
-    seeds->setVertexListId(Float32Array::Create(*ds, "Vertices", xyz, seeds->getId())->getId());
-  }
-  return ds;
 }
 
 using kxtest::waitFor;

@@ -26,10 +26,8 @@ TEST(PipelineModelCheckState, WithoutAnActiveViewThereIsNoCheckState)
   for (QObject* item :
        std::initializer_list<QObject*>{ scene.surfaceBridge, scene.surfaceSource, scene.filter,
                                         scene.surfaceView, scene.caption.data() })
-  {
     EXPECT_FALSE(
       model.data(model.helperIndex(item).siblingAtColumn(1), k_CheckStateRole).isValid());
-  }
   EXPECT_FALSE(model.setData(model.helperIndex(scene.surfaceView).siblingAtColumn(1), Qt::Unchecked,
                              k_CheckStateRole));
   EXPECT_FALSE(
@@ -44,7 +42,7 @@ TEST(PipelineModelCheckState, WithoutAnActiveViewThereIsNoCheckState)
             Qt::Checked);
 }
 
-TEST(PipelineModelCheckState, UncheckingHidesTheItemAndTellsTheView)
+TEST(PipelineModelCheckState, UncheckingOrThePageButtonHidesTheItemAndTellsTheView)
 {
   Scene scene;
   scene.buildSurfaceTree();
@@ -89,20 +87,14 @@ TEST(PipelineModelCheckState, UncheckingHidesTheItemAndTellsTheView)
   EXPECT_FALSE(
     model.setData(model.helperIndex(scene.surfaceBridge), Qt::Unchecked, k_CheckStateRole));
   EXPECT_EQ(visibility.count(), 4);
-}
 
-TEST(PipelineModelCheckState, SettingsPageButtonGoesThroughTheModel)
-{
-  Scene scene;
-  scene.buildSurfaceTree();
-  QSignalSpy visibility(scene.model, &VXPipelineModel::itemVisibilityChanged);
-  Q_EMIT scene.surfaceView->settingsWidgetVisibilityButtonClicked(false);
-  EXPECT_FALSE(scene.surfaceView->isVisible());
-  ASSERT_EQ(visibility.count(), 1);
-  EXPECT_EQ(visibility.at(0).at(0).value<QModelIndex>(),
-            scene.model->helperIndex(scene.surfaceView));
+  // the settings page's button goes through the model
   Q_EMIT scene.surfaceView->settingsWidgetVisibilityButtonClicked(true);
   EXPECT_TRUE(scene.surfaceView->isVisible());
+  ASSERT_EQ(visibility.count(), 5);
+  EXPECT_EQ(visibility.at(4).at(0).value<QModelIndex>(), model.helperIndex(scene.surfaceView));
+  Q_EMIT scene.surfaceView->settingsWidgetVisibilityButtonClicked(false);
+  EXPECT_FALSE(scene.surfaceView->isVisible());
 }
 
 TEST(PipelineModelCheckState, AnotherActiveViewReportsEachItemsState)
@@ -233,12 +225,10 @@ TEST(PipelineModelFlags, ItemsUnderAVanishedFileShowLightRed)
   ASSERT_TRUE(waitFor([&] { return scene.surfaceBridge->autoReloadFlagged(); }));
 
   for (QObject* item : subtree)
-  {
     EXPECT_EQ(
       model.data(model.helperIndex(item).siblingAtColumn(1), Qt::ForegroundRole).value<QColor>(),
       KXStyle::getLightRedColor())
       << model.data(model.helperIndex(item).siblingAtColumn(1)).toString().toStdString();
-  }
   EXPECT_TRUE(scene.surfaceSource->autoReloadFlagged());
   EXPECT_TRUE(scene.surfaceView->autoReloadFlagged());
   // the global source has nothing to do with the file

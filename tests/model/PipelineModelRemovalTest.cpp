@@ -103,52 +103,39 @@ TEST(PipelineModelRemoval, ADataViewAsksForItsOwnRemoval)
   EXPECT_TRUE(view.isNull());
 }
 
-TEST(PipelineModelRemoval, RemovingAHostBridgeIsAnnounced)
+TEST(PipelineModelRemoval, AVanishedHostGeometryTakesItsRowsAndARemovedHostBridgeIsAnnounced)
 {
   Scene scene;
   VXPipelineModel& model = *scene.model;
   FakeController run("Run", "run-1");
-  auto result = hostResult(true);
-  scene.pipeline->importPipelineOutput(&run, result);
+  auto first = hostResult(1, true);
+  scene.pipeline->importPipelineOutput(&run, first);
   ASSERT_EQ(scene.pipeline->bridges().size(), 1);
   QPointer<VXBridgeObject> bridge = scene.pipeline->bridges().first();
   ASSERT_EQ(model.rowCount(model.helperIndex(bridge)), 2);
-
-  QSignalSpy hostRemoved(&model, &VXPipelineModel::kxToVXBridgeObjectRemoved);
-  QSignalSpy removedSources(scene.pipeline.get(), &VXPipeline::dataSourceRemoved);
-  RemovalLog log(model);
-  model.removePipeline(bridge);
-
-  EXPECT_EQ(hostRemoved.count(), 1);
-  EXPECT_EQ(removedSources.count(), 2);
-  EXPECT_EQ(log.names, (QStringList{ "Outline View", "Grains", "Outline View 1", "Seeds", "Run" }));
-  EXPECT_EQ(model.rowCount(), 0);
-  EXPECT_TRUE(scene.pipeline->bridges().isEmpty());
-  flushDeletes();
-  EXPECT_TRUE(bridge.isNull());
-}
-
-TEST(PipelineModelRemoval, AVanishedHostGeometryTakesItsRows)
-{
-  Scene scene;
-  VXPipelineModel& model = *scene.model;
-  FakeController run("Run", "run-1");
-  auto first = hostResult(true);
-  scene.pipeline->importPipelineOutput(&run, first);
-  VXBridgeObject* bridge = scene.pipeline->bridges().first();
   QPointer<VXDataSource> seeds = bridge->dataSources().last();
   RemovalLog log(model);
   QSignalSpy removedSources(scene.pipeline.get(), &VXPipeline::dataSourceRemoved);
 
-  auto second = hostResult(false);
+  auto second = hostResult(1, false);
   scene.pipeline->reloadPipelineOutput(&run, second);
-
   EXPECT_EQ(log.names, (QStringList{ "Outline View 1", "Seeds" }));
   ASSERT_EQ(model.rowCount(model.helperIndex(bridge)), 1);
   EXPECT_EQ(model.data(model.index(0, 1, model.helperIndex(bridge))).toString(), "Grains");
   EXPECT_EQ(removedSources.count(), 1);
   flushDeletes();
   EXPECT_TRUE(seeds.isNull());
+
+  QSignalSpy hostRemoved(&model, &VXPipelineModel::kxToVXBridgeObjectRemoved);
+  log.names.clear();
+  model.removePipeline(bridge);
+  EXPECT_EQ(hostRemoved.count(), 1);
+  EXPECT_EQ(removedSources.count(), 2);
+  EXPECT_EQ(log.names, (QStringList{ "Outline View", "Grains", "Run" }));
+  EXPECT_EQ(model.rowCount(), 0);
+  EXPECT_TRUE(scene.pipeline->bridges().isEmpty());
+  flushDeletes();
+  EXPECT_TRUE(bridge.isNull());
 }
 
 TEST(PipelineModelRemoval, ReimportReplacesTheRowsOfDeletedDataSources)

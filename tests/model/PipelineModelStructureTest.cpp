@@ -23,8 +23,8 @@ const QString k_ViewHint = "Click on the parent of this item in the tree to add 
 struct RowCase
 {
   const char* label;
-  std::vector<int> rows;
-  int kind; // 0 bridge, 1 data source, 2 filter, 3 data view, 4 global source
+  const char* rows; // row numbers from the top, separated by dots
+  int kind;         // 0 bridge, 1 data source, 2 filter, 3 data view, 4 global source
   QString name;
   QString toolTip;
   int checkState; // k_InvalidCheck for none
@@ -41,73 +41,20 @@ void PrintTo(const RowCase& row, std::ostream* os)
 }
 
 const std::vector<RowCase> k_SurfaceTreeRows = {
-  { "bridge",
-    { 0 },
-    0,
-    "surface.vtp",
-    "Name: surface.vtp\nType: Pipeline or File",
-    k_InvalidCheck,
-    "PipelineFileBridgeObj",
-    1,
-    false,
-    true,
-    false },
-  { "dataSource",
-    { 0, 0 },
-    1,
-    "surface",
-    "Name: surface\nType: DataSource\n" + k_SourceHint,
-    k_InvalidCheck,
-    "DataSource",
-    2,
-    true,
-    false,
-    true },
-  { "outlineView",
-    { 0, 0, 0 },
-    3,
-    "Outline View",
-    "Name: Outline View\nType: Data View\n" + k_ViewHint,
-    Qt::Checked,
-    "Visualization",
-    0,
-    false,
-    false,
-    true },
-  { "filter",
-    { 0, 0, 1 },
-    2,
-    "Pass Filter",
-    "Name: Pass Filter\nType: Visual Filter\n" + k_SourceHint,
-    k_InvalidCheck,
-    "Filter",
-    1,
-    true,
-    false,
-    true },
-  { "surfaceView",
-    { 0, 0, 1, 0 },
-    3,
-    "Surface View",
-    "Name: Surface View\nType: Data View\n" + k_ViewHint,
-    Qt::Checked,
-    "TriangleGeometry",
-    0,
-    false,
-    false,
-    true },
+  { "bridge", "0", 0, "surface.vtp", "Name: surface.vtp\nType: Pipeline or File", k_InvalidCheck,
+    "PipelineFileBridgeObj", 1, false, true, false },
+  { "dataSource", "0.0", 1, "surface", "Name: surface\nType: DataSource\n" + k_SourceHint,
+    k_InvalidCheck, "DataSource", 2, true, false, true },
+  { "outlineView", "0.0.0", 3, "Outline View", "Name: Outline View\nType: Data View\n" + k_ViewHint,
+    Qt::Checked, "Visualization", 0, false, false, true },
+  { "filter", "0.0.1", 2, "Pass Filter", "Name: Pass Filter\nType: Visual Filter\n" + k_SourceHint,
+    k_InvalidCheck, "Filter", 1, true, false, true },
+  { "surfaceView", "0.0.1.0", 3, "Surface View",
+    "Name: Surface View\nType: Data View\n" + k_ViewHint, Qt::Checked, "TriangleGeometry", 0, false,
+    false, true },
   // no icon of its own: the tree's icon stands in
-  { "globalSource",
-    { 1 },
-    4,
-    "Caption",
-    "Name: Caption\nType: Global Source",
-    Qt::Checked,
-    "VXPipelineTreeIcon",
-    0,
-    false,
-    false,
-    true },
+  { "globalSource", "1", 4, "Caption", "Name: Caption\nType: Global Source", Qt::Checked,
+    "VXPipelineTreeIcon", 0, false, false, true }
 };
 
 class SurfaceTreeRows : public ::testing::TestWithParam<RowCase>
@@ -127,8 +74,11 @@ TEST_P(SurfaceTreeRows, AnswersRolesFlagsAndKindQueries)
   Scene scene;
   scene.buildSurfaceTree();
   const VXPipelineModel& model = *scene.model;
-  const QModelIndex index0 = indexAt(model, row.rows, 0);
-  const QModelIndex index1 = indexAt(model, row.rows, 1);
+  std::vector<int> rows;
+  for (const QString& number : QString(row.rows).split('.'))
+    rows.push_back(number.toInt());
+  const QModelIndex index0 = indexAt(model, rows, 0);
+  const QModelIndex index1 = indexAt(model, rows, 1);
   ASSERT_TRUE(index0.isValid());
   ASSERT_TRUE(index1.isValid());
 
@@ -139,15 +89,7 @@ TEST_P(SurfaceTreeRows, AnswersRolesFlagsAndKindQueries)
   EXPECT_FALSE(model.data(index0, Qt::ToolTipRole).isValid());
 
   const QVariant check = model.data(index1, k_CheckStateRole);
-  if (row.checkState == k_InvalidCheck)
-  {
-    EXPECT_FALSE(check.isValid());
-  }
-  else
-  {
-    ASSERT_TRUE(check.isValid());
-    EXPECT_EQ(check.toInt(), row.checkState);
-  }
+  EXPECT_EQ(check.isValid() ? check.toInt() : k_InvalidCheck, row.checkState);
 
   EXPECT_TRUE(sameIcon(model.data(index1, Qt::DecorationRole).value<QIcon>(), row.iconName))
     << row.iconName;
@@ -334,7 +276,7 @@ TEST(PipelineModelStructure, AddOperationsRefuseWhatTheyCannotPlace)
   EXPECT_EQ(model.getPipelineObject(loadedIndex), loaded);
 }
 
-TEST(PipelineModelStructure, AddedItemsAnnounceThemselves)
+TEST(PipelineModelStructure, AddedItemsAnnounceThemselvesAndParentColoursSelectTheSource)
 {
   Scene scene;
   QSignalSpy presets(scene.model, &VXPipelineModel::applyDefaultPresetRequest);
@@ -352,7 +294,7 @@ TEST(PipelineModelStructure, AddedItemsAnnounceThemselves)
 
   QSignalSpy hostAdded(scene.model, &VXPipelineModel::kxToVXBridgeObjectAdded);
   FakeController run("Run", "run-1");
-  auto result = hostResult(true);
+  auto result = hostResult(1, true);
   scene.pipeline->importPipelineOutput(&run, result);
   ASSERT_EQ(hostAdded.count(), 1);
   EXPECT_EQ(static_cast<VXBridgeObject*>(hostAdded.at(0).at(0).value<KXToVXBridge*>()),
@@ -361,12 +303,8 @@ TEST(PipelineModelStructure, AddedItemsAnnounceThemselves)
   QSignalSpy instances(scene.model, &VXPipelineModel::representationViewInstanceAdded);
   Q_EMIT scene.pipeline->representationViewInstanceAdded();
   EXPECT_EQ(instances.count(), 1);
-}
 
-TEST(PipelineModelStructure, GoToParentColorSettingsSelectsTheDataSource)
-{
-  Scene scene;
-  scene.buildSurfaceTree();
+  // a data view's "go to the parent's colours" selects the data source
   QSignalSpy select(scene.model, &VXPipelineModel::selectIndexRequest);
   Q_EMIT scene.surfaceSource->goToParentColorSettings();
   ASSERT_EQ(select.count(), 1);

@@ -57,16 +57,6 @@ protected:
   QModelIndex bridgeIndex() const { return model()->index(0, 0, QModelIndex()); }
   QModelIndex sourceIndex(int row) const { return model()->index(row, 0, bridgeIndex()); }
 
-  /** A tree state of one bridge over the sample, with the given data source items. */
-  nlohmann::json bridgeState(const nlohmann::json& children) const
-  {
-    nlohmann::json bridge;
-    bridge["item_type"] = "FileToVXBridge";
-    bridge["item_data"] = { { "bridge_object_file_path", m_Sample.string() } };
-    bridge["item_children"] = children;
-    return nlohmann::json::array({ bridge });
-  }
-
   std::filesystem::path m_Sample;
 };
 } // namespace
@@ -165,56 +155,4 @@ TEST_F(InfoWidgetFixture, TreeStateWritesEveryItemWithTypeDataAndChildren)
       EXPECT_FALSE(view.contains("item_children"));
     }
   }
-}
-
-TEST_F(InfoWidgetFixture, TreeReaderReportsBadItemsAndKeepsLoadingTheirSisters)
-{
-  // a fresh module, so the bridge comes from the state
-  makeModule();
-  const std::string firstPath = "Microstructure";
-  nlohmann::json points = { { "item_type", "VXPointsRep" },
-                            { "item_data", nlohmann::json::object() } };
-  nlohmann::json viewUnderView = points;
-  viewUnderView["item_children"] = nlohmann::json::array({ points });
-  nlohmann::json source;
-  source["item_type"] = "VXDataSource";
-  source["item_data"] = { { "imported_data_path", firstPath } };
-  source["item_children"] = nlohmann::json::array({
-    { { "item_data", nlohmann::json::object() } },
-    { { "item_type", "VXMystery" }, { "item_data", nlohmann::json::object() } },
-    { { "item_type", "VXFClip" }, { "item_data", nlohmann::json::object() } },
-    points,
-  });
-  nlohmann::json stray = { { "item_type", "VXDataSource" },
-                           { "item_data", nlohmann::json::object() } };
-  nlohmann::json tree = bridgeState(nlohmann::json::array({ source }));
-  tree.push_back(stray);
-
-  QMap<VXAbstractViewWidget*, int> indices{ { grid()->allViews().front(), 0 } };
-  QSignalSpy messages(info(), &VXInfoWidget::sendOutputMessage);
-  info()->loadState(tree, indices);
-
-  QStringList reported;
-  for (const auto& message : messages)
-    reported << message.at(0).toString();
-  EXPECT_TRUE(
-    reported.contains("Error reading state file; tree view item is missing the 'item_type' key"));
-  EXPECT_TRUE(
-    reported.contains("Error reading state file; found VXBridgeObject item type VXMystery but the "
-                      "model index for insertion is not at the top level of the tree."));
-  // filters are not available in this build: reported as unknown
-  EXPECT_TRUE(
-    reported.contains("Error reading state file; found VXBridgeObject item type VXFClip but the "
-                      "model index for insertion is not at the top level of the tree."));
-  EXPECT_TRUE(reported.contains("Error reading state file; found item type VXDataSource but top "
-                                "level tree view items must be of type VXBridgeObject"));
-
-  // the one named source stays, the others of the file go; the sister data view loaded
-  ASSERT_EQ(model()->rowCount(bridgeIndex()), 1);
-  auto* kept = qobject_cast<VXDataSource*>(model()->getCoreObject(sourceIndex(0)));
-  ASSERT_NE(kept, nullptr);
-  EXPECT_EQ(kept->importedDataPath().toString("/"), firstPath);
-  ASSERT_EQ(model()->rowCount(sourceIndex(0)), 1);
-  EXPECT_EQ(model()->getRepresentation(model()->index(0, 1, sourceIndex(0)))->type(),
-            VXRepresentation::Points);
 }

@@ -73,7 +73,7 @@ nlohmann::json renderWindowIndices(const nlohmann::json& items)
 }
 } // namespace
 
-TEST_F(ModuleFixture, StartsWithOneActiveViewAndItsForm)
+TEST_F(ModuleFixture, StartsWithOneActiveViewThatFollowsClicksSplitsAndCloses)
 {
   EXPECT_EQ(m_Module->windowTitle(), "Visualization Window");
   ASSERT_NE(m_Module->findChild<QSplitter*>("splitter"), nullptr);
@@ -90,12 +90,9 @@ TEST_F(ModuleFixture, StartsWithOneActiveViewAndItsForm)
   ASSERT_EQ(sizes.size(), 2);
   const int total = sizes[0] + sizes[1];
   EXPECT_NEAR(sizes[0], total * 3 / 4, 12);
-}
 
-TEST_F(ModuleFixture, ActiveViewFollowsClicksSplitsAndCloses)
-{
+  // the active view follows clicks, splits and closes
   QSignalSpy changed(m_Module.get(), &VXVisualizationModuleWidget::changedActiveView);
-  VXAbstractViewWidget* first = grid()->allViews().front();
   grid()->addColumn(first);
   pump();
   ASSERT_EQ(grid()->viewCount(), 2);
@@ -122,7 +119,7 @@ TEST_F(ModuleFixture, ActiveViewFollowsClicksSplitsAndCloses)
   EXPECT_EQ(m_Module->pipeline()->activeViewWidget(), grid()->allViews().front());
 }
 
-TEST_F(ModuleFixture, DroppingAFileTwiceOffersAReloadAndImportsNothingNew)
+TEST_F(ModuleFixture, DroppingAFileTwiceOffersAReloadAndAStateFileOnlyAsksTheHost)
 {
   const auto sample = pipelinetest::writeSample(m_Dir);
   dropFiles(m_Module.get(), { qpath(sample) });
@@ -146,17 +143,15 @@ TEST_F(ModuleFixture, DroppingAFileTwiceOffersAReloadAndImportsNothingNew)
   dropFiles(m_Module.get(), { qpath(sample) });
   EXPECT_EQ(m_Module->pipeline()->bridges().size(), 1);
   EXPECT_GE(reloaded.count(), 1);
-}
 
-TEST_F(ModuleFixture, DroppingAStateFileOnlyAsksTheHost)
-{
+  // a state file only asks the host
   QSignalSpy requested(m_Module.get(), &VXVisualizationModuleWidget::loadStateRequested);
   const QString statePath = qpath(m_Dir / "scene.vlxstate");
   dropFiles(m_Module.get(), { statePath });
   ASSERT_EQ(requested.count(), 1);
   EXPECT_EQ(requested.at(0).at(0).toString(), statePath);
-  EXPECT_TRUE(m_Module->pipeline()->bridges().isEmpty());
-  EXPECT_TRUE(m_Dialogs.asked.empty());
+  EXPECT_EQ(m_Module->pipeline()->bridges().size(), 1);
+  EXPECT_EQ(m_Dialogs.asked.size(), 2u);
 }
 
 TEST_F(ModuleFixture, CorruptStoredLayoutIsRemovedAndTheModuleOpensWithOneView)
@@ -226,7 +221,7 @@ TEST_F(ModuleFixture, WriteSettingsActsOnTheBoxResultAsStored)
   EXPECT_TRUE(stored().isEmpty());
 }
 
-TEST_F(ModuleFixture, LinkAllViewsSharesOneCameraAndUnlinkAllSeparatesThem)
+TEST_F(ModuleFixture, LinkAllViewsSharesOneCameraUnlinkAllSeparatesThemAndBlockingReachesAll)
 {
   VXAbstractViewWidget* first = grid()->allViews().front();
   grid()->addColumn(first);
@@ -247,6 +242,14 @@ TEST_F(ModuleFixture, LinkAllViewsSharesOneCameraAndUnlinkAllSeparatesThem)
     EXPECT_FALSE(view->getVisualizationWidget()->isLinked());
   EXPECT_NE(views[0]->getVisualizationWidget()->getRenderer()->GetActiveCamera(),
             views[1]->getVisualizationWidget()->getRenderer()->GetActiveCamera());
+
+  // blocking renders reaches every view
+  for (const bool block : { true, false })
+  {
+    m_Module->setBlockRender(block);
+    for (VXAbstractViewWidget* view : views)
+      EXPECT_EQ(view->isRenderBlocked(), block);
+  }
 }
 
 TEST_F(ModuleFixture, AllViewsScreenshotPutsEachPaneWhereItStands)
@@ -422,16 +425,4 @@ TEST_F(ModuleFixture, PresetsExportAndImportThroughFiles)
     output.last().startsWith(QString("Error importing presets from '%1': malformed JSON (")
                                .arg(qpath(m_Dir / "broken.json"))));
   EXPECT_TRUE(output.last().endsWith("). The file may be corrupt or not a valid preset file."));
-}
-
-TEST_F(ModuleFixture, BlockRenderReachesEveryView)
-{
-  grid()->addColumn(grid()->allViews().front());
-  pump();
-  m_Module->setBlockRender(true);
-  for (VXAbstractViewWidget* view : grid()->allViews())
-    EXPECT_TRUE(view->isRenderBlocked());
-  m_Module->setBlockRender(false);
-  for (VXAbstractViewWidget* view : grid()->allViews())
-    EXPECT_FALSE(view->isRenderBlocked());
 }

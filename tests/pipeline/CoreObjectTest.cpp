@@ -8,7 +8,7 @@
 
 using namespace pipelinetest;
 
-TEST(CoreObject, NamesAndSuffixes)
+TEST(CoreObject, NamesAndTheSmallestFreeSuffix)
 {
   ScopedSettings settings;
   FileToVXBridge bridge;
@@ -29,11 +29,8 @@ TEST(CoreObject, NamesAndSuffixes)
   EXPECT_EQ(pathSpy.at(0).at(0).toString(), "grains.vti (1) > Grains 2");
   source->setPathDelimeter("/");
   EXPECT_EQ(source->pathName(), "grains.vti (1)/Grains 2");
-}
 
-TEST(CoreObject, SmallestFreeSuffix)
-{
-  ScopedSettings settings;
+  // a new item takes the smallest free suffix of its name
   QObject owner;
   QList<VXCoreObject*> items;
   EXPECT_EQ(VXPipelineModel::GetNameSuffixCounter(items, "A"), 0);
@@ -52,7 +49,7 @@ TEST(CoreObject, SmallestFreeSuffix)
   EXPECT_EQ(VXPipelineModel::GetNameSuffixCounter(items, "C"), 0);
 }
 
-TEST(CoreObject, VisibilityPerView)
+TEST(CoreObject, VisibilityAndEnabledStatePerView)
 {
   ScopedSettings settings;
   VXPipeline pipeline;
@@ -76,20 +73,13 @@ TEST(CoreObject, VisibilityPerView)
   EXPECT_EQ(source.viewWidgets().size(), 2);
   // with a view there is a page, titled by the item's name
   ASSERT_NE(source.settingsWidget(), nullptr);
-}
 
-TEST(CoreObject, ActiveViewChangeReportsEnabledState)
-{
-  ScopedSettings settings;
-  VXPipeline pipeline;
-  TestView inView;
+  // an active view change reports the enabled state
   TestView otherView;
-  VXDataSource source;
-  source.setPipeline(&pipeline);
-  source.addViewWidget(&inView);
+  pipeline.setActiveViewWidget(nullptr);
   QSignalSpy spy(&source, &VXCoreObject::enabledDisabledStateChanged);
-  pipeline.setActiveViewWidget(&inView);
-  pipeline.setActiveViewWidget(&inView); // same view: nothing
+  pipeline.setActiveViewWidget(&viewA);
+  pipeline.setActiveViewWidget(&viewA); // same view: nothing
   pipeline.setActiveViewWidget(&otherView);
   pipeline.setActiveViewWidget(nullptr);
   ASSERT_EQ(spy.count(), 3);

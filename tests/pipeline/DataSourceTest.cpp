@@ -60,6 +60,11 @@ TEST(DataSource, ComponentNamesByArrayKind)
   EXPECT_TRUE(source.getComponentNames(QString()).isEmpty());
   EXPECT_EQ(source.getImportedArrayNames().keys(),
             (QList<QString>{ "Color", "HostVectors", "Scalar", "Tensor", "Velocity" }));
+  // one lookup table for its children, which are data views and filters only
+  VXLookupTable* table = source.lookupTable();
+  ASSERT_NE(table, nullptr);
+  EXPECT_TRUE(source.children().isEmpty());
+  EXPECT_EQ(source.lookupTable(), table);
 }
 
 TEST(DataSource, ColorSignals)
@@ -120,7 +125,7 @@ TEST(DataSource, PasteChangesSettingsNeverIdentity)
   EXPECT_EQ(second.getSolidColor(), QColor(1, 2, 3));
 }
 
-TEST(DataSource, SettingsNeedAllThreeColorKeys)
+TEST(DataSource, SettingsNeedAllThreeColorKeysAndAreWrittenAfterYes)
 {
   ScopedSettings settings;
   {
@@ -139,17 +144,13 @@ TEST(DataSource, SettingsNeedAllThreeColorKeys)
   EXPECT_EQ(source.getNanColor(), QColor::fromRgbF(0.5, 0.75, 0.0, 1.0));
   EXPECT_EQ(source.getSolidColor(), QColor(1, 2, 3));
   EXPECT_TRUE(source.getIsInverted());
-}
 
-TEST(DataSource, WriteSettingsFollowsTheAnswer)
-{
-  ScopedSettings settings;
+  // writing them follows the answer
   ScriptedPrompts prompts;
-  VXDataSource source;
   source.setSolidColor(QColor(9, 8, 7));
   prompts.answers = { QMessageBox::No, QMessageBox::Yes, QMessageBox::Reset };
   source.writeSettings();
-  EXPECT_EQ(VXDataSource().getSolidColor(), QColor(255, 255, 255));
+  EXPECT_EQ(VXDataSource().getSolidColor(), QColor(1, 2, 3));
   source.writeSettings();
   EXPECT_EQ(VXDataSource().getSolidColor(), QColor(9, 8, 7));
   source.writeSettings();
@@ -158,15 +159,4 @@ TEST(DataSource, WriteSettingsFollowsTheAnswer)
   EXPECT_EQ(prompts.asked[0].text, "Do you want to save the current data source setting values as "
                                    "the default values for all data sources?");
   EXPECT_EQ(prompts.asked[0].defaultButton, QMessageBox::Yes);
-}
-
-TEST(DataSource, OwnsOneLookupTableForItsChildren)
-{
-  ScopedSettings settings;
-  VXDataSource source;
-  VXLookupTable* table = source.lookupTable();
-  ASSERT_NE(table, nullptr);
-  // the tree's children are data views and filters only
-  EXPECT_TRUE(source.children().isEmpty());
-  EXPECT_EQ(source.lookupTable(), table);
 }

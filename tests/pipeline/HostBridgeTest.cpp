@@ -3,11 +3,7 @@
 #include <visualization/KXToVXBridge.hpp>
 #include <visualization/VXDataSource.hpp>
 
-#include <kxcore/AttributeMatrix.hpp>
-#include <kxcore/DataStore.hpp>
 #include <kxcore/DataGroup.hpp>
-#include <kxcore/ImageGeom.hpp>
-#include <kxcore/VertexGeom.hpp>
 
 #include <vtkCellData.h>
 #include <vtkImageData.h>
@@ -17,34 +13,12 @@
 using namespace pipelinetest;
 using namespace kx::core;
 
-namespace
-{
-/** A host result: an image "Grains" (with one cell array) and a point cloud "Seeds". */
-std::shared_ptr<DataStructure> hostResult(int fill, bool withSeeds = true)
-{
-  auto ds = std::make_shared<DataStructure>();
-  auto* image = ImageGeom::Create(*ds, "Grains");
-  image->setDimensions({ 3, 2, 1 });
-  auto* cells = AttributeMatrix::Create(*ds, "Cell Data", { 1, 2, 3 }, image->getId());
-  image->setCellData(cells->getId());
-  auto store = std::make_shared<DataStore<int32>>(ShapeType{ 1, 2, 3 }, ShapeType{ 1 }, fill);
-  Int32Array::Create(*ds, "FeatureIds", store, cells->getId());
-  if (withSeeds)
-  {
-    auto* seeds = VertexGeom::Create(*ds, "Seeds");
-    auto xyz = std::make_shared<DataStore<float>>(ShapeType{ 2 }, ShapeType{ 3 }, 0.5f);
-    seeds->setVertexListId(Float32Array::Create(*ds, "Vertices", xyz, seeds->getId())->getId());
-  }
-  return ds;
-}
-} // namespace
-
 TEST(HostBridge, RunsOfOnePipelineUpdateOneBridge)
 {
   ScopedSettings settings;
   VXPipeline pipeline;
   FakeController run("Segmentation", "uuid-1");
-  auto first = hostResult(1);
+  auto first = hostResult(1, true);
   pipeline.reloadPipelineOutput(&run, first);
   ASSERT_EQ(pipeline.bridges().size(), 1);
   auto* bridge = qobject_cast<KXToVXBridge*>(pipeline.bridges().first());
@@ -57,7 +31,7 @@ TEST(HostBridge, RunsOfOnePipelineUpdateOneBridge)
   EXPECT_EQ(grains->getOutput()->GetCellData()->GetArray("FeatureIds")->GetComponent(0, 0), 1.0);
 
   QSignalSpy reloaded(&pipeline, &VXPipeline::pipelineOutputReloaded);
-  auto second = hostResult(7);
+  auto second = hostResult(7, true);
   pipeline.reloadPipelineOutput(&run, second);
   EXPECT_EQ(pipeline.bridges().size(), 1);
   EXPECT_EQ(reloaded.count(), 1);
@@ -65,7 +39,7 @@ TEST(HostBridge, RunsOfOnePipelineUpdateOneBridge)
   EXPECT_EQ(grains->getOutput()->GetCellData()->GetArray("FeatureIds")->GetComponent(5, 0), 7.0);
 
   FakeController other("Meshing", "uuid-2");
-  auto third = hostResult(3);
+  auto third = hostResult(3, true);
   pipeline.reloadPipelineOutput(&other, third);
   ASSERT_EQ(pipeline.bridges().size(), 2);
   EXPECT_EQ(pipeline.bridges().last()->name(), "Meshing");

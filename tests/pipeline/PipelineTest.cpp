@@ -91,27 +91,24 @@ public:
 TEST(Pipeline, DefaultDataViewByDataSetType)
 {
   DistinctDefaults defaults;
-  auto image = vtkSmartPointer<vtkImageData>::New();
-  auto rect = vtkSmartPointer<vtkRectilinearGrid>::New();
-  auto structured = vtkSmartPointer<vtkStructuredGrid>::New();
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(image), VXRepresentation::Volume);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(rect), VXRepresentation::Surface);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(2, 1, VTK_TRIANGLE)),
-            VXRepresentation::Points);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 1, VTK_TRIANGLE)),
-            VXRepresentation::Wireframe);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, VTK_TRIANGLE)),
-            VXRepresentation::Glyph);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, VTK_QUAD)),
-            VXRepresentation::ImageSlice);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(polyWith(0, 0, 0)), VXRepresentation::Outline);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_TETRA)), VXRepresentation::Surface);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_HEXAHEDRON)),
-            VXRepresentation::Wireframe);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(gridWith(VTK_TRIANGLE)),
-            VXRepresentation::Outline);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(structured), VXRepresentation::Outline);
-  EXPECT_EQ(VXPipeline::DefaultRepresentationType(nullptr), VXRepresentation::Outline);
+  using R = VXRepresentation;
+  const std::vector<std::pair<vtkSmartPointer<vtkDataSet>, R::Type>> cases = {
+    { vtkSmartPointer<vtkImageData>::New(), R::Volume },
+    { vtkSmartPointer<vtkRectilinearGrid>::New(), R::Surface },
+    { polyWith(2, 1, VTK_TRIANGLE), R::Points },
+    { polyWith(0, 1, VTK_TRIANGLE), R::Wireframe },
+    { polyWith(0, 0, VTK_TRIANGLE), R::Glyph },
+    { polyWith(0, 0, VTK_QUAD), R::ImageSlice },
+    { polyWith(0, 0, 0), R::Outline },
+    { gridWith(VTK_TETRA), R::Surface },
+    { gridWith(VTK_HEXAHEDRON), R::Wireframe },
+    { gridWith(VTK_TRIANGLE), R::Outline },
+    { vtkSmartPointer<vtkStructuredGrid>::New(), R::Outline },
+    { nullptr, R::Outline }
+  };
+  for (size_t i = 0; i < cases.size(); i++)
+    EXPECT_EQ(VXPipeline::DefaultRepresentationType(cases[i].first), cases[i].second)
+      << "case " << i;
 }
 
 TEST(Pipeline, DataSourcesGetTheirDefaultDataView)
@@ -193,7 +190,7 @@ TEST(Pipeline, NoViewDataOnlyAndStateLoadSuppressDataViews)
   }
 }
 
-TEST(Pipeline, AddRepresentationMessages)
+TEST(Pipeline, AddRepresentationMessagesAndTheActiveViewSignalBeforeTheChange)
 {
   ScopedSettings settings;
   registerRecordingViews();
@@ -215,11 +212,8 @@ TEST(Pipeline, AddRepresentationMessages)
   EXPECT_TRUE(source.children().isEmpty());
   EXPECT_TRUE(pipeline.addRepresentation(&source, VXRepresentation::Points));
   EXPECT_EQ(source.children().size(), 1);
-}
 
-TEST(Pipeline, ActiveViewSignalComesBeforeTheChange)
-{
-  VXPipeline pipeline;
+  // the active view signal comes before the change
   TestView first;
   TestView second;
   pipeline.setActiveViewWidget(&first);

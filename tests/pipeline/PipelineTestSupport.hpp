@@ -1,8 +1,7 @@
 #pragma once
 
-#include "QtTestSupport.hpp"
-
-#include "TestSupport.hpp"
+#include "HostDataSupport.hpp"
+#include "VXTestSupport.hpp"
 
 #include <visualization/QtWidgets/VXAbstractViewWidget.hpp>
 #include <visualization/VXPipeline.hpp>
@@ -11,9 +10,6 @@
 
 #include <KX/IPipelineController.hpp>
 #include <KXComponents/QtKXSettings.hpp>
-#include <kxcore/VoxeliaFile.hpp>
-
-#include <MicrostructureGenerator.hpp>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
@@ -22,16 +18,10 @@
 
 namespace pipelinetest
 {
-/** A render view frame without a render widget: enough for the tree logic. */
-class TestView : public VXAbstractViewWidget
-{
-public:
-  using VXAbstractViewWidget::VXAbstractViewWidget;
-  VXAbstractViewWidget* clone() override { return new TestView(); }
-  VXAbstractViewWidget* newInstance() override { return new TestView(); }
-};
-
 using kxtest::FakeController;
+using kxtest::hostResult;
+using kxtest::TestView;
+using kxtest::writeSample;
 
 /** A data view that records how the pipeline set it up. */
 class RecordingRep : public VXRepresentation
@@ -116,17 +106,6 @@ public:
   std::vector<QString> fileTitles;
   QString fileAnswer;
 };
-
-/** Writes the sample microstructure at a small size. */
-inline std::filesystem::path writeSample(const kxtest::TempDir& dir,
-                                         const std::string& name = "sample.voxelia")
-{
-  kxvtk::sample::MicrostructureGenerator generator(12);
-  const auto path = dir / name;
-  kx::core::DataStructure ds = generator.generate();
-  EXPECT_TRUE(kx::core::VOXELIA::WriteFile(path, ds).isValid());
-  return path;
-}
 
 using kxtest::waitFor;
 

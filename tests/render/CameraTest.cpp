@@ -64,20 +64,22 @@ void expectNear3(const std::array<double, 3>& actual, const std::array<double, 3
 }
 } // namespace
 
-TEST_F(CameraView, SnapsPlaceTheCameraOnTheOppositeSideOfTheAxisItLooksAlong)
+TEST_F(CameraView, SnapsPlaceTheCameraOnTheOppositeSideOfTheAxisItLooksAlongAndRollsTurnIt)
 {
+  // the default camera looks from (0, 0, 1) at the origin
+  const std::array<double, 4> initial = m_View->getCameraFocalPointAndDistance();
+  EXPECT_DOUBLE_EQ(initial[0], 0.0);
+  EXPECT_DOUBLE_EQ(initial[3], 1.0);
   addBox();
+  using W = VXVisualizationWidget;
   const std::vector<SnapCase> cases = {
-    { "camXPlus", [](VXVisualizationWidget& v) { v.camXPlus(); }, { -1, 0, 0 }, { 0, 0, 1 } },
-    { "camYPlus", [](VXVisualizationWidget& v) { v.camYPlus(); }, { 0, -1, 0 }, { 0, 0, 1 } },
-    { "camZPlus", [](VXVisualizationWidget& v) { v.camZPlus(); }, { 0, 0, -1 }, { 0, 1, 0 } },
-    { "camXMinus", [](VXVisualizationWidget& v) { v.camXMinus(); }, { 1, 0, 0 }, { 0, 0, 1 } },
-    { "camYMinus", [](VXVisualizationWidget& v) { v.camYMinus(); }, { 0, 1, 0 }, { 0, 0, 1 } },
-    { "camZMinus", [](VXVisualizationWidget& v) { v.camZMinus(); }, { 0, 0, 1 }, { 0, 1, 0 } },
-    { "camImageView",
-      [](VXVisualizationWidget& v) { v.camImageView(); },
-      { 0, 0, -1 },
-      { 0, -1, 0 } },
+    { "camXPlus", &W::camXPlus, { -1, 0, 0 }, { 0, 0, 1 } },
+    { "camYPlus", &W::camYPlus, { 0, -1, 0 }, { 0, 0, 1 } },
+    { "camZPlus", &W::camZPlus, { 0, 0, -1 }, { 0, 1, 0 } },
+    { "camXMinus", &W::camXMinus, { 1, 0, 0 }, { 0, 0, 1 } },
+    { "camYMinus", &W::camYMinus, { 0, 1, 0 }, { 0, 0, 1 } },
+    { "camZMinus", &W::camZMinus, { 0, 0, 1 }, { 0, 1, 0 } },
+    { "camImageView", &W::camImageView, { 0, 0, -1 }, { 0, -1, 0 } },
     { "XPlus",
       [](VXVisualizationWidget& v)
       { v.setCameraView(VXVisualizationWidget::CameraPosition::XPlus); },
@@ -99,9 +101,7 @@ TEST_F(CameraView, SnapsPlaceTheCameraOnTheOppositeSideOfTheAxisItLooksAlong)
     c.snap(*m_View);
     const std::array<double, 4> fd = m_View->getCameraFocalPointAndDistance();
     // the reset camera centres on the box
-    EXPECT_NEAR(fd[0], 1.0, 1e-9);
-    EXPECT_NEAR(fd[1], 2.0, 1e-9);
-    EXPECT_NEAR(fd[2], 3.0, 1e-9);
+    expectNear3({ fd[0], fd[1], fd[2] }, { 1, 2, 3 }, 1e-9);
     ASSERT_GT(fd[3], 0.0);
     expectNear3(
       position(),
@@ -109,19 +109,7 @@ TEST_F(CameraView, SnapsPlaceTheCameraOnTheOppositeSideOfTheAxisItLooksAlong)
       1e-9);
     expectNear3(viewUp(), c.viewUp, 1e-9);
   }
-}
 
-TEST_F(CameraView, DefaultCameraLooksFromUnitDistance)
-{
-  const std::array<double, 4> fd = m_View->getCameraFocalPointAndDistance();
-  // the default camera looks from (0, 0, 1) at the origin
-  EXPECT_DOUBLE_EQ(fd[0], 0.0);
-  EXPECT_DOUBLE_EQ(fd[3], 1.0);
-}
-
-TEST_F(CameraView, RollsTurnTheViewUpByQuarterTurns)
-{
-  addBox();
   m_View->camZMinus(); // view up (0, 1, 0), looking along -Z
   m_View->rotateCamClockwise();
   expectNear3(viewUp(), { -1, 0, 0 }, 1e-9);
@@ -140,10 +128,7 @@ TEST_F(CameraView, AddingActorsRecentresRotationOnceThePropsAreIn)
   EXPECT_EQ(added.count(), 2);
   // recentring waits for the event loop, so both boxes count
   pump();
-  const std::array<double, 3> center = m_View->getCenterOfRotation();
-  EXPECT_DOUBLE_EQ(center[0], 5.0);
-  EXPECT_DOUBLE_EQ(center[1], 1.0);
-  EXPECT_DOUBLE_EQ(center[2], 1.0);
+  expectNear3(m_View->getCenterOfRotation(), { 5, 1, 1 }, 1e-12);
   EXPECT_FALSE(m_View->isCenterOfRotationLocked());
 
   // the cross is sized a quarter of the largest extent (10)
@@ -186,10 +171,7 @@ TEST_F(CameraView, PickedCentreSurvivesAddAndRemoveUntilReset)
 
   m_View->resetCenterOfRotation();
   EXPECT_FALSE(m_View->isCenterOfRotationLocked());
-  const std::array<double, 3> center = m_View->getCenterOfRotation();
-  EXPECT_DOUBLE_EQ(center[0], 15.0);
-  EXPECT_DOUBLE_EQ(center[1], 15.0);
-  EXPECT_DOUBLE_EQ(center[2], 15.0);
+  expectNear3(m_View->getCenterOfRotation(), { 15, 15, 15 }, 1e-12);
 }
 
 TEST_F(CameraView, ResetCameraRecentresUnlessLocked)
@@ -206,10 +188,7 @@ TEST_F(CameraView, ResetCameraRecentresUnlessLocked)
   m_View->resetCenterOfRotation();
   m_View->getRenderer()->GetActiveCamera()->SetFocalPoint(50, 50, 50);
   m_View->resetCamera();
-  const std::array<double, 3> center = m_View->getCenterOfRotation();
-  EXPECT_DOUBLE_EQ(center[0], 1.0);
-  EXPECT_DOUBLE_EQ(center[1], 2.0);
-  EXPECT_DOUBLE_EQ(center[2], 3.0);
+  expectNear3(m_View->getCenterOfRotation(), { 1, 2, 3 }, 1e-12);
 }
 
 TEST_F(CameraView, DataViewActorsExcludeGridHighlightersAndHiddenProps)
@@ -233,7 +212,7 @@ TEST_F(CameraView, DataViewActorsExcludeGridHighlightersAndHiddenProps)
   EXPECT_FALSE(m_View->isDataViewActor(grid));
 }
 
-TEST_F(CameraView, OutlinesAreAddedOnceAndCleared)
+TEST_F(CameraView, OutlinesAreAddedOnceAndClearedAsIsTheRenderWindow)
 {
   auto a = makeBox(0, 1, 0, 1, 0, 1);
   auto b = makeBox(0, 1, 0, 1, 0, 1);
@@ -248,10 +227,8 @@ TEST_F(CameraView, OutlinesAreAddedOnceAndCleared)
   EXPECT_TRUE(m_View->hasOutlineActor(b));
   m_View->clearOutlines();
   EXPECT_EQ(m_View->getOutlineRenderer()->GetViewProps()->GetNumberOfItems(), 0);
-}
 
-TEST_F(CameraView, ClearRenderWindowDropsPropsAndOrientationWidget)
-{
+  // clearing the render window drops the props and the orientation widget
   addBox();
   m_View->clearRenderWindow();
   EXPECT_EQ(m_View->getRenderer()->GetViewProps()->GetNumberOfItems(), 0);
@@ -314,7 +291,7 @@ TEST_F(CameraView, LinkingStartsInOneViewAndEndsWhenAnotherGetsFocus)
   EXPECT_EQ(other.getRenderer()->GetActiveCamera(), m_View->getRenderer()->GetActiveCamera());
 }
 
-TEST_F(CameraView, CustomCameraPresetsRestoreThePosition)
+TEST_F(CameraView, CustomCameraPresetsRestoreThePositionAndTheContextLimitsTextures)
 {
   vtkCamera* camera = m_View->getRenderer()->GetActiveCamera();
   camera->SetPosition(3, 4, 5);
@@ -330,10 +307,8 @@ TEST_F(CameraView, CustomCameraPresetsRestoreThePosition)
   m_View->applyCustomCameraPosPreset(QStringLiteral("no such preset"));
   camera->GetPosition(p);
   EXPECT_DOUBLE_EQ(p[1], 4.0);
-}
 
-TEST_F(CameraView, TextureLimitComesFromTheContext)
-{
+  // the texture limit comes from the context
   int maxSize = 0;
   EXPECT_TRUE(m_View->areDimensionsValid(16, 16, 16, maxSize));
   EXPECT_GE(maxSize, 16);

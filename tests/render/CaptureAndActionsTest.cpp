@@ -81,7 +81,7 @@ struct CaptureObserver
 };
 } // namespace
 
-TEST_F(Capture, ImageIsTopRowFirstOnTheGivenBackground)
+TEST_F(Capture, ImageIsTopRowFirstOnTheGivenBackgroundOrTransparent)
 {
   addUpperHalfPlane();
   const QImage image = m_View->captureViewImage(false, QColor(255, 0, 0));
@@ -100,14 +100,12 @@ TEST_F(Capture, ImageIsTopRowFirstOnTheGivenBackground)
   double rgb[3];
   m_View->getRenderer()->GetBackground(rgb);
   EXPECT_NEAR(rgb[0], background.redF(), 1e-6);
-}
 
-TEST_F(Capture, TransparentImageHasAnAlphaChannel)
-{
-  const QImage image = m_View->captureViewImage(true, QColor());
-  ASSERT_FALSE(image.isNull());
-  EXPECT_EQ(image.format(), QImage::Format_RGBA8888);
-  EXPECT_EQ(image.width(), qRound(300 * m_View->devicePixelRatioF()));
+  // a transparent image has an alpha channel
+  const QImage transparent = m_View->captureViewImage(true, QColor());
+  ASSERT_FALSE(transparent.isNull());
+  EXPECT_EQ(transparent.format(), QImage::Format_RGBA8888);
+  EXPECT_EQ(transparent.width(), qRound(300 * ratio));
 }
 
 TEST_F(Capture, HooksHideTheToolbarAndPutOutlinesOnLayerZero)
@@ -197,7 +195,7 @@ TEST_F(Capture, SaveScreenshotWritesTheChosenFile)
   QFile::remove(fileName);
 }
 
-TEST_F(Capture, UnwritableScreenshotIsReported)
+TEST_F(Capture, UnwritableScreenshotIsReportedAndCancelledDialogsWriteNothing)
 {
   const QString fileName = QStringLiteral("/nonexistent-folder-of-kxvtk/shot.png");
   VXUserPrompt::setSaveFileHandler([&](const QString&, const QString&) { return fileName; });
@@ -208,10 +206,9 @@ TEST_F(Capture, UnwritableScreenshotIsReported)
   EXPECT_EQ(
     output.at(0).at(0).toString(),
     QStringLiteral("Failed to write screenshot to '/nonexistent-folder-of-kxvtk/shot.png'."));
-}
 
-TEST_F(Capture, CancelledScreenshotDialogsWriteNothing)
-{
+  // cancelled dialogs write nothing: no file asks no options, rejected options write none
+  output.clear();
   int optionsAsked = 0;
   VXUserPrompt::setSaveFileHandler([](const QString&, const QString&) { return QString(); });
   VXUserPrompt::setDialogHandler(
@@ -220,21 +217,19 @@ TEST_F(Capture, CancelledScreenshotDialogsWriteNothing)
       ++optionsAsked;
       return int(QDialog::Rejected);
     });
-  QSignalSpy output(m_View.get(), &VXVisualizationWidget::printOutput);
   controller()->saveScreenshot();
   EXPECT_EQ(optionsAsked, 0);
 
-  const QString fileName =
-    QStringLiteral(KXVTK_TEST_TMP_DIR) + QStringLiteral("/cancelled_shot.png");
-  QFile::remove(fileName);
-  VXUserPrompt::setSaveFileHandler([&](const QString&, const QString&) { return fileName; });
+  const QString cancelled = QStringLiteral(KXVTK_TEST_TMP_DIR "/cancelled_shot.png");
+  QFile::remove(cancelled);
+  VXUserPrompt::setSaveFileHandler([&](const QString&, const QString&) { return cancelled; });
   controller()->saveScreenshot();
   EXPECT_EQ(optionsAsked, 1);
-  EXPECT_FALSE(QFileInfo::exists(fileName));
+  EXPECT_FALSE(QFileInfo::exists(cancelled));
   EXPECT_EQ(output.count(), 0);
 }
 
-TEST_F(Capture, ChangeBackgroundColourAsksAndColoursBothRenderers)
+TEST_F(Capture, ChangeBackgroundColourAsksAndColoursBothRenderersAndLoadedComponentsAreClamped)
 {
   QString askedTitle;
   VXUserPrompt::setColorHandler(
@@ -264,10 +259,8 @@ TEST_F(Capture, ChangeBackgroundColourAsksAndColoursBothRenderers)
   controller()->getRestoreDefaultBackgroundColorAction()->trigger();
   m_View->getRenderer()->GetBackground(scene);
   EXPECT_NEAR(scene[0], KXPreferences::getDefaultRenderWindowBackground().redF(), 1e-6);
-}
 
-TEST_F(Capture, LoadedBackgroundComponentsAreClampedWithAMessage)
-{
+  // loaded components are clamped with a message
   QSignalSpy output(m_View.get(), &VXVisualizationWidget::printOutput);
   controller()->setBackgroundColorComponents({ 1.5, 0.25, -0.5 });
   ASSERT_EQ(output.count(), 2);
@@ -275,7 +268,6 @@ TEST_F(Capture, LoadedBackgroundComponentsAreClampedWithAMessage)
             QStringLiteral("Background color component 1.5 out of range; clamped to [0, 1]."));
   EXPECT_EQ(output.at(1).at(0).toString(),
             QStringLiteral("Background color component -0.5 out of range; clamped to [0, 1]."));
-  double scene[3];
   m_View->getRenderer()->GetBackground(scene);
   EXPECT_DOUBLE_EQ(scene[0], 1.0);
   // QColor keeps 16 bits a channel

@@ -63,45 +63,34 @@ protected:
 };
 } // namespace
 
-TEST_F(ContextMenu, RightClickOpensTheMenu)
-{
-  send(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton, { 150, 150 });
-  send(QEvent::MouseButtonRelease, Qt::RightButton, Qt::NoButton, { 150, 150 });
-  EXPECT_EQ(m_Shown, 1);
-}
-
-TEST_F(ContextMenu, RightDragOpensNoMenu)
-{
-  send(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton, { 150, 150 });
-  send(QEvent::MouseMove, Qt::NoButton, Qt::RightButton, { 160, 180 });
-  send(QEvent::MouseButtonRelease, Qt::RightButton, Qt::NoButton, { 160, 180 });
-  EXPECT_EQ(m_Shown, 0);
-}
-
-TEST_F(ContextMenu, LeftClickOpensNoMenuButSignalsThePress)
-{
-  QSignalSpy pressed(m_View.get(), &VXVisualizationWidget::mousePressed);
-  send(QEvent::MouseButtonPress, Qt::LeftButton, Qt::LeftButton, { 150, 150 });
-  send(QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton, { 150, 150 });
-  EXPECT_EQ(m_Shown, 0);
-  EXPECT_EQ(pressed.count(), 1);
-}
-
-TEST_F(ContextMenu, ViewWithoutOwnMenuShowsNone)
-{
-  m_View->setOwnContextMenu(false);
-  send(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton, { 150, 150 });
-  send(QEvent::MouseButtonRelease, Qt::RightButton, Qt::NoButton, { 150, 150 });
-  EXPECT_EQ(m_Shown, 0);
-}
-
-TEST_F(ContextMenu, DoubleClickWithLeftButtonIsReported)
+TEST_F(ContextMenu, OnlyARightClickInAViewWithItsOwnMenuOpensIt)
 {
   QSignalSpy doubleClicked(m_View.get(), &VXVisualizationWidget::doubleClicked);
+  auto click = [this](Qt::MouseButton button, QPoint release)
+  {
+    send(QEvent::MouseButtonPress, button, button, { 150, 150 });
+    if (release != QPoint(150, 150))
+      send(QEvent::MouseMove, Qt::NoButton, button, release);
+    send(QEvent::MouseButtonRelease, button, Qt::NoButton, release);
+  };
+  click(Qt::RightButton, { 150, 150 });
+  EXPECT_EQ(m_Shown, 1);
+  // a right drag opens none; a left click none, but signals the press
+  click(Qt::RightButton, { 160, 180 });
+  EXPECT_EQ(m_Shown, 1);
+  QSignalSpy pressed(m_View.get(), &VXVisualizationWidget::mousePressed);
+  click(Qt::LeftButton, { 150, 150 });
+  EXPECT_EQ(m_Shown, 1);
+  EXPECT_EQ(pressed.count(), 1);
+  // double clicks are reported with the left button only
   send(QEvent::MouseButtonDblClick, Qt::LeftButton, Qt::LeftButton, { 40, 50 });
   send(QEvent::MouseButtonDblClick, Qt::RightButton, Qt::RightButton, { 40, 50 });
   ASSERT_EQ(doubleClicked.count(), 1);
   EXPECT_EQ(doubleClicked.at(0).at(0).toPoint(), QPoint(40, 50));
+  // a view without its own menu shows none
+  m_View->setOwnContextMenu(false);
+  click(Qt::RightButton, { 150, 150 });
+  EXPECT_EQ(m_Shown, 1);
 }
 
 TEST_F(ContextMenu, UnlinkedViewMenuHasTheActionsInOrder)
@@ -137,38 +126,7 @@ TEST_F(ContextMenu, UnlinkedViewMenuHasTheActionsInOrder)
   EXPECT_EQ(entries(menu.get()), expected);
 }
 
-TEST_F(ContextMenu, LinkedViewMenuOffersUnlinking)
-{
-  VXVisualizationWidget other(nullptr, 2);
-  m_View->linkCameraWith(&other);
-  std::unique_ptr<QMenu> menu(m_View->getContextMenu());
-  const QStringList all = entries(menu.get());
-  const qsizetype link = all.indexOf("Link All Cameras");
-  ASSERT_GE(link, 0);
-  EXPECT_EQ(all.at(link + 1), QStringLiteral("Unlink Cameras"));
-  EXPECT_EQ(all.at(link + 2), QStringLiteral("Unlink All Cameras"));
-  EXPECT_EQ(all.at(link + 3), QStringLiteral("Camera Parallel Projection"));
-  m_View->unlinkCamera();
-}
-
-TEST_F(ContextMenu, AnyViewLinkedQueryDecidesUnlinkAll)
-{
-  m_View->setAnyViewLinkedQuery([]() { return true; });
-  std::unique_ptr<QMenu> menu(m_View->getContextMenu());
-  const QStringList all = entries(menu.get());
-  EXPECT_TRUE(all.contains("Unlink All Cameras"));
-  EXPECT_FALSE(all.contains("Unlink Cameras"));
-
-  VXVisualizationWidget other(nullptr, 2);
-  m_View->linkCameraWith(&other);
-  m_View->setAnyViewLinkedQuery([]() { return false; });
-  std::unique_ptr<QMenu> linkedMenu(m_View->getContextMenu());
-  EXPECT_TRUE(entries(linkedMenu.get()).contains("Unlink Cameras"));
-  EXPECT_FALSE(entries(linkedMenu.get()).contains("Unlink All Cameras"));
-  m_View->unlinkCamera();
-}
-
-TEST_F(ContextMenu, ActionsAreCachedAcrossMenus)
+TEST_F(ContextMenu, LinkingDecidesTheUnlinkEntriesAndActionsAreCached)
 {
   std::unique_ptr<QMenu> first(m_View->getContextMenu());
   std::unique_ptr<QMenu> second(m_View->getContextMenu());
@@ -176,6 +134,25 @@ TEST_F(ContextMenu, ActionsAreCachedAcrossMenus)
   EXPECT_EQ(first->actions().at(0), second->actions().at(0));
   EXPECT_EQ(first->actions().at(0), m_View->getShowAllAction());
   EXPECT_EQ(first->actions().last(), m_View->getEditGridAxesAction());
+
+  m_View->setAnyViewLinkedQuery([]() { return true; });
+  std::unique_ptr<QMenu> menu(m_View->getContextMenu());
+  EXPECT_TRUE(entries(menu.get()).contains("Unlink All Cameras"));
+  EXPECT_FALSE(entries(menu.get()).contains("Unlink Cameras"));
+
+  VXVisualizationWidget other(nullptr, 2);
+  m_View->linkCameraWith(&other);
+  std::unique_ptr<QMenu> linked(m_View->getContextMenu());
+  const QStringList all = entries(linked.get());
+  const qsizetype link = all.indexOf("Link All Cameras");
+  ASSERT_GE(link, 0);
+  EXPECT_EQ(all.mid(link + 1, 3),
+            (QStringList{ "Unlink Cameras", "Unlink All Cameras", "Camera Parallel Projection" }));
+  m_View->setAnyViewLinkedQuery([]() { return false; });
+  std::unique_ptr<QMenu> alone(m_View->getContextMenu());
+  EXPECT_TRUE(entries(alone.get()).contains("Unlink Cameras"));
+  EXPECT_FALSE(entries(alone.get()).contains("Unlink All Cameras"));
+  m_View->unlinkCamera();
 }
 
 TEST_F(ContextMenu, ParallelProjectionEntryShowsAndTogglesTheCamera)

@@ -47,14 +47,10 @@ protected:
 };
 } // namespace
 
-TEST_F(GridAxes, NoActorUntilAskedFor)
+TEST_F(GridAxes, NoActorUntilAskedForAndZeroBoundsWithoutVisibleGeometry)
 {
   EXPECT_EQ(controller()->getGridAxesActor(), nullptr);
   EXPECT_FALSE(controller()->gridAxesEnabled());
-}
-
-TEST_F(GridAxes, GridWithoutVisibleGeometryHasZeroBounds)
-{
   auto hidden = makeBox(1, 2, 1, 2, 1, 2);
   hidden->SetVisibility(false);
   m_View->addActor(hidden);
@@ -95,7 +91,7 @@ TEST_F(GridAxes, ImageActorsCountWithTheSliceTheyShow)
   EXPECT_EQ(gridBounds(), (std::array<double, 6>{ 0, 5, 0, 5, 2, 2 }));
 }
 
-TEST_F(GridAxes, SpacingGivesEvenlySpacedCustomLabelsFromTheMinimum)
+TEST_F(GridAxes, SpacingGivesEvenlySpacedCustomLabelsFromTheMinimumAndConfigReachesTheActor)
 {
   m_View->addActor(makeBox(1, 3, 0, 10, 0, 1));
   controller()->setGridAxesEnabled(true);
@@ -106,16 +102,19 @@ TEST_F(GridAxes, SpacingGivesEvenlySpacedCustomLabelsFromTheMinimum)
   EXPECT_FALSE(controller()->gridAxesUsesCustomLabels(1));
   EXPECT_FALSE(controller()->gridAxesUsesCustomLabels(2));
   EXPECT_TRUE(controller()->gridAxesLabels(1).empty());
-}
 
-TEST_F(GridAxes, SpacingLargerThanTheExtentGivesOneLabelAtTheMinimum)
-{
-  m_View->addActor(makeBox(1, 3, 0, 10, 0, 1));
-  controller()->setGridAxesEnabled(true);
+  // a spacing larger than the extent gives one label at the minimum
   setSpacing(0, 25, 0);
   EXPECT_FALSE(controller()->gridAxesUsesCustomLabels(0));
   EXPECT_TRUE(controller()->gridAxesUsesCustomLabels(1));
   EXPECT_EQ(controller()->gridAxesLabels(1), (std::vector<double>{ 0.0 }));
+
+  controller()->setGridAxesConfig({ 0, 0, 0 }, true, QColor(0, 255, 0), 0.5, true,
+                                  { "Depth", "", "H" });
+  vtkGridAxesActor3D* actor = controller()->getGridAxesActor();
+  EXPECT_TRUE(actor->GetGenerateGrid());
+  EXPECT_DOUBLE_EQ(actor->GetProperty()->GetColor()[1], 1.0);
+  EXPECT_DOUBLE_EQ(actor->GetProperty()->GetOpacity(), 0.5);
 }
 
 TEST_F(GridAxes, InitializeAndAppearanceSetTheActorsLook)
@@ -142,18 +141,6 @@ TEST_F(GridAxes, InitializeAndAppearanceSetTheActorsLook)
   EXPECT_DOUBLE_EQ(actor->GetTitleTextProperty(0)->GetOpacity(), 0.0);
   EXPECT_DOUBLE_EQ(actor->GetProperty()->GetOpacity(), 0.4);
   EXPECT_FALSE(actor->GetGenerateTicks());
-}
-
-TEST_F(GridAxes, ConfigReachesTheActor)
-{
-  m_View->addActor(makeBox(0, 1, 0, 1, 0, 1));
-  controller()->setGridAxesEnabled(true);
-  controller()->setGridAxesConfig({ 0, 0, 0 }, true, QColor(0, 255, 0), 0.5, true,
-                                  { "Depth", "", "H" });
-  vtkGridAxesActor3D* actor = controller()->getGridAxesActor();
-  EXPECT_TRUE(actor->GetGenerateGrid());
-  EXPECT_DOUBLE_EQ(actor->GetProperty()->GetColor()[1], 1.0);
-  EXPECT_DOUBLE_EQ(actor->GetProperty()->GetOpacity(), 0.5);
 }
 
 TEST_F(GridAxes, DialogHasTheTitledControlsAndAppliesEdits)
@@ -207,7 +194,7 @@ TEST_F(GridAxes, DialogHasTheTitledControlsAndAppliesEdits)
   dialog->close();
 }
 
-TEST_F(GridAxes, DialogReopensWithTheCachedConfigAndResets)
+TEST_F(GridAxes, DialogReopensWithTheCachedConfigResetsAndMirrorsOpacity)
 {
   controller()->setGridAxesConfig({ 3, 0, 0 }, true, Qt::red, 0.7, false, { "a", "b", "c" });
   controller()->editGridAxes();
@@ -231,14 +218,8 @@ TEST_F(GridAxes, DialogReopensWithTheCachedConfigAndResets)
   controller()->editGridAxes();
   EXPECT_EQ(controller()->getGridAxesWidget(), dialog);
   EXPECT_EQ(dialog->spacingEdit(0)->text(), QStringLiteral("3"));
-  dialog->close();
-}
 
-TEST_F(GridAxes, OpacitySliderAndEditMirrorEachOther)
-{
-  controller()->editGridAxes();
-  VXGridAxesWidget* dialog = controller()->getGridAxesWidget();
-  ASSERT_NE(dialog, nullptr);
+  // the opacity slider and edit mirror each other
   dialog->opacitySlider()->setValue(25);
   EXPECT_EQ(dialog->opacityEdit()->text(), QStringLiteral("0.25"));
   dialog->opacityEdit()->setText(QStringLiteral("0.337"));

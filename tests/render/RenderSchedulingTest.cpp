@@ -90,7 +90,7 @@ TEST_F(RenderScheduling, OutlineLayerDrawsOnlyInFramesWithVisibleOutlines)
   EXPECT_EQ(sceneFrames.count(), 5);
 }
 
-TEST_F(RenderScheduling, ConstructionBuildsLayeredRenderersSharingOneCamera)
+TEST_F(RenderScheduling, ConstructionBuildsLayeredRenderersStyleCursorPickerAndOrientationWidget)
 {
   vtkRenderer* scene = m_View->getRenderer();
   vtkRenderer* outline = m_View->getOutlineRenderer();
@@ -115,10 +115,7 @@ TEST_F(RenderScheduling, ConstructionBuildsLayeredRenderersSharingOneCamera)
   EXPECT_NEAR(rgb[2], background.blueF(), 1e-6);
   EXPECT_EQ(scene->GetActiveCamera()->GetParallelProjection() != 0,
             KXPreferences::getCameraParallelProjDefault());
-}
 
-TEST_F(RenderScheduling, ConstructionInstallsStyleCursorPickerAndOrientationWidget)
-{
   VXInteractorStyleCamera* style = m_View->getInteractorStyle();
   ASSERT_NE(style, nullptr);
   EXPECT_EQ(m_View->getRenderWindowInteractor()->GetInteractorStyle(), style);
@@ -155,19 +152,16 @@ TEST_F(RenderScheduling, ConstructionInstallsStyleCursorPickerAndOrientationWidg
   ASSERT_NE(cube, nullptr);
   EXPECT_TRUE(cube->GetEnabled());
   EXPECT_EQ(cube->faceLabels(), KXPreferences::getOrientationMarkerText());
-}
 
-TEST_F(RenderScheduling, OrientationMarkerTextFollowsTheView)
-{
+  // the marker text follows the view; anything but six texts is ignored
   const QStringList labels = { "E", "W", "N", "S", "Up", "Down" };
   m_View->setOrientationMarkerText(labels);
   EXPECT_EQ(m_View->getCameraOrientationWidget()->faceLabels(), labels);
-  // anything but six texts is ignored
   m_View->setOrientationMarkerText({ "a", "b" });
   EXPECT_EQ(m_View->getCameraOrientationWidget()->faceLabels(), labels);
 }
 
-TEST_F(RenderScheduling, ToolbarSitsAQuarterDownTheLeftEdge)
+TEST_F(RenderScheduling, ToolbarSitsAQuarterDownTheLeftEdgeAndBackgroundsReachBothRenderers)
 {
   VXVisualizationToolbarWidget* toolbar = m_View->getToolbar();
   ASSERT_NE(toolbar, nullptr);
@@ -181,18 +175,15 @@ TEST_F(RenderScheduling, ToolbarSitsAQuarterDownTheLeftEdge)
   m_View->resize(300, toolbar->height());
   pump();
   EXPECT_EQ(toolbar->y(), 20);
-}
 
-TEST_F(RenderScheduling, BackgroundColourGoesToBothRenderers)
-{
+  // a background colour goes to both renderers
   m_View->setRenderWindowBackgroundColor(QColor(255, 0, 0));
   double scene[3];
   double outline[3];
   m_View->getRenderer()->GetBackground(scene);
   m_View->getOutlineRenderer()->GetBackground(outline);
-  EXPECT_DOUBLE_EQ(scene[0], 1.0);
-  EXPECT_DOUBLE_EQ(scene[1], 0.0);
-  EXPECT_DOUBLE_EQ(outline[0], 1.0);
+  EXPECT_EQ((std::array<double, 3>{ scene[0], scene[1], outline[0] }),
+            (std::array<double, 3>{ 1, 0, 1 }));
   EXPECT_DOUBLE_EQ(outline[2], 0.0);
   EXPECT_TRUE(m_View->isRenderPending());
 }

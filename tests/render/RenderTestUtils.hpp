@@ -1,6 +1,6 @@
 #pragma once
 
-#include "QtTestSupport.hpp"
+#include "VXTestSupport.hpp"
 // Shared helpers of the render widget tests: a shown view, event pumping,
 // event counters and simple props with known bounds.
 
@@ -27,33 +27,9 @@
 
 namespace rendertest
 {
+using kxtest::drag;
+using kxtest::EventCounter;
 using kxtest::pump;
-
-/** Counts one VTK event of one object for as long as it lives. */
-class EventCounter
-{
-public:
-  EventCounter(vtkObject* object, unsigned long event)
-    : m_Object(object)
-  {
-    m_Command->SetClientData(&m_Count);
-    m_Command->SetCallback([](vtkObject*, unsigned long, void* clientData, void*)
-                           { ++*static_cast<int*>(clientData); });
-    m_Tag = object->AddObserver(event, m_Command);
-  }
-  ~EventCounter() { m_Object->RemoveObserver(m_Tag); }
-  EventCounter(const EventCounter&) = delete;
-  EventCounter& operator=(const EventCounter&) = delete;
-
-  int count() const { return m_Count; }
-  void reset() { m_Count = 0; }
-
-private:
-  vtkObject* m_Object;
-  vtkNew<vtkCallbackCommand> m_Command;
-  unsigned long m_Tag = 0;
-  int m_Count = 0;
-};
 
 /** A box actor spanning the given bounds. */
 inline vtkSmartPointer<vtkActor> makeBox(double x0, double x1, double y0, double y1, double z0,
@@ -86,20 +62,6 @@ inline void click(vtkRenderWindowInteractor* interactor, int x, int y,
   interactor->SetEventInformation(x, y, 0, 0);
   interactor->InvokeEvent(press);
   interactor->InvokeEvent(press + 1); // the matching release event
-}
-
-/** A button drag from (x0, y0) to (x1, y1) in four moves. */
-inline void drag(vtkRenderWindowInteractor* interactor, int x0, int y0, int x1, int y1,
-                 unsigned long press = vtkCommand::LeftButtonPressEvent)
-{
-  interactor->SetEventInformation(x0, y0, 0, 0);
-  interactor->InvokeEvent(press);
-  for (int step = 1; step <= 4; ++step)
-  {
-    interactor->SetEventInformation(x0 + (x1 - x0) * step / 4, y0 + (y1 - y0) * step / 4, 0, 0);
-    interactor->InvokeEvent(vtkCommand::MouseMoveEvent);
-  }
-  interactor->InvokeEvent(press + 1);
 }
 
 /** A key going down (or up) with the cursor at (x, y). */

@@ -34,35 +34,17 @@ TEST_F(ViewState, SavedKeysAreExactlyTheViewKeys)
   std::set<std::string> keys;
   for (const auto& item : state.items())
     keys.insert(item.key());
-  const std::set<std::string> expected = { "parallel_projection",
-                                           "global_grid_axes",
-                                           "global_grid_axes_spacingx",
-                                           "global_grid_axes_spacingy",
-                                           "global_grid_axes_spacingz",
-                                           "global_grid_axes_show_grid_lines",
-                                           "global_grid_axes_color",
-                                           "global_grid_axes_opacity",
-                                           "global_grid_axes_show_labels",
-                                           "global_grid_axes_title_x",
-                                           "global_grid_axes_title_y",
-                                           "global_grid_axes_title_z",
-                                           "own_context_menu",
-                                           "check_context_menu",
-                                           "num_render_layers",
-                                           "camera_pos_x",
-                                           "camera_pos_y",
-                                           "camera_pos_z",
-                                           "camera_view_up_x",
-                                           "camera_view_up_y",
-                                           "camera_view_up_z",
-                                           "camera_focal_pt_x",
-                                           "camera_focal_pt_y",
-                                           "camera_focal_pt_z",
-                                           "camera_view_angle",
-                                           "camera_parallel_scale",
-                                           "camera_center_of_rotation_x",
-                                           "camera_center_of_rotation_y",
-                                           "camera_center_of_rotation_z" };
+  std::set<std::string> expected = {
+    "parallel_projection",    "global_grid_axes",         "global_grid_axes_show_grid_lines",
+    "global_grid_axes_color", "global_grid_axes_opacity", "global_grid_axes_show_labels",
+    "own_context_menu",       "check_context_menu",       "num_render_layers",
+    "camera_view_angle",      "camera_parallel_scale"
+  };
+  for (const std::string prefix :
+       { "global_grid_axes_spacing", "global_grid_axes_title_", "camera_pos_", "camera_view_up_",
+         "camera_focal_pt_", "camera_center_of_rotation_" })
+    for (const char* axis : { "x", "y", "z" })
+      expected.insert(prefix + axis);
   EXPECT_EQ(keys, expected);
   EXPECT_TRUE(state["parallel_projection"].is_number());
   EXPECT_TRUE(state["global_grid_axes"].is_boolean());
@@ -157,17 +139,15 @@ TEST_F(ViewState, PartialStateKeepsWhatItDoesNotName)
   EXPECT_TRUE(m_View->ownContextMenu());
 }
 
-TEST_F(ViewState, GridColourComponentsAreClampedOnLoad)
+TEST_F(ViewState, SingleKeysClampColoursSetTheLayerFieldAndCheckTheParallelAction)
 {
   m_View->loadState({ { "global_grid_axes_color", { 1.5, -2.0, 0.5 } } });
   const QColor color = controller()->gridAxesConfig().color;
   EXPECT_DOUBLE_EQ(color.redF(), 1.0);
   EXPECT_DOUBLE_EQ(color.greenF(), 0.0);
   EXPECT_NEAR(color.blueF(), 0.5, 1e-3);
-}
 
-TEST_F(ViewState, RenderLayerCountChangesOnlyTheField)
-{
+  // the render layer count changes only the field
   const int layersBefore = m_View->renderWindow()->GetNumberOfLayers();
   m_View->loadState({ { "num_render_layers", 5 }, { "check_context_menu", true } });
   EXPECT_EQ(m_View->getNumRenderLayers(), 5);
@@ -176,15 +156,12 @@ TEST_F(ViewState, RenderLayerCountChangesOnlyTheField)
   m_View->saveState(state);
   EXPECT_EQ(state["num_render_layers"], 5);
   EXPECT_EQ(state["check_context_menu"], true);
-}
 
-TEST_F(ViewState, ParallelCameraRoundTripChecksTheAction)
-{
   camera()->SetParallelProjection(false);
-  m_View->loadState({ { "parallel_projection", 1 } });
-  EXPECT_TRUE(camera()->GetParallelProjection());
-  EXPECT_TRUE(m_View->getParallelProjectionAction()->isChecked());
-  m_View->loadState({ { "parallel_projection", 0 } });
-  EXPECT_FALSE(camera()->GetParallelProjection());
-  EXPECT_FALSE(m_View->getParallelProjectionAction()->isChecked());
+  for (const int parallel : { 1, 0 })
+  {
+    m_View->loadState({ { "parallel_projection", parallel } });
+    EXPECT_EQ(camera()->GetParallelProjection(), parallel);
+    EXPECT_EQ(m_View->getParallelProjectionAction()->isChecked(), parallel == 1);
+  }
 }

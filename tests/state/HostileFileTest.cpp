@@ -5,57 +5,24 @@ using json = nlohmann::json;
 
 namespace
 {
-json item(const std::string& type, json data = json::object(), json children = nullptr)
-{
-  json object = { { "item_type", type }, { "item_data", std::move(data) } };
-  if (!children.is_null())
-    object["item_children"] = std::move(children);
-  return object;
-}
-
-class HostileFixture : public StateFixture
+class HostileFixture : public SampleStateFixture
 {
 protected:
-  void SetUp() override
-  {
-    StateFixture::SetUp();
-    m_Sample = pipelinetest::writeSample(m_Dir);
-  }
-
   json bridge(json children = json::array()) const
   {
     return item("FileToVXBridge", { { "bridge_object_file_path", m_Sample.string() } },
                 std::move(children));
   }
 
-  json stateWith(const json& tree) const
-  {
-    json split;
-    grid()->saveState(split);
-    return { { "split_view_state", split }, { "tree_view_state", tree } };
-  }
-
   /** Writes the text as a state file and loads it through the path, answering Open. */
   void loadText(const std::string& text)
   {
     const auto path = m_Dir / "hostile.vlxstate";
-    writeBytes(path, text);
+    WriteBytes(path, text);
     m_Dialogs.answers = { QMessageBox::Open };
     m_Module->loadState(qpath(path));
     pump();
   }
-
-  /** A module with the sample loaded in two views, as the user left it. */
-  void buildSomething()
-  {
-    m_Module->pipeline()->importFile(qpath(m_Sample));
-    grid()->addColumn(grid()->allViews().front());
-    pump();
-    ASSERT_EQ(grid()->viewCount(), 2);
-    ASSERT_EQ(dataSources().size(), 3);
-  }
-
-  std::filesystem::path m_Sample;
 };
 
 const QString k_TypePrefix = "Error reading state file; ";
@@ -73,11 +40,13 @@ TEST_F(HostileFixture, WrongTypesAtTheTopLevelAreRefusedBeforeAnythingChanges)
     json state;
     QString message;
   };
+  const QString missing = "Error reading visualization state from state file; missing %1 key";
   const std::vector<Case> cases = {
-    { json(nullptr),
-      "Error reading visualization state from state file; missing split_view_state key" },
-    { json("text"),
-      "Error reading visualization state from state file; missing split_view_state key" },
+    { json(nullptr), missing.arg("split_view_state") },
+    { json("text"), missing.arg("split_view_state") },
+    { json::array({ good }), missing.arg("split_view_state") },
+    { json{ { "tree_view_state", json::array() } }, missing.arg("split_view_state") },
+    { json{ { "split_view_state", good["split_view_state"] } }, missing.arg("tree_view_state") },
     { json{ { "split_view_state", 3 }, { "tree_view_state", json::array() } },
       "Error reading visualization state from state file; the split_view_state value must be a "
       "JSON object" },

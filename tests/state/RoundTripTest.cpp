@@ -10,17 +10,6 @@ namespace
 class RoundTripFixture : public StateFixture
 {
 protected:
-  /** The source of a bridge's geometry by name. */
-  QModelIndex sourceIndex(const QString& name) const
-  {
-    for (VXDataSource* source : dataSources())
-    {
-      if (source->name() == name)
-        return model()->helperIndex(source);
-    }
-    return {};
-  }
-
   /** Adds a data view of the type under the source, shown in the active view, and returns its
    * settings there. */
   VXPointsRepPimpl* addView(const QModelIndex& source, VXRepresentation::Type type)
@@ -63,11 +52,11 @@ protected:
     left->mousePressed();
     pump();
     ASSERT_EQ(module->getActiveViewWidget(), left);
-    VXPointsRepPimpl* image = addView(sourceIndex("Microstructure"), VXRepresentation::Surface);
+    VXPointsRepPimpl* image = addView(sourceNamed("Microstructure"), VXRepresentation::Surface);
     ASSERT_NE(image, nullptr);
     image->setActiveArray("Phases");
     image->setOpacity(35);
-    VXPointsRepPimpl* centroids = addView(sourceIndex("Grain Centroids"), VXRepresentation::Points);
+    VXPointsRepPimpl* centroids = addView(sourceNamed("Grain Centroids"), VXRepresentation::Points);
     ASSERT_NE(centroids, nullptr);
     centroids->pointSizeEdited("9");
     centroids->setUseSolidColor(true);
@@ -85,7 +74,7 @@ protected:
     pump();
     ASSERT_EQ(module->getActiveViewWidget(), right);
     VXPointsRepPimpl* boundaries =
-      addView(sourceIndex("Grain Boundaries"), VXRepresentation::Wireframe);
+      addView(sourceNamed("Grain Boundaries"), VXRepresentation::Wireframe);
     ASSERT_NE(boundaries, nullptr);
     boundaries->setActiveArray("FaceLabels");
     VXPointsRepPimpl* redHexahedron =
@@ -188,7 +177,7 @@ TEST_F(RoundTripFixture, SavedSceneLoadsIntoAFreshModuleAndSavesTheSameDocumentA
   m_Module->saveState();
   ASSERT_EQ(m_Dialogs.saveTitles.back(), "Save State File");
   EXPECT_EQ(m_Dialogs.saveFilters.back(), "VOXELIA-KX State File (*.vlxstate)");
-  const std::string written = readBytes(path);
+  const std::string written = ReadBytes(path);
   const nlohmann::json first = nlohmann::json::parse(written);
   // indent of two blanks
   EXPECT_EQ(written, first.dump(2, ' '));

@@ -71,13 +71,13 @@ TEST_F(SaveFileFixture, AFailedOpenWriteOrCommitLeavesThePreviousFileAsItWas)
 {
   const auto path = m_Dir / "kept.vlxstate";
   const std::string previous = "{\"previous\": \"state, byte for byte\"}\n";
-  writeBytes(path, previous);
+  WriteBytes(path, previous);
 
   // a cancelled dialog writes nothing
   m_Dialogs.saveAnswer.clear();
   m_Module->saveState();
   EXPECT_TRUE(output.isEmpty());
-  EXPECT_EQ(readBytes(path), previous);
+  EXPECT_EQ(ReadBytes(path), previous);
 
   // the file can't be made: a path that is a folder, a folder that isn't there
   const auto folder = m_Dir / "folder.vlxstate";
@@ -102,7 +102,7 @@ TEST_F(SaveFileFixture, AFailedOpenWriteOrCommitLeavesThePreviousFileAsItWas)
   }
   EXPECT_EQ(output,
             QStringList{ QString("Failed to write out state file for '%1'").arg(qpath(path)) });
-  EXPECT_EQ(readBytes(path), previous);
+  EXPECT_EQ(ReadBytes(path), previous);
 
   // no half-written copy stays beside it
   int files = 0;
@@ -114,7 +114,7 @@ TEST_F(SaveFileFixture, AFailedOpenWriteOrCommitLeavesThePreviousFileAsItWas)
   output.clear();
   saveTo(path);
   EXPECT_TRUE(output.isEmpty()) << output.join('\n').toStdString();
-  const std::string written = readBytes(path);
+  const std::string written = ReadBytes(path);
   nlohmann::json state;
   m_Module->saveState(state);
   EXPECT_EQ(written, state.dump(2, ' '));
@@ -127,13 +127,13 @@ TEST_F(SaveFileFixture, ATextThatFitsTheBufferFailsInTheCommit)
   const std::size_t size = stateSize();
   ASSERT_LT(size, k_FileDeviceBuffer);
   const auto path = m_Dir / "target.vlxstate";
-  writeBytes(path, "old");
+  WriteBytes(path, "old");
   {
     FileSizeCap cap(size / 2);
     saveTo(path);
   }
   EXPECT_EQ(output, QStringList{ QString("Failed to commit state file '%1'").arg(qpath(path)) });
-  EXPECT_EQ(readBytes(path), "old");
+  EXPECT_EQ(ReadBytes(path), "old");
   int files = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(m_Dir.path()))
     files++;

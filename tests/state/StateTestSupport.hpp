@@ -6,7 +6,7 @@
 // by, and small file helpers.
 
 #include "StatePlaceholders.hpp"
-#include "../kxcomponents/QtPrinters.hpp"
+#include "QtPrinters.hpp"
 #include "../module/ModuleTestSupport.hpp"
 
 #include <visualization/VXDataSource.hpp>
@@ -28,21 +28,20 @@ namespace statetest
 using moduletest::pump;
 using pipelinetest::qpath;
 
-inline std::string readBytes(const std::filesystem::path& path)
-{
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-inline void writeBytes(const std::filesystem::path& path, const std::string& bytes)
-{
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << bytes;
-}
+using kxtest::ReadBytes;
+using kxtest::WriteBytes;
 
 using statetest::substitute;
+
+/** A tree item of a state file. */
+inline nlohmann::json item(const std::string& type, nlohmann::json data = nlohmann::json::object(),
+                           nlohmann::json children = nullptr)
+{
+  nlohmann::json object = { { "item_type", type }, { "item_data", std::move(data) } };
+  if (!children.is_null())
+    object["item_children"] = std::move(children);
+  return object;
+}
 
 class StateFixture : public moduletest::ModuleFixture
 {
@@ -134,6 +133,48 @@ protected:
     m_Module->loadState(state);
     pump();
   }
+
+  /** The index of the data source of this name. */
+  QModelIndex sourceNamed(const QString& name) const
+  {
+    for (VXDataSource* source : dataSources())
+    {
+      if (source->name() == name)
+        return model()->helperIndex(source);
+    }
+    return {};
+  }
+
+  /** A state of the current split views and the given tree. */
+  nlohmann::json stateWith(const nlohmann::json& tree) const
+  {
+    nlohmann::json split;
+    grid()->saveState(split);
+    return { { "split_view_state", split }, { "tree_view_state", tree } };
+  }
+};
+
+/** A state fixture with the sample written as a host file. */
+class SampleStateFixture : public StateFixture
+{
+protected:
+  void SetUp() override
+  {
+    StateFixture::SetUp();
+    m_Sample = pipelinetest::writeSample(m_Dir);
+  }
+
+  /** Imports the sample and splits the view: something a load could lose. */
+  void buildSomething()
+  {
+    m_Module->pipeline()->importFile(qpath(m_Sample));
+    grid()->addColumn(grid()->allViews().front());
+    pump();
+    ASSERT_EQ(grid()->viewCount(), 2);
+    ASSERT_EQ(dataSources().size(), 3);
+  }
+
+  std::filesystem::path m_Sample;
 };
 } // namespace statetest
 

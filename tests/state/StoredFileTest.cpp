@@ -22,7 +22,7 @@ class StoredFileFixture : public StateFixture
 protected:
   std::filesystem::path prepare(const std::string& name)
   {
-    const std::string stored = readBytes(std::filesystem::path(KXVTK_STATE_FIXTURE_DIR) / name);
+    const std::string stored = ReadBytes(std::filesystem::path(KXVTK_STATE_FIXTURE_DIR) / name);
     EXPECT_FALSE(stored.empty()) << name;
     m_Stored = nlohmann::json::parse(stored);
     const auto sample = pipelinetest::writeSample(m_Dir);
@@ -30,7 +30,7 @@ protected:
     std::string text = substitute(stored, "@SAMPLE@", sample.string());
     text = substitute(std::move(text), "@DATA_DIR@", kxtest::DataDir().string());
     const auto path = m_Dir / name;
-    writeBytes(path, text);
+    WriteBytes(path, text);
     return path;
   }
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <unistd.h>
 
@@ -46,6 +48,19 @@ inline std::filesystem::path DataDir()
   const char* env = std::getenv("KXVTK_DATA_DIR");
   std::filesystem::path dir = (env != nullptr && *env != '\0') ? env : KXVTK_DATA_DIR;
   return dir;
+}
+
+/** The bytes of a file; empty when it can't be read. */
+inline std::string ReadBytes(const std::filesystem::path& path)
+{
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+/** Replaces a file's content with the bytes. */
+inline void WriteBytes(const std::filesystem::path& path, const std::string& bytes)
+{
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
 inline std::filesystem::path DataFile(const std::string& name)

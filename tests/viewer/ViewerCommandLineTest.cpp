@@ -91,7 +91,6 @@ double colouredShare(const QImage& picture)
   const QRect measured(0, image.height() / 5, image.width() * 3 / 5, image.height() * 4 / 5);
   int coloured = 0;
   for (int y = measured.top(); y <= measured.bottom(); ++y)
-  {
     for (int x = measured.left(); x <= measured.right(); ++x)
     {
       const QRgb p = image.pixel(x, y);
@@ -99,7 +98,6 @@ double colouredShare(const QImage& picture)
         std::max({ qRed(p), qGreen(p), qBlue(p) }) - std::min({ qRed(p), qGreen(p), qBlue(p) });
       coloured += spread > 60 ? 1 : 0;
     }
-  }
   return static_cast<double>(coloured) / (measured.width() * measured.height());
 }
 
@@ -117,6 +115,18 @@ void addHeight(vtkDataSet* data)
   data->GetPointData()->AddArray(height);
 }
 
+/** Writes the data set with a VTK XML writer, in the test's folder. */
+template<typename Writer>
+QString writeData(vtkDataObject* data, const kxtest::TempDir& dir, const std::string& name)
+{
+  const QString path = qpath(dir / name);
+  vtkNew<Writer> writer;
+  writer->SetInputData(data);
+  writer->SetFileName(path.toLocal8Bit().constData());
+  EXPECT_EQ(writer->Write(), 1);
+  return path;
+}
+
 /** A bent block of hexahedral cells on a curvilinear grid. */
 QString writeStructuredGrid(const kxtest::TempDir& dir)
 {
@@ -129,12 +139,7 @@ QString writeStructuredGrid(const kxtest::TempDir& dir)
         points->InsertNextPoint(i, j + 0.4 * std::sin(i * 0.7), k);
   grid->SetPoints(points);
   addHeight(grid);
-  const QString path = qpath(dir / "bent.vts");
-  vtkNew<vtkXMLStructuredGridWriter> writer;
-  writer->SetInputData(grid);
-  writer->SetFileName(path.toLocal8Bit().constData());
-  EXPECT_EQ(writer->Write(), 1);
-  return path;
+  return writeData<vtkXMLStructuredGridWriter>(grid, dir, "bent.vts");
 }
 
 /** A triangulated plane, as triangles or (@p strips) as the triangle strips a stripper makes. */
@@ -152,12 +157,7 @@ QString writeTrianglePlane(const kxtest::TempDir& dir, bool strips)
   EXPECT_EQ(surface->GetNumberOfStrips() > 0, strips);
   EXPECT_EQ(surface->GetNumberOfPolys() > 0, !strips);
   addHeight(surface);
-  const QString path = qpath(dir / (strips ? "strips.vtp" : "triangles.vtp"));
-  vtkNew<vtkXMLPolyDataWriter> writer;
-  writer->SetInputData(surface);
-  writer->SetFileName(path.toLocal8Bit().constData());
-  EXPECT_EQ(writer->Write(), 1);
-  return path;
+  return writeData<vtkXMLPolyDataWriter>(surface, dir, strips ? "strips.vtp" : "triangles.vtp");
 }
 
 /** A mesh of wedges: neither tetrahedra nor hexahedra. */
@@ -170,12 +170,7 @@ QString writeWedgeMesh(const kxtest::TempDir& dir)
   vtkUnstructuredGrid* mesh = source->GetOutput();
   EXPECT_EQ(mesh->GetCellType(0), VTK_WEDGE);
   addHeight(mesh);
-  const QString path = qpath(dir / "wedges.vtu");
-  vtkNew<vtkXMLUnstructuredGridWriter> writer;
-  writer->SetInputData(mesh);
-  writer->SetFileName(path.toLocal8Bit().constData());
-  EXPECT_EQ(writer->Write(), 1);
-  return path;
+  return writeData<vtkXMLUnstructuredGridWriter>(mesh, dir, "wedges.vtu");
 }
 
 /** An image of @p side points a side with a cell array "Grain" of @p grains distinct values. */
@@ -188,12 +183,7 @@ QString writeImage(const kxtest::TempDir& dir, const std::string& name, int side
   for (vtkIdType i = 0; i < image->GetNumberOfCells(); ++i)
     grain->InsertNextValue(static_cast<int>(i % grains));
   image->GetCellData()->AddArray(grain);
-  const QString path = qpath(dir / name);
-  vtkNew<vtkXMLImageDataWriter> writer;
-  writer->SetInputData(image);
-  writer->SetFileName(path.toLocal8Bit().constData());
-  EXPECT_EQ(writer->Write(), 1);
-  return path;
+  return writeData<vtkXMLImageDataWriter>(image, dir, name);
 }
 
 /** The types of the data views under a data source. */

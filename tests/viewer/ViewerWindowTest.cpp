@@ -51,43 +51,12 @@ QAction* menuAction(QMainWindow* window, const QString& menuTitle, const QString
   return nullptr;
 }
 
-/** Counts the frames a renderer draws. */
-class FrameCounter
-{
-public:
-  explicit FrameCounter(vtkRenderer* renderer)
-    : m_Renderer(renderer)
-  {
-    m_Callback->SetClientData(&frames);
-    m_Callback->SetCallback([](vtkObject*, unsigned long, void* clientData, void*)
-                            { ++*static_cast<int*>(clientData); });
-    m_Tag = m_Renderer->AddObserver(vtkCommand::EndEvent, m_Callback);
-  }
-  ~FrameCounter() { m_Renderer->RemoveObserver(m_Tag); }
-
-  int frames = 0;
-
-private:
-  vtkRenderer* m_Renderer;
-  vtkNew<vtkCallbackCommand> m_Callback;
-  unsigned long m_Tag = 0;
-};
-
-/** A left-button drag across a render view, as the window system delivers it to VTK. */
+/** A left-button drag across a render view from its centre, as the window system delivers it. */
 void dragAcross(VXVisualizationWidget* view, int dx, int dy)
 {
-  vtkRenderWindowInteractor* interactor = view->renderWindow()->GetInteractor();
   const int* size = view->renderWindow()->GetSize();
-  const int x = size[0] / 2;
-  const int y = size[1] / 2;
-  interactor->SetEventInformation(x, y, 0, 0);
-  interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent, nullptr);
-  for (int step = 1; step <= 4; ++step)
-  {
-    interactor->SetEventInformation(x + dx * step / 4, y + dy * step / 4, 0, 0);
-    interactor->InvokeEvent(vtkCommand::MouseMoveEvent, nullptr);
-  }
-  interactor->InvokeEvent(vtkCommand::LeftButtonReleaseEvent, nullptr);
+  kxtest::drag(view->renderWindow()->GetInteractor(), size[0] / 2, size[1] / 2, size[0] / 2 + dx,
+               size[1] / 2 + dy);
   pump();
 }
 
@@ -225,14 +194,15 @@ TEST_F(ViewerFixture, SplitViewsLinkedFollowARotationAndCompositeMatchesBaseline
   EXPECT_EQ(right->getVisualizationWidget()->getRenderer()->GetActiveCamera(), shared);
 
   const std::array<double, 3> before = cameraPosition(left);
-  FrameCounter rightFrames(right->getVisualizationWidget()->getRenderer());
+  kxtest::EventCounter rightFrames(right->getVisualizationWidget()->getRenderer(),
+                                   vtkCommand::EndEvent);
   dragAcross(left->getVisualizationWidget(), 60, 0);
   const std::array<double, 3> after = cameraPosition(left);
   const double moved = std::hypot(after[0] - before[0], after[1] - before[1], after[2] - before[2]);
   EXPECT_GT(moved, 1.0) << "the drag did not rotate the left view";
   EXPECT_EQ(cameraPosition(right), after);
   // the right view drew a frame with the moved camera, not only shares it
-  EXPECT_GT(rightFrames.frames, 0);
+  EXPECT_GT(rightFrames.count(), 0);
 
   m_Viewer->fitViewsToRequestedSize();
   module()->renderAllViews();

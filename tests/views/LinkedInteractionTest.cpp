@@ -8,28 +8,6 @@
 
 using namespace viewtest;
 
-namespace
-{
-/** Presses the left button in the middle of the view and drags it sideways in steps. */
-void dragInView(VXAbstractViewWidget* view, int steps)
-{
-  vtkRenderWindowInteractor* interactor =
-    view->getVisualizationWidget()->renderWindow()->GetInteractor();
-  const int* size = view->getVisualizationWidget()->renderWindow()->GetSize();
-  int x = size[0] / 2;
-  const int y = size[1] / 2;
-  interactor->SetEventInformation(x, y);
-  interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent);
-  for (int step = 0; step < steps; ++step)
-  {
-    x += 15;
-    interactor->SetEventInformation(x, y);
-    interactor->InvokeEvent(vtkCommand::MouseMoveEvent);
-  }
-  interactor->InvokeEvent(vtkCommand::LeftButtonReleaseEvent);
-}
-} // namespace
-
 TEST_F(GridTest, DraggingInALinkedViewRedrawsItsPartnersDuringTheDrag)
 {
   VXAbstractViewWidget* left = m_Grid->activeView();
@@ -56,7 +34,10 @@ TEST_F(GridTest, DraggingInALinkedViewRedrawsItsPartnersDuringTheDrag)
   EventCounter partnerFrames(linkedPartner->getVisualizationWidget()->renderWindow(),
                              vtkCommand::StartEvent);
   EventCounter lonerFrames(loner->getVisualizationWidget()->renderWindow(), vtkCommand::StartEvent);
-  dragInView(left, 4);
+  // a left drag from the middle of the view, 60 pixels sideways in four moves
+  const int* size = left->getVisualizationWidget()->renderWindow()->GetSize();
+  kxtest::drag(left->getVisualizationWidget()->renderWindow()->GetInteractor(), size[0] / 2,
+               size[1] / 2, size[0] / 2 + 60, size[1] / 2);
   pump();
 
   // the shared camera turned, so the partner sees the same new viewpoint

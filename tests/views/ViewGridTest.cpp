@@ -216,7 +216,7 @@ TEST_F(GridTest, PendingLinkCompletesOnAnotherViewAndClosingALinkedViewUnlinksIt
   EXPECT_NE(viewtest::cameraOf(a), viewtest::cameraOf(c));
 }
 
-TEST_F(GridTest, StartingALinkThenClickingTheSameViewClearsIt)
+TEST_F(GridTest, StartingALinkThenClickingTheSameViewClearsItAndLinkAllSharesOneCamera)
 {
   viewAt(0)->splitVertically();
   VXViewWidget* a = viewAt(0);
@@ -229,12 +229,9 @@ TEST_F(GridTest, StartingALinkThenClickingTheSameViewClearsIt)
   viewtest::focusIn(b);
   EXPECT_FALSE(b->getVisualizationWidget()->isLinked());
   EXPECT_NE(viewtest::cameraOf(a), viewtest::cameraOf(b));
-}
 
-TEST_F(GridTest, LinkAllViewsSharesOneCamera)
-{
+  // "Link All Cameras" shares one camera among every view
   viewAt(0)->splitHorizontally();
-  viewAt(0)->splitVertically();
   m_Grid->linkAllViews();
   vtkCamera* shared = viewtest::cameraOf(viewAt(0));
   for (VXAbstractViewWidget* view : m_Grid->allViews())

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "QtTestSupport.hpp"
+#include "VXTestSupport.hpp"
 // Shared helpers of the view frame and split grid tests: event pumping, a
 // shown grid, camera comparison and VTK event counting.
 
@@ -30,6 +30,7 @@
 
 namespace viewtest
 {
+using kxtest::EventCounter;
 using kxtest::pump;
 
 inline vtkCamera* cameraOf(VXAbstractViewWidget* view)
@@ -48,31 +49,6 @@ inline void focusIn(VXAbstractViewWidget* view)
   QFocusEvent focus(QEvent::FocusIn, Qt::MouseFocusReason);
   QCoreApplication::sendEvent(view->getVisualizationWidget(), &focus);
 }
-
-/** Counts one VTK event of one object for as long as it lives. */
-class EventCounter
-{
-public:
-  EventCounter(vtkObject* object, unsigned long event)
-    : m_Object(object)
-  {
-    m_Command->SetClientData(&m_Count);
-    m_Command->SetCallback([](vtkObject*, unsigned long, void* clientData, void*)
-                           { ++*static_cast<int*>(clientData); });
-    m_Tag = object->AddObserver(event, m_Command);
-  }
-  ~EventCounter() { m_Object->RemoveObserver(m_Tag); }
-  EventCounter(const EventCounter&) = delete;
-  EventCounter& operator=(const EventCounter&) = delete;
-
-  int count() const { return m_Count; }
-
-private:
-  vtkObject* m_Object;
-  vtkNew<vtkCallbackCommand> m_Command;
-  unsigned long m_Tag = 0;
-  int m_Count = 0;
-};
 
 /** A shown 600 x 400 grid with its first view; split numbering starts afresh for each test. */
 class GridTest : public ::testing::Test

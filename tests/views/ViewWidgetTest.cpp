@@ -46,7 +46,7 @@ bool sameIcon(const QIcon& a, const QIcon& b)
 }
 } // namespace
 
-TEST_F(ViewWidget, FormHasStatusSplitAndCloseButtonsWithThemeIcons)
+TEST_F(ViewWidget, FormHasStatusSplitAndCloseButtonsWithThemeIconsThatRequestSplitsAndClose)
 {
   ASSERT_NE(m_View->getVisualizationWidget(), nullptr);
   EXPECT_EQ(m_View->getVisualizationWidget()->parentWidget(), m_View.get());
@@ -65,16 +65,13 @@ TEST_F(ViewWidget, FormHasStatusSplitAndCloseButtonsWithThemeIcons)
   m_View->setClosable(true);
   EXPECT_TRUE(m_View->closeButton()->isEnabled());
   EXPECT_EQ(m_View->closeButton()->toolTip(), "Close this view.");
-}
 
-TEST_F(ViewWidget, ButtonsAndRenderWidgetRequestSplitsAndClose)
-{
+  // the buttons and the render widget's menu request splits and the close
   QSignalSpy horizontal(m_View.get(), &VXAbstractViewWidget::requestSplitHorizontally);
   QSignalSpy vertical(m_View.get(), &VXAbstractViewWidget::requestSplitVertically);
   QSignalSpy close(m_View.get(), &VXAbstractViewWidget::requestClose);
   m_View->splitHorizontalButton()->click();
   m_View->splitVerticalButton()->click();
-  m_View->setClosable(true);
   m_View->closeButton()->click();
   ASSERT_EQ(horizontal.count(), 1);
   EXPECT_EQ(horizontal.at(0).at(0).value<QWidget*>(), m_View.get());
@@ -161,15 +158,7 @@ TEST_F(ViewWidget, CloneTakesTheNextSplitNumberAndTheCameraNewInstanceNeither)
             (std::array<double, 3>{ 10.0, -20.0, 30.0 }));
 }
 
-TEST_F(ViewWidget, StatusMessageShowsInTheStripAndItsTooltip)
-{
-  Q_EMIT m_View->getVisualizationWidget()->statusMessage("Picked cell 12");
-  EXPECT_EQ(m_View->statusLabel()->text(), "Picked cell 12");
-  EXPECT_EQ(m_View->statusLabel()->toolTip(),
-            "<html><head/><body><p>Picked cell 12</p></body></html>");
-}
-
-TEST_F(ViewWidget, ActivePropertyRepolishesAtOnce)
+TEST_F(ViewWidget, ActivePropertyRepolishesAtOnceAndStatusTextShows)
 {
   m_View->setStyleSheet("VXViewWidget { border: 3px solid rgb(0, 0, 255); }"
                         "VXViewWidget[Active=\"true\"] { border: 3px solid rgb(255, 0, 0); }");
@@ -192,6 +181,12 @@ TEST_F(ViewWidget, ActivePropertyRepolishesAtOnce)
   ASSERT_EQ(marked.count(), 1);
   EXPECT_EQ(marked.at(0).at(0).value<QWidget*>(), m_View.get());
   EXPECT_TRUE(m_View->isActive());
+
+  // a status message shows in the strip and its tool tip
+  Q_EMIT m_View->getVisualizationWidget()->statusMessage("Picked cell 12");
+  EXPECT_EQ(m_View->statusLabel()->text(), "Picked cell 12");
+  EXPECT_EQ(m_View->statusLabel()->toolTip(),
+            "<html><head/><body><p>Picked cell 12</p></body></html>");
 }
 
 TEST_F(ViewWidget, BlockedFrameDrawsNothingAndIgnoresCameraRequests)

@@ -23,7 +23,7 @@ protected:
 };
 } // namespace
 
-TEST_F(LookupTableModelTest, HeadersColumnsAndCells)
+TEST_F(LookupTableModelTest, HeadersColumnsCellsAndRowChanges)
 {
   EXPECT_EQ(m_Model.columnCount(), 3);
   EXPECT_EQ(m_Model.rowCount(), 3);
@@ -50,6 +50,20 @@ TEST_F(LookupTableModelTest, HeadersColumnsAndCells)
     EXPECT_TRUE(m_Model.flags(m_Model.index(2, column)).testFlag(Qt::ItemIsSelectable));
   }
   EXPECT_FALSE(m_Model.flags(QModelIndex()).testFlag(Qt::ItemIsEditable));
+
+  // rows are removed, replaced and cleared
+  QSignalSpy resets(&m_Model, &QAbstractItemModel::modelReset);
+  m_Model.removeRow(m_Model.index(1, 2));
+  ASSERT_EQ(m_Model.rowCount(), 2);
+  EXPECT_EQ(m_Model.data(m_Model.index(1, 1)).toString(), "3");
+  m_Model.removeRow(QModelIndex());
+  EXPECT_EQ(m_Model.rowCount(), 2);
+  m_Model.setTable({ { QColor(Qt::white), "0.5", "Half" } });
+  EXPECT_EQ(m_Model.rowCount(), 1);
+  EXPECT_EQ(m_Model.data(m_Model.index(0, 2)).toString(), "Half");
+  m_Model.clearTable();
+  EXPECT_EQ(m_Model.rowCount(), 0);
+  EXPECT_EQ(resets.count(), 2);
 }
 
 TEST_F(LookupTableModelTest, EditingAValueSignalsValueChangedOnlyForTheValueColumn)
@@ -73,23 +87,6 @@ TEST_F(LookupTableModelTest, EditingAValueSignalsValueChangedOnlyForTheValueColu
   EXPECT_EQ(row.value, "10");
   EXPECT_EQ(row.annotation, "Martensite");
   EXPECT_EQ(row.color, QColor(Qt::yellow));
-}
-
-TEST_F(LookupTableModelTest, RowsAreAddedRemovedAndReplaced)
-{
-  QSignalSpy resets(&m_Model, &QAbstractItemModel::modelReset);
-  m_Model.removeRow(m_Model.index(1, 2));
-  ASSERT_EQ(m_Model.rowCount(), 2);
-  EXPECT_EQ(m_Model.data(m_Model.index(1, 1)).toString(), "3");
-  m_Model.removeRow(QModelIndex());
-  EXPECT_EQ(m_Model.rowCount(), 2);
-
-  m_Model.setTable({ { QColor(Qt::white), "0.5", "Half" } });
-  EXPECT_EQ(m_Model.rowCount(), 1);
-  EXPECT_EQ(m_Model.data(m_Model.index(0, 2)).toString(), "Half");
-  m_Model.clearTable();
-  EXPECT_EQ(m_Model.rowCount(), 0);
-  EXPECT_EQ(resets.count(), 2);
 }
 
 TEST_F(LookupTableModelTest, ColourButtonTakesThePickedColourAndKeepsTheOldOnCancel)

@@ -27,6 +27,8 @@ Preset IndexedPreset(std::vector<float> colors, nlohmann::json annotations,
   preset.nanColor = std::move(nan);
   return preset;
 }
+
+const QColor k_NanColor = QColor::fromRgbF(0.5f, 0.75f, 0.0f);
 } // namespace
 
 TEST_F(LookupTableTest, RgbRowsAreStretchedOntoTheCurrentRange)
@@ -35,32 +37,25 @@ TEST_F(LookupTableTest, RgbRowsAreStretchedOntoTheCurrentRange)
   table.setRange(100.0, 200.0);
   table.getColorTransferFunction()->SetIndexedLookup(0);
   table.parseRgbArray({ "0/1/0/0", "0.25/0/1/0", "1/0/0/1" });
-
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  const std::vector<Node> expected = { { 100, 1, 0, 0 }, { 125, 0, 1, 0 }, { 200, 0, 0, 1 } };
-  EXPECT_EQ(Nodes(ctf), expected);
+  EXPECT_EQ(Nodes(ctf),
+            (std::vector<Node>{ { 100, 1, 0, 0 }, { 125, 0, 1, 0 }, { 200, 0, 0, 1 } }));
   EXPECT_EQ(table.getColorPresetArray(), (QList<QString>{ "0/1/0/0", "0.25/0/1/0", "1/0/0/1" }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 125.0), (std::array<double, 3>{ 0.0, 1.0, 0.0 }));
+  ExpectColors(ctf, { { 125.0, { 0, 1, 0 } } });
+
+  // from an indexed map: indexed mode and annotations go, the indexed map's range stays
+  VXLookupTable indexed;
+  indexed.parseIndexedArray({ "1/1/0/0", "5/0/1/0" });
+  indexed.parseRgbArray({ "0/1/1/1", "1/0/0/0" });
+  EXPECT_EQ(indexed.getColorTransferFunction()->GetIndexedLookup(), 0);
+  EXPECT_EQ(indexed.getColorTransferFunction()->GetNumberOfAnnotatedValues(), 0);
+  EXPECT_EQ(indexed.getRange(), (std::array<double, 2>{ 1.0, 5.0 }));
 }
 
-TEST_F(LookupTableTest, RgbRowsLeaveIndexedModeAndDropAnnotations)
+TEST_F(LookupTableTest, MalformedFirstRgbRowIsIgnoredAndDefaultRowsReloadThePreferencesMap)
 {
-  VXLookupTable table;
-  table.parseIndexedArray({ "1/1/0/0", "5/0/1/0" });
-  table.parseRgbArray({ "0/1/1/1", "1/0/0/0" });
-  vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  EXPECT_EQ(ctf->GetIndexedLookup(), 0);
-  EXPECT_EQ(ctf->GetNumberOfAnnotatedValues(), 0);
-  // stretched onto the range the indexed map had
-  EXPECT_EQ(table.getRange(), (std::array<double, 2>{ 1.0, 5.0 }));
-}
-
-TEST_F(LookupTableTest, MalformedFirstRgbRowIsIgnored)
-{
-  const QList<QList<QString>> malformed = { { "0/1/0" },
-                                            { "0/1/0/0/1", "1/0/0/0" },
-                                            { "a-b-c-d" } };
-  for (const auto& rows : malformed)
+  for (const QList<QString>& rows :
+       QList<QList<QString>>{ { "0/1/0" }, { "0/1/0/0/1", "1/0/0/0" }, { "a-b-c-d" } })
   {
     VXLookupTable table;
     table.setRange(0.0, 4.0);
@@ -70,18 +65,15 @@ TEST_F(LookupTableTest, MalformedFirstRgbRowIsIgnored)
     EXPECT_EQ(Nodes(table.getColorTransferFunction()), before) << rows.first().toStdString();
     EXPECT_EQ(table.getColorPresetArray(), rowsBefore);
   }
-}
-
-TEST_F(LookupTableTest, DefaultRowsReloadThePreferencesMapOnTheCurrentRange)
-{
   for (const QList<QString>& rows : { QList<QString>{}, QList<QString>{ "Default" } })
   {
     VXLookupTable table;
     table.parseRgbArray({ "0/0/1/0", "1/0/1/0" });
     table.setRange(10.0, 30.0);
     table.parseRgbArray(rows);
-    const std::vector<Node> expected = { { 10, 0, 0, 1 }, { 20, 1, 1, 1 }, { 30, 1, 0, 0 } };
-    EXPECT_EQ(Nodes(table.getColorTransferFunction()), expected) << rows.size();
+    EXPECT_EQ(Nodes(table.getColorTransferFunction()),
+              (std::vector<Node>{ { 10, 0, 0, 1 }, { 20, 1, 1, 1 }, { 30, 1, 0, 0 } }))
+      << rows.size();
   }
 }
 
@@ -93,12 +85,9 @@ TEST_F(LookupTableTest, RgbJsonIsStretchedOntoTheCurrentRangeInRgbSpace)
   Preset preset;
   preset.rgbPoints = { 0.0f, 0.0f, 0.0f, 0.0f, 0.75f, 0.5f, 0.5f, 0.5f, 2.0f, 1.0f, 1.0f, 1.0f };
   table.parseRgbJson(preset);
-
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  const std::vector<Node> expected = { { -50, 0, 0, 0 },
-                                       { -12.5, 0.5, 0.5, 0.5 },
-                                       { 50, 1, 1, 1 } };
-  EXPECT_EQ(Nodes(ctf), expected);
+  EXPECT_EQ(Nodes(ctf),
+            (std::vector<Node>{ { -50, 0, 0, 0 }, { -12.5, 0.5, 0.5, 0.5 }, { 50, 1, 1, 1 } }));
   EXPECT_EQ(ctf->GetColorSpace(), VTK_CTF_RGB);
   EXPECT_EQ(table.getColorPresetArray(),
             (QList<QString>{ "0/0/0/0", "0.75/0.5/0.5/0.5", "2/1/1/1" }));
@@ -110,28 +99,22 @@ TEST_F(LookupTableTest, IndexedRowsAnnotateEachValueWithItsColour)
   // rows need not be sorted: each value must still get its own colour
   const QList<QString> rows = { "7/0/0/1", "1/1/0/0", "3.5/0/1/0" };
   table.parseIndexedArray(rows);
-
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
   EXPECT_EQ(table.getIndexedPresetArray(), rows);
-  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
-                                { 1, "1" }, { 3.5, "3.5" }, { 7, "7" } }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{ 1, 0, 0 }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 3.5), (std::array<double, 3>{ 0, 1, 0 }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 7.0), (std::array<double, 3>{ 0, 0, 1 }));
+  EXPECT_EQ(Annotations(ctf), (Labels{ { 1, "1" }, { 3.5, "3.5" }, { 7, "7" } }));
   // a value that is no category takes the NaN colour
-  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{ 0.5, 0.75, 0.0 }));
-}
+  ExpectColors(ctf, { { 1.0, { 1, 0, 0 } },
+                      { 3.5, { 0, 1, 0 } },
+                      { 7.0, { 0, 0, 1 } },
+                      { 2.0, { 0.5, 0.75, 0.0 } } });
 
-TEST_F(LookupTableTest, IndexedDefaultRowsGenerateThePaletteOverTheirValues)
-{
-  VXLookupTable table;
-  table.parseIndexedArray({ "Default", "4/0/0/0", "2/0/0/0", "9/0/0/0" });
-  vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  EXPECT_EQ(table.getIndexedPresetArray(), (QList<QString>{ "Default" }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), Rgb(223, 32, 32));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 4.0), Rgb(41, 223, 32));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 9.0), Rgb(32, 70, 223));
+  // "Default" first: the palette over the rows' values
+  VXLookupTable palette;
+  palette.parseIndexedArray({ "Default", "4/0/0/0", "2/0/0/0", "9/0/0/0" });
+  EXPECT_EQ(palette.getIndexedPresetArray(), (QList<QString>{ "Default" }));
+  ExpectColors(palette.getColorTransferFunction(),
+               { { 2.0, Rgb(223, 32, 32) }, { 4.0, Rgb(41, 223, 32) }, { 9.0, Rgb(32, 70, 223) } });
 }
 
 TEST_F(LookupTableTest, DefaultPaletteStepsByThirtyTwoOverTheValueCount)
@@ -143,9 +126,8 @@ TEST_F(LookupTableTest, DefaultPaletteStepsByThirtyTwoOverTheValueCount)
   };
   std::vector<int> every(32);
   for (int i = 0; i < 32; ++i)
-  {
     every[i] = i;
-  }
+  // past 32 values all take the first colour
   const Case cases[] = {
     { 1, { 0 } },         { 2, { 0, 16 } },
     { 3, { 0, 10, 20 } }, { 5, { 0, 6, 12, 18, 24 } },
@@ -155,9 +137,7 @@ TEST_F(LookupTableTest, DefaultPaletteStepsByThirtyTwoOverTheValueCount)
   {
     std::set<double> values;
     for (int i = 0; i < c.count; ++i)
-    {
       values.insert(10.0 * i - 3.0);
-    }
     VXLookupTable table;
     table.generateDefaultIndexedColors(values);
     vtkColorTransferFunction* ctf = table.getColorTransferFunction();
@@ -167,18 +147,18 @@ TEST_F(LookupTableTest, DefaultPaletteStepsByThirtyTwoOverTheValueCount)
     for (const double value : values)
     {
       const QColor expected = VXLookupTable::m_DefaultIndexedColors[c.paletteIndices[k]];
-      SCOPED_TRACE(std::to_string(c.count) + " values, value " + std::to_string(value));
-      EXPECT_RGB_NEAR(ColorAt(ctf, value), Rgb(expected.red(), expected.green(), expected.blue()));
+      SCOPED_TRACE(std::to_string(c.count) + " values");
+      ExpectColors(ctf, { { value, Rgb(expected.red(), expected.green(), expected.blue()) } });
       EXPECT_EQ(ctf->GetAnnotation(k), QString::number(value, 'g', 6).toStdString());
       ++k;
     }
   }
 }
 
-TEST_F(LookupTableTest, ThirtyThreeValuesWarnThenAllTakeTheFirstColour)
+TEST_F(LookupTableTest, UniqueValueWarningsFollowCountsAndPreferences)
 {
-  const auto warning = VXLookupTable::checkIndexedValueCount(33, 32, "Phases");
-  EXPECT_EQ(warning, VXLookupTable::IndexedValueWarning::TooManyValues);
+  EXPECT_EQ(VXLookupTable::checkIndexedValueCount(33, 32, "Phases"),
+            VXLookupTable::IndexedValueWarning::TooManyValues);
   ASSERT_EQ(m_Questions.size(), 1u);
   EXPECT_EQ(m_Questions[0].title, "Too many discrete values to determine color map annotations");
   EXPECT_EQ(m_Questions[0].text,
@@ -186,21 +166,6 @@ TEST_F(LookupTableTest, ThirtyThreeValuesWarnThenAllTakeTheFirstColour)
             "Categorical coloring may not be the best color map to use for this data set");
   EXPECT_EQ(m_Questions[0].checkBoxText, "Do Not Show Again");
 
-  std::set<double> values;
-  for (int i = 0; i < 33; ++i)
-  {
-    values.insert(i);
-  }
-  VXLookupTable table;
-  table.generateDefaultIndexedColors(values);
-  for (const double value : values)
-  {
-    EXPECT_RGB_NEAR(ColorAt(table.getColorTransferFunction(), value), Rgb(223, 32, 32));
-  }
-}
-
-TEST_F(LookupTableTest, UniqueValueWarningsFollowCountsAndPreferences)
-{
   struct Case
   {
     int values;
@@ -261,43 +226,60 @@ TEST_F(LookupTableTest, MoreValuesThanColoursWarningTextAndDoNotShowAgain)
 TEST_F(LookupTableTest, IndexedJsonWithAnnotationsGivesValuesLabelsAndColours)
 {
   VXLookupTable table;
-  const Preset preset = IndexedPreset(
+  table.parseIndexedJson(IndexedPreset(
     { 1, 0, 0, 0, 1, 0, 0, 0, 1 },
-    nlohmann::json::array({ 5, "Ferrite", "2", "Austenite", 9.5, 42 }), { 0.2f, 0.2f, 0.2f });
-  table.parseIndexedJson(preset);
-
+    nlohmann::json::array({ 5, "Ferrite", "2", "Austenite", 9.5, 42 }), { 0.2f, 0.2f, 0.2f }));
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
-  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
-                                { 2, "Austenite" }, { 5, "Ferrite" }, { 9.5, "42" } }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 5.0), (std::array<double, 3>{ 1, 0, 0 }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{ 0, 1, 0 }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 9.5), (std::array<double, 3>{ 0, 0, 1 }));
+  EXPECT_EQ(Annotations(ctf), (Labels{ { 2, "Austenite" }, { 5, "Ferrite" }, { 9.5, "42" } }));
+  ExpectColors(ctf, { { 5.0, { 1, 0, 0 } }, { 2.0, { 0, 1, 0 } }, { 9.5, { 0, 0, 1 } } });
   EXPECT_NEAR(table.getNANColor().redF(), 0.2, 1e-6);
-  EXPECT_RGB_NEAR(ctf->GetNanColor(), (std::array<double, 3>{ 0.2, 0.2, 0.2 }));
+  EXPECT_RGB_NEAR(ctf->GetNanColor(), (Rgb3{ 0.2, 0.2, 0.2 }));
   EXPECT_EQ(table.getIndexedPresetArray(), (QList<QString>{ "2/0/1/0", "5/1/0/0", "9.5/0/0/1" }));
 }
 
-TEST_F(LookupTableTest, IndexedJsonWithWrongAnnotationCountChangesNothing)
+TEST_F(LookupTableTest, IndexedJsonThatDoesNotFitChangesNothing)
 {
   VXLookupTable table;
   table.parseIndexedArray({ "1/1/0/0", "2/0/1/0" });
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   const auto nodes = Nodes(ctf);
   const auto annotations = Annotations(ctf);
-
-  table.parseIndexedJson(
-    IndexedPreset({ 1, 1, 1, 0, 0, 0 }, nlohmann::json::array({ 1, "one" }), { 1, 0, 0 }));
+  // a wrong annotation count, with and without unique values
+  const Preset wrongCount =
+    IndexedPreset({ 1, 1, 1, 0, 0, 0 }, nlohmann::json::array({ 1, "one" }), { 1, 0, 0 });
+  table.parseIndexedJson(wrongCount);
   EXPECT_EQ(Nodes(ctf), nodes);
   EXPECT_EQ(Annotations(ctf), annotations);
-  EXPECT_EQ(table.getNANColor(), QColor::fromRgbF(0.5f, 0.75f, 0.0f));
-
-  table.parseIndexedJson(
-    IndexedPreset({ 1, 1, 1, 0, 0, 0 }, nlohmann::json::array({ 1, "one" }), { 1, 0, 0 }),
-    std::set<double>{ 1.0, 2.0, 3.0 });
+  EXPECT_EQ(table.getNANColor(), k_NanColor);
+  table.parseIndexedJson(wrongCount, std::set<double>{ 1.0, 2.0, 3.0 });
   EXPECT_EQ(Nodes(ctf), nodes);
   EXPECT_EQ(Annotations(ctf), annotations);
   EXPECT_TRUE(m_Questions.empty());
+
+  // without annotations a map is needed to recolour
+  VXLookupTable empty;
+  empty.getColorTransferFunction()->RemoveAllPoints();
+  empty.parseIndexedJson(IndexedPreset({ 1, 0, 0 }, nlohmann::json::array(), { 0, 0, 0 }));
+  EXPECT_EQ(empty.getColorTransferFunction()->GetSize(), 0);
+  EXPECT_EQ(empty.getColorTransferFunction()->GetIndexedLookup(), 0);
+  EXPECT_EQ(empty.getNANColor(), k_NanColor);
+
+  // annotations of an unexpected type raise the JSON error and leave the map
+  VXLookupTable typed;
+  try
+  {
+    typed.parseIndexedJson(IndexedPreset({ 1, 0, 0 }, nlohmann::json{ { "a", 1 }, { "b", 2 } }));
+    FAIL() << "no exception";
+  }
+  catch (const nlohmann::json::type_error& error)
+  {
+    EXPECT_NE(std::string(error.what()).find("cannot use operator[] with a numeric argument with "),
+              std::string::npos)
+      << error.what();
+  }
+  EXPECT_EQ(typed.getColorTransferFunction()->GetSize(), 3);
+  EXPECT_EQ(typed.getColorTransferFunction()->GetIndexedLookup(), 0);
 }
 
 TEST_F(LookupTableTest, IndexedJsonWithoutAnnotationsRecoloursKnownValuesWrappingTheColours)
@@ -308,86 +290,47 @@ TEST_F(LookupTableTest, IndexedJsonWithoutAnnotationsRecoloursKnownValuesWrappin
     IndexedPreset({ 0, 0, 0, 0, 0, 0, 0, 0, 0 },
                   nlohmann::json::array({ 1, "Grain A", 2, "Grain B", 3, "Pore" })));
   ASSERT_EQ(ctf->GetSize(), 3);
-
   table.parseIndexedJson(IndexedPreset({ 1, 0, 0, 0, 1, 0, 0, 0 }, nullptr));
   // eight floats: node 2 takes floats 6, 7 and 8 % 8 = 0
-  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
-                                { 1, "Grain A" }, { 2, "Grain B" }, { 3, "Pore" } }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{ 1, 0, 0 }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{ 0, 1, 0 }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 3.0), (std::array<double, 3>{ 0, 0, 1 }));
+  EXPECT_EQ(Annotations(ctf), (Labels{ { 1, "Grain A" }, { 2, "Grain B" }, { 3, "Pore" } }));
+  ExpectColors(ctf, { { 1.0, { 1, 0, 0 } }, { 2.0, { 0, 1, 0 } }, { 3.0, { 0, 0, 1 } } });
 }
 
-TEST_F(LookupTableTest, IndexedJsonWithoutAnnotationsNeedsAMapToRecolour)
-{
-  VXLookupTable table;
-  vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  ctf->RemoveAllPoints();
-  table.parseIndexedJson(IndexedPreset({ 1, 0, 0 }, nlohmann::json::array(), { 0, 0, 0 }));
-  EXPECT_EQ(ctf->GetSize(), 0);
-  EXPECT_EQ(ctf->GetIndexedLookup(), 0);
-  EXPECT_EQ(table.getNANColor(), QColor::fromRgbF(0.5f, 0.75f, 0.0f));
-}
-
-TEST_F(LookupTableTest, AnnotationsOfAnUnexpectedTypeRaiseTheJsonError)
-{
-  VXLookupTable table;
-  const Preset preset = IndexedPreset({ 1, 0, 0 }, nlohmann::json{ { "a", 1 }, { "b", 2 } });
-  try
-  {
-    table.parseIndexedJson(preset);
-    FAIL() << "no exception";
-  }
-  catch (const nlohmann::json::type_error& error)
-  {
-    EXPECT_NE(std::string(error.what()).find("cannot use operator[] with a numeric argument with "),
-              std::string::npos)
-      << error.what();
-  }
-  // the map is left as it was
-  EXPECT_EQ(table.getColorTransferFunction()->GetSize(), 3);
-  EXPECT_EQ(table.getColorTransferFunction()->GetIndexedLookup(), 0);
-}
-
-TEST_F(LookupTableTest, UniqueValuesWithoutAnnotationsTakeThePresetColoursInTurn)
+TEST_F(LookupTableTest, UniqueValuesTakeThePresetColoursOrItsAnnotations)
 {
   VXLookupTable table;
   QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
   table.parseIndexedJson(IndexedPreset({ 1, 0, 0, 0, 1, 0 }, nullptr),
                          std::set<double>{ -1.0, 0.125, 8.0 });
-
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_EQ(ctf->GetIndexedLookup(), 1);
-  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
-                                { -1, "-1" }, { 0.125, "0.125" }, { 8, "8" } }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, -1.0), (std::array<double, 3>{ 1, 0, 0 }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 0.125), (std::array<double, 3>{ 0, 1, 0 }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 8.0), (std::array<double, 3>{ 1, 0, 0 }));
+  EXPECT_EQ(Annotations(ctf), (Labels{ { -1, "-1" }, { 0.125, "0.125" }, { 8, "8" } }));
+  ExpectColors(ctf, { { -1.0, { 1, 0, 0 } }, { 0.125, { 0, 1, 0 } }, { 8.0, { 1, 0, 0 } } });
   EXPECT_TRUE(table.getIndexedPresetArray().isEmpty());
   EXPECT_EQ(sync.count(), 0);
   EXPECT_TRUE(m_Questions.empty());
 
   // a preset without colours paints black
   table.parseIndexedJson(IndexedPreset({}, nullptr), std::set<double>{ 4.0 });
-  EXPECT_RGB_NEAR(ColorAt(ctf, 4.0), (std::array<double, 3>{ 0, 0, 0 }));
-}
+  ExpectColors(ctf, { { 4.0, { 0, 0, 0 } } });
 
-TEST_F(LookupTableTest, UniqueValuesKnownToTheAnnotationsAskNothing)
-{
-  VXLookupTable table;
+  // values known to the annotations ask nothing, and only the data's values become categories
   table.parseIndexedJson(
     IndexedPreset({ 1, 0, 0, 0, 1, 0 }, nlohmann::json::array({ "1", "Matrix", 2, "Precipitate" })),
     std::set<double>{ 2.0 });
-  vtkColorTransferFunction* ctf = table.getColorTransferFunction();
   EXPECT_TRUE(m_Questions.empty());
-  EXPECT_EQ(Annotations(ctf),
-            (std::vector<std::pair<double, std::string>>{ { 2, "Precipitate" } }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 2.0), (std::array<double, 3>{ 0, 1, 0 }));
-  // only the data's values become categories
-  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{ 0.5, 0.75, 0.0 }));
+  EXPECT_EQ(Annotations(ctf), (Labels{ { 2, "Precipitate" } }));
+  ExpectColors(ctf, { { 2.0, { 0, 1, 0 } }, { 1.0, { 0.5, 0.75, 0.0 } } });
+
+  // no unique values: the preset alone
+  VXLookupTable alone;
+  alone.parseIndexedJson(IndexedPreset({ 0, 0, 1 }, nlohmann::json::array({ 4, "Void" })),
+                         std::set<double>{});
+  EXPECT_EQ(Annotations(alone.getColorTransferFunction()), (Labels{ { 4, "Void" } }));
+  EXPECT_EQ(alone.getIndexedPresetArray(), (QList<QString>{ "4/0/0/1" }));
 }
 
-TEST_F(LookupTableTest, MissingValuesAskOnceAndCanTakeTheNanColour)
+TEST_F(LookupTableTest, MissingValuesAskOnceAndTakeTheNanColourOrGeneratedColours)
 {
   VXLookupTable table;
   QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
@@ -395,80 +338,60 @@ TEST_F(LookupTableTest, MissingValuesAskOnceAndCanTakeTheNanColour)
   table.parseIndexedJson(
     IndexedPreset({ 1, 0, 0 }, nlohmann::json::array({ 1, "Matrix" }), { 0, 0, 0.5f }),
     std::set<double>{ 1.0, 2.0, 3.0 });
-
   ASSERT_EQ(m_Questions.size(), 1u);
-  const auto& question = m_Questions[0];
-  EXPECT_EQ(question.title, "Missing annotated values in color map");
-  EXPECT_EQ(question.text,
+  EXPECT_EQ(m_Questions[0].title, "Missing annotated values in color map");
+  EXPECT_EQ(m_Questions[0].text,
             "Some of the data in the active data array does not appear in the selected color map. "
             "Would you like to use the NaN color for the missing values, auto generate new colors "
             "for the missing values, or cancel and select a new color map?");
-  EXPECT_EQ(question.buttons, (QStringList{ "Use NaN Color", "Generate New Colors", "Cancel" }));
-
+  EXPECT_EQ(m_Questions[0].buttons,
+            (QStringList{ "Use NaN Color", "Generate New Colors", "Cancel" }));
   vtkColorTransferFunction* ctf = table.getColorTransferFunction();
-  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
-                                { 1, "Matrix" }, { 2, "2" }, { 3, "3" } }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{ 1, 0, 0 }));
+  EXPECT_EQ(Annotations(ctf), (Labels{ { 1, "Matrix" }, { 2, "2" }, { 3, "3" } }));
+  ExpectColors(ctf, { { 1.0, { 1, 0, 0 } } });
   const auto nodes = Nodes(ctf);
   ASSERT_EQ(nodes.size(), 3u);
   EXPECT_NEAR(nodes[1][3], 0.5, 1e-6);
   EXPECT_NEAR(nodes[2][3], 0.5, 1e-6);
   EXPECT_EQ(sync.count(), 0);
-}
 
-TEST_F(LookupTableTest, MissingValuesCanTakeGeneratedColoursAndSyncTheMap)
-{
-  VXLookupTable table;
-  QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
+  // "Generate New Colors": whole 8-bit channels, and the map is synced
+  VXLookupTable generated;
+  QSignalSpy generatedSync(&generated, &VXLookupTable::syncIndexedColorMap);
+  m_Questions.clear();
   m_Answer.button = 1;
-  table.parseIndexedJson(IndexedPreset({ 1, 0, 0 }, nlohmann::json::array({ 1, "Matrix" })),
-                         std::set<double>{ 0.0, 1.0, 2.0, 3.0 });
-
+  generated.parseIndexedJson(IndexedPreset({ 1, 0, 0 }, nlohmann::json::array({ 1, "Matrix" })),
+                             std::set<double>{ 0.0, 1.0, 2.0, 3.0 });
   EXPECT_EQ(m_Questions.size(), 1u);
-  vtkColorTransferFunction* ctf = table.getColorTransferFunction();
+  ctf = generated.getColorTransferFunction();
   EXPECT_EQ(ctf->GetSize(), 4);
-  EXPECT_EQ(Annotations(ctf), (std::vector<std::pair<double, std::string>>{
-                                { 0, "0" }, { 1, "Matrix" }, { 2, "2" }, { 3, "3" } }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 1.0), (std::array<double, 3>{ 1, 0, 0 }));
-  ASSERT_EQ(sync.count(), 1);
-  EXPECT_EQ(sync.at(0).at(0).value<vtkSmartPointer<vtkColorTransferFunction>>().Get(), ctf);
-  // generated colours are whole 8-bit channels
+  EXPECT_EQ(Annotations(ctf), (Labels{ { 0, "0" }, { 1, "Matrix" }, { 2, "2" }, { 3, "3" } }));
+  ExpectColors(ctf, { { 1.0, { 1, 0, 0 } } });
+  ASSERT_EQ(generatedSync.count(), 1);
+  EXPECT_EQ(generatedSync.at(0).at(0).value<vtkSmartPointer<vtkColorTransferFunction>>().Get(),
+            ctf);
   for (const Node& node : Nodes(ctf))
   {
     for (int j = 1; j < 4; ++j)
-    {
       EXPECT_NEAR(node[j] * 255.0, std::round(node[j] * 255.0), 1e-9);
-    }
   }
-}
 
-TEST_F(LookupTableTest, CancellingTheMissingValuesQuestionLeavesAnEmptyIndexedMap)
-{
+  // "Cancel" or closing leaves an empty indexed map
   for (const int button : { 2, -1 })
   {
-    VXLookupTable table;
-    QSignalSpy sync(&table, &VXLookupTable::syncIndexedColorMap);
+    VXLookupTable cancelled;
+    QSignalSpy cancelledSync(&cancelled, &VXLookupTable::syncIndexedColorMap);
     m_Answer.button = button;
-    table.parseIndexedJson(
+    cancelled.parseIndexedJson(
       IndexedPreset({ 1, 0, 0 }, nlohmann::json::array({ 1, "Matrix" }), { 0, 0, 1 }),
       std::set<double>{ 1.0, 2.0 });
-    vtkColorTransferFunction* ctf = table.getColorTransferFunction();
+    ctf = cancelled.getColorTransferFunction();
     EXPECT_EQ(ctf->GetSize(), 0) << button;
     EXPECT_EQ(ctf->GetNumberOfAnnotatedValues(), 0);
     EXPECT_EQ(ctf->GetIndexedLookup(), 1);
-    EXPECT_EQ(table.getNANColor(), QColor::fromRgbF(0.5f, 0.75f, 0.0f));
-    EXPECT_EQ(sync.count(), 0);
+    EXPECT_EQ(cancelled.getNANColor(), k_NanColor);
+    EXPECT_EQ(cancelledSync.count(), 0);
   }
-}
-
-TEST_F(LookupTableTest, EmptyUniqueValuesFallBackToThePresetAlone)
-{
-  VXLookupTable table;
-  table.parseIndexedJson(IndexedPreset({ 0, 0, 1 }, nlohmann::json::array({ 4, "Void" })),
-                         std::set<double>{});
-  EXPECT_EQ(Annotations(table.getColorTransferFunction()),
-            (std::vector<std::pair<double, std::string>>{ { 4, "Void" } }));
-  EXPECT_EQ(table.getIndexedPresetArray(), (QList<QString>{ "4/0/0/1" }));
 }
 
 TEST(LookupTableUniqueValues, ComponentsAndMagnitude)
@@ -485,9 +408,7 @@ TEST(LookupTableUniqueValues, ComponentsAndMagnitude)
 
   vtkNew<vtkIntArray> phases;
   for (const int v : { -2, 7, 7, 1, -2 })
-  {
     phases->InsertNextValue(v);
-  }
   // one component: the magnitude is the signed value itself
   EXPECT_EQ(VXLookupTable::computeUniqueValues(phases, -1), (std::set<double>{ -2.0, 1.0, 7.0 }));
 }

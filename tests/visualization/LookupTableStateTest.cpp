@@ -26,7 +26,7 @@ TEST_F(LookupTableTest, WriteEmitsEveryKeyWithItsValue)
   EXPECT_EQ(json.at("lut_color_preset"), nlohmann::json::parse(R"(["0/1/0/0", "1/0/0/1"])"));
 }
 
-TEST_F(LookupTableTest, ReadRestoresWhatWriteWrote)
+TEST_F(LookupTableTest, ReadRestoresWhatWriteWroteContinuousOrIndexed)
 {
   VXLookupTable source;
   source.parseRgbArray({ "0/1/0/0", "0.2/0/1/0", "1/0/0/1" });
@@ -45,28 +45,23 @@ TEST_F(LookupTableTest, ReadRestoresWhatWriteWrote)
   EXPECT_EQ(ctf->GetColorSpace(), VTK_CTF_DIVERGING);
   EXPECT_TRUE(target.isInverted());
   EXPECT_EQ(target.getNANColor(), QColor(255, 255, 0));
-  EXPECT_RGB_NEAR(ctf->GetBelowRangeColor(), (std::array<double, 3>{ 1, 1, 0 }));
+  EXPECT_RGB_NEAR(ctf->GetBelowRangeColor(), (Rgb3{ 1, 1, 0 }));
   EXPECT_EQ(target.getColorPresetArray(), (QList<QString>{ "0/1/0/0", "0.2/0/1/0", "1/0/0/1" }));
+
+  // an indexed map colours its values again
+  VXLookupTable indexed;
+  indexed.parseIndexedArray({ "1/1/0/0", "4/0/1/0", "9/0/0/1" });
+  nlohmann::json indexedJson;
+  indexed.write(indexedJson);
+  EXPECT_EQ(indexedJson.at("indexed_lookup"), 1);
+  VXLookupTable indexedTarget;
+  indexedTarget.read(indexedJson);
+  EXPECT_EQ(indexedTarget.getColorTransferFunction()->GetIndexedLookup(), 1);
+  ExpectColors(indexedTarget.getColorTransferFunction(),
+               { { 4.0, { 0, 1, 0 } }, { 9.0, { 0, 0, 1 } }, { 5.0, { 0.5, 0.75, 0.0 } } });
 }
 
-TEST_F(LookupTableTest, ReadIndexedMapColoursItsValuesAgain)
-{
-  VXLookupTable source;
-  source.parseIndexedArray({ "1/1/0/0", "4/0/1/0", "9/0/0/1" });
-  nlohmann::json json;
-  source.write(json);
-  EXPECT_EQ(json.at("indexed_lookup"), 1);
-
-  VXLookupTable target;
-  target.read(json);
-  vtkColorTransferFunction* ctf = target.getColorTransferFunction();
-  EXPECT_EQ(ctf->GetIndexedLookup(), 1);
-  EXPECT_RGB_NEAR(ColorAt(ctf, 4.0), (std::array<double, 3>{ 0, 1, 0 }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 9.0), (std::array<double, 3>{ 0, 0, 1 }));
-  EXPECT_RGB_NEAR(ColorAt(ctf, 5.0), (std::array<double, 3>{ 0.5, 0.75, 0.0 }));
-}
-
-TEST_F(LookupTableTest, ReadLeavesPropertiesOfMissingKeys)
+TEST_F(LookupTableTest, ReadLeavesPropertiesOfMissingKeysAndSkipsValuesOfTheWrongType)
 {
   VXLookupTable table;
   table.invert();
@@ -87,21 +82,19 @@ TEST_F(LookupTableTest, ReadLeavesPropertiesOfMissingKeys)
     nlohmann::json::parse(R"({"lut_nan_color_r": 0, "lut_nan_color_g": 0, "lut_nan_color_b": 1,
                                        "rgb_pos_vector": [[0, 1, 1, 1], [3, 0, 0, 0]]})"));
   EXPECT_EQ(table.getNANColor(), QColor(0, 0, 255));
-  EXPECT_RGB_NEAR(ctf->GetAboveRangeColor(), (std::array<double, 3>{ 0, 0, 1 }));
+  EXPECT_RGB_NEAR(ctf->GetAboveRangeColor(), (Rgb3{ 0, 0, 1 }));
   EXPECT_EQ(Nodes(ctf), (std::vector<Node>{ { 0, 1, 1, 1 }, { 3, 0, 0, 0 } }));
-}
 
-TEST_F(LookupTableTest, ReadSkipsValuesOfTheWrongType)
-{
-  VXLookupTable table;
-  table.read(nlohmann::json::parse(R"({
+  // values of the wrong type are skipped
+  VXLookupTable typed;
+  typed.read(nlohmann::json::parse(R"({
     "indexed_lookup": "yes", "color_space": "Lab", "lut_is_inverted": 1,
     "rgb_pos_vector": [[0, 1, 0, 0], [1, 0, 1], "x", [2, 0, 0, 1]],
     "lut_color_preset": "0/1/0/0"})"));
-  vtkColorTransferFunction* ctf = table.getColorTransferFunction();
+  ctf = typed.getColorTransferFunction();
   EXPECT_EQ(Nodes(ctf), (std::vector<Node>{ { 0, 1, 0, 0 }, { 2, 0, 0, 1 } }));
   EXPECT_EQ(ctf->GetIndexedLookup(), 0);
   EXPECT_EQ(ctf->GetColorSpace(), VTK_CTF_RGB);
-  EXPECT_FALSE(table.isInverted());
-  EXPECT_EQ(table.getColorPresetArray().size(), 3);
+  EXPECT_FALSE(typed.isInverted());
+  EXPECT_EQ(typed.getColorPresetArray().size(), 3);
 }

@@ -58,6 +58,21 @@ inline std::vector<std::pair<double, std::string>> Annotations(vtkColorTransferF
   return result;
 }
 
+using Labels = std::vector<std::pair<double, std::string>>;
+using Rgb3 = std::array<double, 3>;
+
+/** Expects each value to take its colour, within 1e-6 per channel. */
+inline void ExpectColors(vtkColorTransferFunction* ctf,
+                         const std::vector<std::pair<double, Rgb3>>& expected)
+{
+  for (const auto& [value, rgb] : expected)
+  {
+    const Rgb3 actual = ColorAt(ctf, value);
+    for (int c = 0; c < 3; ++c)
+      EXPECT_NEAR(actual[c], rgb[c], 1e-6) << "value " << value << ", channel " << c;
+  }
+}
+
 #define EXPECT_RGB_NEAR(actual, expected)                                                          \
   do                                                                                               \
   {                                                                                                \
