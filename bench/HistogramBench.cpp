@@ -32,7 +32,7 @@
 namespace
 {
 constexpr int k_Bins = 200;
-constexpr vtkIdType k_FloatCount = 250'000'000;      // 1000 x 1000 x 250
+constexpr vtkIdType k_FloatCount = 250'000'000;           // 1000 x 1000 x 250
 constexpr vtkIdType k_ByteCount = vtkIdType{ 256 } << 20; // 1024 x 1024 x 256
 
 /** One array, allocated and filled once, shared by every benchmark of its type. */
@@ -106,8 +106,8 @@ void ours(benchmark::State& state)
       histogram, 0);
     benchmark::DoNotOptimize(histogram.data());
   }
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
-                          f.array->GetNumberOfValues() * f.array->GetDataTypeSize());
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * f.array->GetNumberOfValues() *
+                          f.array->GetDataTypeSize());
 }
 
 /** The same binning written straight over the buffer: the machine's limit. */
@@ -146,8 +146,8 @@ void rawKernel(benchmark::State& state)
         histogram[b] += static_cast<double>(counts[b]);
     benchmark::DoNotOptimize(histogram.data());
   }
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
-                          f.array->GetNumberOfValues() * f.array->GetDataTypeSize());
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * f.array->GetNumberOfValues() *
+                          f.array->GetDataTypeSize());
 }
 
 /** VTK's way over an image: vtkImageHistogram with the same 200 bins. */

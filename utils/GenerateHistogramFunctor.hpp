@@ -87,8 +87,8 @@ public:
       component = 0;
     if (component >= numComponents)
       throw std::out_of_range("Component " + std::to_string(component) +
-                              " is out of range for an array of " +
-                              std::to_string(numComponents) + " components");
+                              " is out of range for an array of " + std::to_string(numComponents) +
+                              " components");
 
     double bounds[2] = { range[0], range[1] };
     if (!useCustomRange && array != nullptr)
@@ -172,8 +172,8 @@ private:
     else
     {
       using U = std::make_unsigned_t<T>;
-      return static_cast<T>(static_cast<U>(static_cast<U>(HistogramValueCast<T>(offset)) +
-                                           static_cast<U>(lowest)));
+      return static_cast<T>(
+        static_cast<U>(static_cast<U>(HistogramValueCast<T>(offset)) + static_cast<U>(lowest)));
     }
   }
 };

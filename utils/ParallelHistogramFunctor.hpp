@@ -77,8 +77,7 @@ public:
    * @param buffer the array's values in one buffer, or null to read through GetComponent
    */
   ParallelHistogramFunctor(vtkDataArray* array, T lowest, T highest, float binWidth, int numBins,
-                           int component, Bins& bins, Rejected& rejected,
-                           const T* buffer = nullptr)
+                           int component, Bins& bins, Rejected& rejected, const T* buffer = nullptr)
     : m_Array(array)
     , m_Lowest(lowest)
     , m_Highest(highest)
@@ -120,8 +119,7 @@ public:
     else if (m_Component >= 0)
     {
       for (std::size_t t = range.begin(); t < range.end(); t++)
-        count(HistogramValueCast<T>(
-                m_Array->GetComponent(static_cast<vtkIdType>(t), m_Component)),
+        count(HistogramValueCast<T>(m_Array->GetComponent(static_cast<vtkIdType>(t), m_Component)),
               counts, rejected);
     }
     else
@@ -141,7 +139,8 @@ public:
   }
 
 private:
-  /** A buffer value as the virtual path sees it: through double, which only 64-bit integers feel. */
+  /** A buffer value as the virtual path sees it: through double, which only 64-bit integers feel.
+   */
   static T fromBuffer(T value)
   {
     if constexpr (std::is_integral_v<T> && sizeof(T) == 8)

@@ -74,8 +74,8 @@ void PopulateHistogram(vtkDataSet* input, const std::string& arrayName,
 
   vtkSmartPointer<vtkFloatArray> centres = TakeOrCreateColumn<vtkFloatArray>(output, arrayName);
   for (vtkIdType i = 0; i < k_NumberOfBins; i++)
-    centres->SetValue(i, static_cast<float>(static_cast<double>(i) * step +
-                                            (range[0] + step / 2.0)));
+    centres->SetValue(i,
+                      static_cast<float>(static_cast<double>(i) * step + (range[0] + step / 2.0)));
   vtkSmartPointer<vtkIntArray> counts = TakeOrCreateColumn<vtkIntArray>(output, countColumnName);
   for (vtkIdType i = 0; i < k_NumberOfBins; i++)
     counts->SetValue(i, CountAsInt(histogram[static_cast<std::size_t>(i)]));

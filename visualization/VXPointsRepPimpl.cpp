@@ -761,6 +761,11 @@ void VXPointsRepPimpl::setRenderPointsAsSpheres(bool spheres)
 // ---------------------------------------------------------------------------
 // Histogram and decimation
 
+VXArrayHistogramWidget* VXPointsRepPimpl::histogramWidget() const
+{
+  return m_HistogramWidget.data();
+}
+
 void VXPointsRepPimpl::setGenerateHistogram(bool generate)
 {
   m_Coloring.generateHistogram = generate;

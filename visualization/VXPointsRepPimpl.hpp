@@ -93,7 +93,7 @@ public:
   const UniqueValueCache& uniqueValues() const { return m_UniqueValues; }
   VXCustomRangeDialog* customRangeDialog() const { return m_CustomRangeDialog.data(); }
   /** The histogram of the settings page, null before the page is built. */
-  VXArrayHistogramWidget* histogramWidget() const { return m_HistogramWidget.data(); }
+  VXArrayHistogramWidget* histogramWidget() const;
   vtkScalarBarWidget* scalarBarWidget() const { return m_ScalarBarWidget; }
   vtkScalarBarRepresentation* scalarBarRepresentation() const { return m_ScalarBarRepresentation; }
   vtkGeometryFilter* geometryFilter() const { return m_GeometryFilter; }

@@ -11,6 +11,7 @@
 #include <QtWidgets/QPushButton>
 
 #include <vtkAxis.h>
+#include <vtkCellArray.h>
 #include <vtkChartXY.h>
 #include <vtkFloatArray.h>
 #include <vtkIdTypeArray.h>
@@ -67,6 +68,12 @@ std::map<double, double> Bars(VXArrayHistogramWidget* widget)
   return bars;
 }
 
+/** Clicks a check box on its indicator, where a user clicks it. */
+void Click(QCheckBox* box)
+{
+  QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(6, box->height() / 2));
+}
+
 /** Chooses an entry of a combo box with the keyboard, as a user would. */
 void ChooseWithKeys(QComboBox* combo, const QString& text)
 {
@@ -98,15 +105,15 @@ TEST(ArrayHistogram, CheckBoxShowsTheActiveArrayAndFollowsItsChanges)
   EXPECT_FALSE(histogram->isVisible());
   EXPECT_EQ(histogram->table()->GetNumberOfRows(), 0);
 
-  QTest::mouseClick(box, Qt::LeftButton);
+  Click(box);
   EXPECT_TRUE(points->generateHistogram());
   EXPECT_TRUE(histogram->isVisible());
   EXPECT_EQ(histogram->chart()->GetTitle(), "Height");
   EXPECT_EQ(histogram->table()->GetNumberOfRows(), 50);
   // range 0..50 in 50 bins of 1; the top value 50 is outside the last bin
-  EXPECT_EQ(Bars(histogram), (std::map<double, double>{
-                               { 0.5, 1 }, { 1.5, 1 }, { 2.5, 2 }, { 3.5, 1 }, { 10.5, 1 },
-                               { 49.5, 1 } }));
+  EXPECT_EQ(Bars(histogram),
+            (std::map<double, double>{
+              { 0.5, 1 }, { 1.5, 1 }, { 2.5, 2 }, { 3.5, 1 }, { 10.5, 1 }, { 49.5, 1 } }));
 
   // a custom range narrows the bins: 0..25 in bins of 0.5
   points->rescaleToCustomRange(0.0, 25.0);
@@ -129,18 +136,20 @@ TEST(ArrayHistogram, CheckBoxShowsTheActiveArrayAndFollowsItsChanges)
   index->Modified();
   data->Modified();
   scene.settle();
-  EXPECT_EQ(Bars(histogram), (std::map<double, double>{
-                               { 1, 2 }, { 3, 1 }, { 5, 2 }, { 21, 1 }, { 99, 1 } }));
+  EXPECT_EQ(Bars(histogram),
+            (std::map<double, double>{ { 1, 2 }, { 3, 1 }, { 5, 2 }, { 21, 1 }, { 99, 1 } }));
 
   // the counts can go on a log axis
   auto* logScale = histogram->findChild<QCheckBox*>("m_LogScaleCheckBox");
   ASSERT_NE(logScale, nullptr);
   EXPECT_EQ(logScale->text(), "Log Scale");
-  QTest::mouseClick(logScale, Qt::LeftButton);
-  EXPECT_TRUE(histogram->chart()->GetAxis(vtkAxis::LEFT)->GetLogScale());
+  Click(logScale);
+  EXPECT_TRUE(histogram->logScale());
+  histogram->repaint();
+  EXPECT_TRUE(histogram->chart()->GetAxis(vtkAxis::LEFT)->GetLogScaleActive());
 
   // unchecking hides it again
-  QTest::mouseClick(box, Qt::LeftButton);
+  Click(box);
   EXPECT_FALSE(points->generateHistogram());
   EXPECT_FALSE(histogram->isVisible());
 }

@@ -124,9 +124,9 @@ class HistogramPathTest : public ::testing::Test
 {
 };
 // VTK's 64-bit arrays hold long long, which the dispatcher counts as int64_t / uint64_t
-using StorageTypes = ::testing::Types<std::int8_t, std::int16_t, std::int32_t, long long,
-                                      std::uint8_t, std::uint16_t, std::uint32_t,
-                                      unsigned long long, float, double>;
+using StorageTypes =
+  ::testing::Types<std::int8_t, std::int16_t, std::int32_t, long long, std::uint8_t, std::uint16_t,
+                   std::uint32_t, unsigned long long, float, double>;
 TYPED_TEST_SUITE(HistogramPathTest, StorageTypes);
 
 // The buffer path (VTK's own arrays and the adaptor over a host store) counts exactly as the
@@ -134,9 +134,9 @@ TYPED_TEST_SUITE(HistogramPathTest, StorageTypes);
 TYPED_TEST(HistogramPathTest, BufferPathCountsAsTheVirtualPath)
 {
   using V = TypeParam;
-  using T = std::conditional_t<std::is_same_v<V, long long>, std::int64_t,
-                               std::conditional_t<std::is_same_v<V, unsigned long long>,
-                                                   std::uint64_t, V>>;
+  using T =
+    std::conditional_t<std::is_same_v<V, long long>, std::int64_t,
+                       std::conditional_t<std::is_same_v<V, unsigned long long>, std::uint64_t, V>>;
   const std::vector<V> values = MixedValues<V>(30001);
   auto contiguous = MakeArray<vtkAOSDataArrayTemplate<V>>(values, 3);
   auto split = MakeArray<vtkSOADataArrayTemplate<V>>(values, 3);
@@ -145,8 +145,8 @@ TYPED_TEST(HistogramPathTest, BufferPathCountsAsTheVirtualPath)
 
   // the zero-copy adaptor over a host store reads its buffer too
   kx::core::DataStructure ds;
-  auto store =
-    std::make_shared<kx::core::DataStore<T>>(kx::core::ShapeType{ 10000 }, kx::core::ShapeType{ 3 });
+  auto store = std::make_shared<kx::core::DataStore<T>>(kx::core::ShapeType{ 10000 },
+                                                        kx::core::ShapeType{ 3 });
   for (std::size_t i = 0; i < 30000; i++)
     store->setValue(i, static_cast<T>(values[i]));
   auto* host = kx::core::DataArray<T>::Create(ds, "Values", store);
@@ -161,26 +161,39 @@ TYPED_TEST(HistogramPathTest, BufferPathCountsAsTheVirtualPath)
     bool custom;
     std::array<double, 2> range;
   };
+  // the adaptor's values, read through the virtual path (a deep copy would go through double)
+  auto adaptorValues = MakeArray<vtkSOADataArrayTemplate<V>>(
+    std::vector<V>(values.begin(), values.begin() + 30000), 3);
+
+  // Both paths get the same bounds: the virtual array's own finite range (VTK's array classes
+  // may round a magnitude range differently) or a custom range narrower than the data.
   const double mid = std::is_floating_point_v<V> ? 100.0 : (std::is_signed_v<V> ? -20.0 : 20.0);
   for (const Case& c : { Case{ 200, 0, false, {} }, Case{ 200, 1, false, {} },
                          Case{ 50, 2, false, {} }, Case{ 1, 0, false, {} },
                          Case{ 7, -1, false, {} }, Case{ 13, 1, true, { mid, mid + 90.0 } } })
   {
     SCOPED_TRACE(::testing::Message() << c.bins << " bins, component " << c.component);
-    const Histogram fast = Count(contiguous, c.bins, c.component, c.custom, c.range);
-    const Histogram slow = Count(split, c.bins, c.component, c.custom, c.range);
+    std::array<double, 2> range = c.range;
+    if (!c.custom)
+      split->GetFiniteRange(range.data(), c.component);
+    const Histogram fast = Count(contiguous, c.bins, c.component, true, range);
+    const Histogram slow = Count(split, c.bins, c.component, true, range);
     ASSERT_EQ(fast.counts.size(), static_cast<std::size_t>(c.bins));
     EXPECT_EQ(fast.counts, slow.counts);
     EXPECT_EQ(fast.minimums, slow.minimums);
     EXPECT_EQ(fast.maximumLabels, slow.maximumLabels);
     // something was counted, and never more than there are tuples
     EXPECT_GT(Total(fast), 0.0);
-    EXPECT_LE(Total(fast), 10000.0 + 1.0);
+    EXPECT_LE(Total(fast), 10000.0);
+    if (c.component >= 0 && !c.custom) // the array's own range gives the same bins
+    {
+      EXPECT_EQ(Count(contiguous, c.bins, c.component).counts, fast.counts);
+    }
 
-    const Histogram wrapped = CountAs<T>(adaptor, c.bins, c.component, c.custom, c.range);
-    vtkNew<vtkSOADataArrayTemplate<V>> sameValues;
-    sameValues->DeepCopy(adaptor);
-    EXPECT_EQ(wrapped.counts, CountAs<T>(sameValues, c.bins, c.component, c.custom, c.range).counts);
+    if (!c.custom)
+      adaptorValues->GetFiniteRange(range.data(), c.component);
+    EXPECT_EQ(CountAs<T>(adaptor, c.bins, c.component, true, range).counts,
+              CountAs<T>(adaptorValues, c.bins, c.component, true, range).counts);
   }
 }
 
@@ -250,7 +263,8 @@ TEST(HistogramFunctor, EdgeCasesGiveExactCounts)
   }
 }
 
-vtkSmartPointer<vtkPolyData> DataSetWith(vtkDataArray* pointArray, vtkDataArray* cellArray = nullptr)
+vtkSmartPointer<vtkPolyData> DataSetWith(vtkDataArray* pointArray,
+                                         vtkDataArray* cellArray = nullptr)
 {
   auto data = vtkSmartPointer<vtkPolyData>::New();
   if (pointArray != nullptr)
@@ -332,7 +346,7 @@ TEST(PopulateHistogram, LeavesTheTableAsItWasOnFailure)
     EXPECT_STREQ(error.what(), k_InvalidType);
   }
   ASSERT_EQ(table->GetNumberOfColumns(), 1);
-  EXPECT_EQ(table->GetColumn(0), kept);
+  EXPECT_EQ(table->GetColumn(0), kept.Get());
   EXPECT_EQ(kept->GetNumberOfTuples(), 1);
   EXPECT_EQ(kept->GetValue(0), 42);
 }

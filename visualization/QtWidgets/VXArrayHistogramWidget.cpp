@@ -21,6 +21,7 @@
 #include <vtkTable.h>
 #include <vtkTextProperty.h>
 
+#include <algorithm>
 #include <array>
 #include <exception>
 #include <string>
@@ -114,8 +115,8 @@ void VXArrayHistogramWidget::setArray(vtkDataArray* array, int component, bool u
   {
     KXVtk::utils::ExecuteVtkDataFunctionNoBool(
       KXVtk::utils::GenerateHistogramFunctor(), array->GetDataType(), array, useCustomRange,
-      std::array<double, 2>{ rangeMin, rangeMax }, minimums, maximums, minimumLabels,
-      maximumLabels, k_NumberOfBins, histogram, component);
+      std::array<double, 2>{ rangeMin, rangeMax }, minimums, maximums, minimumLabels, maximumLabels,
+      k_NumberOfBins, histogram, component);
   }
   catch (const std::exception& error)
   {
@@ -141,7 +142,8 @@ void VXArrayHistogramWidget::setArray(vtkDataArray* array, int component, bool u
   m_Plot->SetWidth(width > 0.0 ? static_cast<float>(width) : 1.0f);
   m_Chart->SetTitle(name.toStdString());
   m_Chart->GetAxis(vtkAxis::BOTTOM)->SetTitle(name.isEmpty() ? "Value" : name.toStdString());
-  m_Chart->RecalculateBounds();
+  m_MaxCount = histogram.empty() ? 0.0 : *std::max_element(histogram.begin(), histogram.end());
+  applyCountAxis();
   showMessage(QString());
   render();
 }
@@ -153,15 +155,32 @@ void VXArrayHistogramWidget::setLogScale(bool logScale)
     const QSignalBlocker blocker(m_LogScaleCheckBox);
     m_LogScaleCheckBox->setChecked(logScale);
   }
-  m_Chart->GetAxis(vtkAxis::LEFT)->SetLogScale(logScale);
-  m_Chart->RecalculateBounds();
+  applyCountAxis();
   render();
+}
+
+void VXArrayHistogramWidget::applyCountAxis()
+{
+  vtkAxis* axis = m_Chart->GetAxis(vtkAxis::LEFT);
+  const bool logScale = m_LogScaleCheckBox->isChecked();
+  axis->SetLogScale(logScale);
+  if (logScale)
+  {
+    // empty bins have no logarithm: the axis starts below one count so that it can be logarithmic
+    axis->SetBehavior(vtkAxis::FIXED);
+    axis->SetUnscaledRange(0.5, std::max(1.0, m_MaxCount) * 2.0);
+  }
+  else
+    axis->SetBehavior(vtkAxis::AUTO);
+  m_Chart->RecalculateBounds();
 }
 
 void VXArrayHistogramWidget::clear()
 {
   m_Table->SetNumberOfRows(0);
   m_Table->Modified();
+  m_MaxCount = 0.0;
+  applyCountAxis();
   m_Chart->SetTitle("");
   showMessage(QString());
   render();

@@ -38,7 +38,7 @@ public:
   vtkChartXY* chart() const;
   /** What is plotted: "Value", the bin centres, and "Count". */
   vtkTable* table() const;
-  /** Whether the count axis is logarithmic. */
+  /** Whether the count axis is asked to be logarithmic ("Log Scale"). */
   bool logScale() const;
   /** Why nothing is plotted, or empty. */
   QString message() const;
@@ -58,6 +58,8 @@ public Q_SLOTS:
 
 private:
   void showMessage(const QString& text);
+  /** The count axis: linear and automatic, or logarithmic from below one count. */
+  void applyCountAxis();
   void render();
 
   QPointer<VXGLWidget> m_ChartWidget;
@@ -67,4 +69,5 @@ private:
   vtkSmartPointer<vtkChartXY> m_Chart;
   vtkSmartPointer<vtkPlotBar> m_Plot;
   vtkSmartPointer<vtkTable> m_Table;
+  double m_MaxCount = 0.0;
 };
