@@ -93,48 +93,48 @@ public:
 
   void operator()(const tbb::blocked_range<std::size_t>& range) const
   {
-    std::vector<std::size_t>& bins = m_Bins.local();
+    std::size_t* counts = m_Bins.local().data();
     std::size_t rejected = 0;
-    std::size_t* counts = bins.data();
+    const std::size_t begin = range.begin();
+    const std::size_t end = range.end();
     const std::size_t nc = static_cast<std::size_t>(m_NumComponents);
-    if (m_Buffer != nullptr && m_Component >= 0)
-    {
-      const T* values = m_Buffer + m_Component;
-      for (std::size_t t = range.begin(); t < range.end(); t++)
-        count(fromBuffer(values[t * nc]), counts, rejected);
-    }
+    if (m_Buffer != nullptr && m_Component >= 0 && nc == 1)
+      scan(begin, end, counts, rejected,
+           [values = m_Buffer](std::size_t t) { return fromBuffer(values[t]); });
+    else if (m_Buffer != nullptr && m_Component >= 0)
+      scan(begin, end, counts, rejected, [values = m_Buffer + m_Component, nc](std::size_t t)
+           { return fromBuffer(values[t * nc]); });
     else if (m_Buffer != nullptr)
-    {
-      for (std::size_t t = range.begin(); t < range.end(); t++)
-      {
-        double sum = 0.0;
-        for (std::size_t c = 0; c < nc; c++)
-        {
-          const double value = static_cast<double>(m_Buffer[t * nc + c]);
-          sum += value * value;
-        }
-        count(HistogramValueCast<T>(std::sqrt(sum)), counts, rejected);
-      }
-    }
+      scan(begin, end, counts, rejected,
+           [values = m_Buffer, nc](std::size_t t)
+           {
+             double sum = 0.0;
+             for (std::size_t c = 0; c < nc; c++)
+             {
+               const double value = static_cast<double>(values[t * nc + c]);
+               sum += value * value;
+             }
+             return HistogramValueCast<T>(std::sqrt(sum));
+           });
     else if (m_Component >= 0)
-    {
-      for (std::size_t t = range.begin(); t < range.end(); t++)
-        count(HistogramValueCast<T>(m_Array->GetComponent(static_cast<vtkIdType>(t), m_Component)),
-              counts, rejected);
-    }
+      scan(begin, end, counts, rejected,
+           [array = m_Array, component = m_Component](std::size_t t)
+           {
+             return HistogramValueCast<T>(
+               array->GetComponent(static_cast<vtkIdType>(t), component));
+           });
     else
-    {
-      for (std::size_t t = range.begin(); t < range.end(); t++)
-      {
-        double sum = 0.0;
-        for (int c = 0; c < m_NumComponents; c++)
-        {
-          const double value = m_Array->GetComponent(static_cast<vtkIdType>(t), c);
-          sum += value * value;
-        }
-        count(HistogramValueCast<T>(std::sqrt(sum)), counts, rejected);
-      }
-    }
+      scan(begin, end, counts, rejected,
+           [array = m_Array, components = m_NumComponents](std::size_t t)
+           {
+             double sum = 0.0;
+             for (int c = 0; c < components; c++)
+             {
+               const double value = array->GetComponent(static_cast<vtkIdType>(t), c);
+               sum += value * value;
+             }
+             return HistogramValueCast<T>(std::sqrt(sum));
+           });
     m_Rejected.local() += rejected;
   }
 
@@ -150,31 +150,42 @@ private:
   }
 
   /**
-   * The bin of one value: truncate((v - lowest) / width) in single precision.
-   * The top edge is exclusive, and NaN and infinities fall outside every bin.
+   * Counts the values that @p read gives for tuples [begin, end). A value's bin is
+   * truncate((v - lowest) / width) in single precision; the top edge is exclusive, and NaN and
+   * infinities fall outside every bin. Every read path goes through here, so they count alike.
    */
-  void count(T value, std::size_t* counts, std::size_t& rejected) const
+  template<typename Read>
+  void scan(std::size_t begin, std::size_t end, std::size_t* counts, std::size_t& rejected,
+            Read read) const
   {
+    std::size_t outside = 0;
     if (m_BinWidth == 0.0f)
     {
       // a collapsed range: everything on it is in the one bin there is
-      if (m_NumBins > 0 && value >= m_Lowest && value <= m_Highest)
-        counts[0]++;
-      else
-        rejected++;
-      return;
-    }
-    const float position = HistogramDifference(value, m_Lowest) / m_BinWidth;
-    if (position >= 0.0f && position < static_cast<float>(m_NumBins))
-    {
-      const int index = static_cast<int>(position);
-      if (index < m_NumBins)
+      for (std::size_t t = begin; t < end; t++)
       {
-        counts[index]++;
-        return;
+        const T value = read(t);
+        if (m_NumBins > 0 && value >= m_Lowest && value <= m_Highest)
+          counts[0]++;
+        else
+          outside++;
       }
     }
-    rejected++;
+    else
+    {
+      const T lowest = m_Lowest;
+      const float width = m_BinWidth;
+      const float bins = static_cast<float>(m_NumBins);
+      for (std::size_t t = begin; t < end; t++)
+      {
+        const float position = HistogramDifference(read(t), lowest) / width;
+        if (position >= 0.0f && position < bins)
+          counts[static_cast<int>(position)]++;
+        else
+          outside++;
+      }
+    }
+    rejected += outside;
   }
 
   vtkDataArray* m_Array = nullptr;
