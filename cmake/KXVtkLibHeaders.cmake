@@ -11,6 +11,7 @@ set(KXVTK_INSTALLED_HEADERS
   utils/GridAxesUtils.hpp
   utils/KXVtkModuleUtils.hpp
   utils/PipelineUtils.hpp
+  utils/PopulateHistogram.hpp
   visualization/FileToVXBridge.hpp
   visualization/KXToVXBridge.hpp
   visualization/VXBridgeObject.hpp
@@ -38,6 +39,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXWireframeRep.hpp
   visualization/VXWireframeRepPimpl.hpp
   visualization/QtWidgets/VXAbstractViewWidget.hpp
+  visualization/QtWidgets/VXArrayHistogramWidget.hpp
   visualization/QtWidgets/VXCustomRangeDialog.hpp
   visualization/QtWidgets/VXDatasetInfoWidget.hpp
   visualization/QtWidgets/VXFrameRateCallback.hpp
@@ -60,8 +62,11 @@ set(KXVTK_INTERNAL_HEADERS
   bridge/ComputeRangeFunctor.hpp
   bridge/StructuredGridCellIdFunctor.hpp
   utils/ExecuteVtkDataFunction.hpp
+  utils/GenerateHistogramFunctor.hpp
   utils/GuiProcess.hpp
+  utils/ParallelHistogramFunctor.hpp
   visualization/VXRepresentationCallbacks.hpp
   visualization/VXRepresentationUtils.hpp
   visualization/VXStateItemFactory.hpp
+  visualization/VXUpdateHistogramCallback.hpp
 )

@@ -7,5 +7,7 @@ filter=${1:-.}
 mkdir -p "$build_dir/bench"
 "$build_dir/bench/kxvtk_bench" --benchmark_filter="$filter" \
   --benchmark_out="$build_dir/bench/results.json" --benchmark_out_format=json
+"$build_dir/bench/kxvtk_histogram_bench" --benchmark_filter="$filter" \
+  --benchmark_out="$build_dir/bench/histogram-results.json" --benchmark_out_format=json
 xvfb-run -a -s "-screen 0 1280x1024x24" "$build_dir/bench/kxvtk_render_bench" --benchmark_filter="$filter" \
   --benchmark_out="$build_dir/bench/render-results.json" --benchmark_out_format=json

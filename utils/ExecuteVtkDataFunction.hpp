@@ -6,10 +6,14 @@
 #include <stdexcept>
 #include <utility>
 
+namespace KXVtk::utils
+{
 /**
- * Calls func.template operator()<T>(args...) with the element type T of a VTK data type
- * constant. Ten types are handled; bool-like and platform-sized types (VTK_CHAR, VTK_LONG,
- * VTK_UNSIGNED_LONG, VTK_ID_TYPE, ...) throw std::runtime_error.
+ * Calls func.operator()<T>(args...) with the element type T that belongs to
+ * the VTK type constant @p dataType, for the ten numeric types whose width is
+ * the same on every platform. Every other constant (char, long, id type, bit,
+ * string) throws std::runtime_error, so a caller can't silently run over an
+ * array of a type it wasn't written for.
  */
 template<typename FuncT, typename DataType, typename... ArgsT>
 auto ExecuteVtkDataFunctionNoBool(FuncT&& func, DataType dataType, ArgsT&&... args)
@@ -17,27 +21,28 @@ auto ExecuteVtkDataFunctionNoBool(FuncT&& func, DataType dataType, ArgsT&&... ar
   switch (static_cast<int>(dataType))
   {
     case VTK_UNSIGNED_CHAR:
-      return func.template operator()<uint8_t>(std::forward<ArgsT>(args)...);
+      return func.template operator()<std::uint8_t>(std::forward<ArgsT>(args)...);
     case VTK_SHORT:
-      return func.template operator()<int16_t>(std::forward<ArgsT>(args)...);
+      return func.template operator()<std::int16_t>(std::forward<ArgsT>(args)...);
     case VTK_UNSIGNED_SHORT:
-      return func.template operator()<uint16_t>(std::forward<ArgsT>(args)...);
+      return func.template operator()<std::uint16_t>(std::forward<ArgsT>(args)...);
     case VTK_INT:
-      return func.template operator()<int32_t>(std::forward<ArgsT>(args)...);
+      return func.template operator()<std::int32_t>(std::forward<ArgsT>(args)...);
     case VTK_UNSIGNED_INT:
-      return func.template operator()<uint32_t>(std::forward<ArgsT>(args)...);
+      return func.template operator()<std::uint32_t>(std::forward<ArgsT>(args)...);
     case VTK_FLOAT:
       return func.template operator()<float>(std::forward<ArgsT>(args)...);
     case VTK_DOUBLE:
       return func.template operator()<double>(std::forward<ArgsT>(args)...);
     case VTK_SIGNED_CHAR:
-      return func.template operator()<int8_t>(std::forward<ArgsT>(args)...);
+      return func.template operator()<std::int8_t>(std::forward<ArgsT>(args)...);
     case VTK_LONG_LONG:
-      return func.template operator()<int64_t>(std::forward<ArgsT>(args)...);
+      return func.template operator()<std::int64_t>(std::forward<ArgsT>(args)...);
     case VTK_UNSIGNED_LONG_LONG:
-      return func.template operator()<uint64_t>(std::forward<ArgsT>(args)...);
+      return func.template operator()<std::uint64_t>(std::forward<ArgsT>(args)...);
     default:
-      throw std::runtime_error("ExecuteVtkDataFunctionNoBool<...>(FuncT&& func, DataType "
-                               "dataType, ArgsT&&... args). Error: Invalid DataType");
+      throw std::runtime_error("ExecuteVtkDataFunctionNoBool<...>(FuncT&& func, DataType dataType, "
+                               "ArgsT&&... args). Error: Invalid DataType");
   }
 }
+} // namespace KXVtk::utils

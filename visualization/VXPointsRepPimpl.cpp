@@ -3,6 +3,7 @@
 #include <vtkAlgorithm.h>
 
 #include "utils/KXVtkModuleUtils.hpp"
+#include "visualization/QtWidgets/VXArrayHistogramWidget.hpp"
 #include "visualization/QtWidgets/VXCustomRangeDialog.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXDataSource.hpp"
@@ -10,6 +11,7 @@
 #include "visualization/VXPointsRep.hpp"
 #include "visualization/VXRepresentationCallbacks.hpp"
 #include "visualization/VXRepresentationUtils.hpp"
+#include "visualization/VXUpdateHistogramCallback.hpp"
 #include "visualization/VXUserPrompt.hpp"
 
 #include <KXComponents/ColorPresetsDialog.hpp>
@@ -239,8 +241,8 @@ bool VXPointsRepPimpl::initialize(vtkAlgorithmOutput* port)
   vtkNew<VXMemberCallback<VXRepresentationPimpl>> decimateCallback;
   decimateCallback->setTarget(this, &VXRepresentationPimpl::decimateGeometry);
   m_GeometryFilter->AddObserver(vtkCommand::EndEvent, decimateCallback);
-  vtkNew<VXMemberCallback<VXRepresentationPimpl>> histogramCallback;
-  histogramCallback->setTarget(this, &VXRepresentationPimpl::updateHistogram);
+  vtkNew<VXUpdateHistogramCallback> histogramCallback;
+  histogramCallback->setRepresentationPimpl(this);
   m_GeometryFilter->AddObserver(vtkCommand::EndEvent, histogramCallback);
 
   setupScalarBar();
@@ -412,6 +414,8 @@ void VXPointsRepPimpl::setUseSolidColor(bool checked)
   m_BlockHistogram = false;
   if (m_HistogramCheckBox != nullptr)
     m_HistogramCheckBox->setEnabled(!m_Coloring.useSolidColor);
+  if (m_HistogramWidget != nullptr)
+    m_HistogramWidget->setEnabled(!m_Coloring.useSolidColor);
   if (!m_Coloring.useSolidColor)
   {
     refillComponentCombo();
@@ -757,15 +761,22 @@ void VXPointsRepPimpl::setRenderPointsAsSpheres(bool spheres)
 // ---------------------------------------------------------------------------
 // Histogram and decimation
 
+VXArrayHistogramWidget* VXPointsRepPimpl::histogramWidget() const
+{
+  return m_HistogramWidget.data();
+}
+
 void VXPointsRepPimpl::setGenerateHistogram(bool generate)
 {
   m_Coloring.generateHistogram = generate;
   updateHistogram();
+  if (m_HistogramWidget != nullptr)
+    m_HistogramWidget->setVisible(generate);
 }
 
 void VXPointsRepPimpl::updateHistogram()
 {
-  if (m_BlockHistogram || !m_Coloring.generateHistogram)
+  if (m_HistogramWidget == nullptr || m_BlockHistogram || !m_Coloring.generateHistogram)
     return;
   vtkDataArray* array = activeDataArray();
   if (array == nullptr)
@@ -1144,6 +1155,13 @@ void VXPointsRepPimpl::buildSettingsPage()
   m_HistogramCheckBox->setEnabled(!m_Coloring.useSolidColor);
   connect(m_HistogramCheckBox, &QCheckBox::toggled, this, &VXPointsRepPimpl::setGenerateHistogram);
   histogram->addRow(m_HistogramCheckBox);
+  m_HistogramWidget = new VXArrayHistogramWidget(m_PageContent);
+  m_HistogramWidget->setEnabled(!m_Coloring.useSolidColor);
+  m_HistogramWidget->setVisible(m_Coloring.generateHistogram);
+  connect(this, &VXPointsRepPimpl::histogramDataChanged, m_HistogramWidget,
+          &VXArrayHistogramWidget::setArray);
+  histogram->addRow(m_HistogramWidget);
+  updateHistogram();
   // the histogram section goes last, after the stretch the outline level added
   if (QWidget* box = histogram->parentWidget())
   {
@@ -1167,6 +1185,8 @@ void VXPointsRepPimpl::syncControls()
   setChecked(m_SpheresCheckBox, m_RenderPointsAsSpheres);
   setChecked(m_LegendCheckBox, m_Coloring.showLegend);
   setChecked(m_HistogramCheckBox, m_Coloring.generateHistogram);
+  if (m_HistogramWidget != nullptr)
+    m_HistogramWidget->setVisible(m_Coloring.generateHistogram);
   if (m_PointSizeEdit != nullptr)
     m_PointSizeEdit->setText(QString::number(m_PointSize));
   if (m_ScalarMappingCombo != nullptr)

@@ -18,6 +18,7 @@
 #include <set>
 
 class ColorPresetsDialog;
+class VXArrayHistogramWidget;
 class VXCustomRangeDialog;
 class QComboBox;
 class vtkDataArray;
@@ -91,6 +92,8 @@ public:
   bool generateHistogram() const { return m_Coloring.generateHistogram; }
   const UniqueValueCache& uniqueValues() const { return m_UniqueValues; }
   VXCustomRangeDialog* customRangeDialog() const { return m_CustomRangeDialog.data(); }
+  /** The histogram of the settings page, null before the page is built. */
+  VXArrayHistogramWidget* histogramWidget() const;
   vtkScalarBarWidget* scalarBarWidget() const { return m_ScalarBarWidget; }
   vtkScalarBarRepresentation* scalarBarRepresentation() const { return m_ScalarBarRepresentation; }
   vtkGeometryFilter* geometryFilter() const { return m_GeometryFilter; }
@@ -193,4 +196,5 @@ protected:
   QPointer<QCheckBox> m_SpheresCheckBox;
   QPointer<QCheckBox> m_LegendCheckBox;
   QPointer<QCheckBox> m_HistogramCheckBox;
+  QPointer<VXArrayHistogramWidget> m_HistogramWidget;
 };

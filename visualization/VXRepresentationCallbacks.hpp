@@ -25,7 +25,7 @@ private:
   QPointer<T> m_Representation;
 };
 
-/** Calls a member of a data view implementation when a VTK event fires (decimation, histogram). */
+/** Calls a member of a data view implementation when a VTK event fires (decimation). */
 template<typename T>
 class VXMemberCallback : public vtkCallbackCommand
 {

@@ -93,8 +93,8 @@ int VXVolumeComponentReduceFilter::RequestData(vtkInformation*, vtkInformationVe
   }
   if (array == nullptr || array->GetNumberOfComponents() <= 1)
     return 1;
-  vtkSmartPointer<vtkDataArray> reduced =
-    ExecuteVtkDataFunctionNoBool(ReduceComponents{}, array->GetDataType(), array, this->Component);
+  vtkSmartPointer<vtkDataArray> reduced = KXVtk::utils::ExecuteVtkDataFunctionNoBool(
+    ReduceComponents{}, array->GetDataType(), array, this->Component);
   reduced->SetName(k_ReducedArrayName);
   target->AddArray(reduced);
   target->SetActiveScalars(k_ReducedArrayName);

@@ -1,6 +1,7 @@
 #include "visualization/VXVolumeRepPimpl.hpp"
 
 #include "utils/KXVtkModuleUtils.hpp"
+#include "utils/PopulateHistogram.hpp"
 #include "visualization/QtWidgets/VXCustomRangeDialog.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXDataSource.hpp"
@@ -8,6 +9,7 @@
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXRepresentationCallbacks.hpp"
 #include "visualization/VXRepresentationUtils.hpp"
+#include "visualization/VXUpdateHistogramCallback.hpp"
 #include "visualization/VXUserPrompt.hpp"
 #include "visualization/VXVolumeComponentReduceFilter.hpp"
 #include "visualization/VXVolumeRep.hpp"
@@ -41,6 +43,7 @@
 #include <vtkProperty.h>
 #include <vtkRenderer.h>
 #include <vtkScalarBarActor.h>
+#include <vtkTable.h>
 #include <vtkScalarBarRepresentation.h>
 #include <vtkScalarBarWidget.h>
 #include <vtkTextProperty.h>
@@ -123,8 +126,8 @@ VXVolumeRepPimpl::VXVolumeRepPimpl(VXAbstractViewWidget* view, VXRepresentation*
     infoCallback->setRepresentation(volumeRep);
     m_ReduceFilter->AddObserver(vtkCommand::EndEvent, infoCallback);
   }
-  vtkNew<VXMemberCallback<VXRepresentationPimpl>> histogramCallback;
-  histogramCallback->setTarget(this, &VXRepresentationPimpl::updateHistogram);
+  vtkNew<VXUpdateHistogramCallback> histogramCallback;
+  histogramCallback->setRepresentationPimpl(this);
   m_ReduceFilter->AddObserver(vtkCommand::EndEvent, histogramCallback);
   if (owner != nullptr)
     loadDefaultSettings();
@@ -584,7 +587,24 @@ void VXVolumeRepPimpl::setColorMapInverted(bool inverted)
   requestRender();
 }
 
-void VXVolumeRepPimpl::updateHistogram() {}
+void VXVolumeRepPimpl::updateHistogram()
+{
+  // the mapper's input holds the array that is drawn (reduced or not)
+  vtkImageData* image = inputImage();
+  const QString drawn = m_VolumeMapper->GetArrayName() != nullptr
+                          ? QString::fromUtf8(m_VolumeMapper->GetArrayName())
+                          : QString();
+  vtkDataArray* array = findArray(image, drawn, nullptr);
+  if (array == nullptr)
+    return;
+  // counting is a full pass over the volume: only when the array changed
+  if (drawn == m_HistogramArray && array->GetMTime() == m_HistogramArrayMTime)
+    return;
+  fliozi::PopulateHistogram(image, drawn.toStdString(), "image_pops", m_HistogramTable);
+  m_HistogramArray = drawn;
+  m_HistogramArrayMTime = array->GetMTime();
+  Q_EMIT histogramChanged(m_HistogramTable);
+}
 
 // ---------------------------------------------------------------------------
 // Parent colours are refused

@@ -12,7 +12,9 @@
 #include <vtkPiecewiseFunction.h>
 #include <vtkScalarBarWidget.h>
 #include <vtkSmartPointer.h>
+#include <vtkNew.h>
 #include <vtkSmartVolumeMapper.h>
+#include <vtkTable.h>
 #include <vtkVolume.h>
 #include <vtkVolumeProperty.h>
 
@@ -105,6 +107,8 @@ public:
   CustomRange customRange(const QString& arrayName) const;
   VXCustomRangeDialog* customRangeDialog() const { return m_CustomRangeDialog.data(); }
   vtkScalarBarWidget* scalarBarWidget() const { return m_ScalarBarWidget; }
+  /** The drawn array's 200-bin histogram: bin centres and "image_pops" counts. */
+  vtkTable* histogramTable() const { return m_HistogramTable; }
   /** The data the mapper draws from: the input, or the reduce filter's output. */
   vtkImageData* inputImage() const;
   /** A control of the settings page by object name (for hosts and tests). */
@@ -141,6 +145,8 @@ public Q_SLOTS:
 Q_SIGNALS:
   /** The colour or opacity function of the active array changed (editors redraw). */
   void transferFunctionsChanged();
+  /** The histogram of the drawn array was computed again. */
+  void histogramChanged(vtkTable* table);
 
 private:
   VXDataSource* parentDataSource() const;
@@ -183,6 +189,7 @@ private:
   /** The modification time of the array the histogram was last computed for. */
   vtkMTimeType m_HistogramArrayMTime = 0;
   QString m_HistogramArray;
+  vtkNew<vtkTable> m_HistogramTable;
 
   QSharedPointer<ColorPresetsDialog> m_ColorPresetsDialog;
   QSharedPointer<VXCustomRangeDialog> m_CustomRangeDialog;

@@ -13,6 +13,7 @@
 #include <visualization/VXUserPrompt.hpp>
 
 #include <vtkCamera.h>
+#include <vtkImageData.h>
 #include <vtkRenderer.h>
 
 #include <QtCore/QCoreApplication>
@@ -225,6 +226,13 @@ bool ViewerApplication::applyRequestedDataView()
           else
             others << representation;
         }
+      }
+      // a volume is ray cast through an image: other data sets have no voxels to sample
+      if (type == VXRepresentation::Volume && !vtkImageData::SafeDownCast(source->getOutput()))
+      {
+        std::fprintf(stderr, "kxvtk-viewer: cannot show '%s' as %s: it is not image data\n",
+                     qPrintable(source->name()), qPrintable(typeName));
+        return false;
       }
       if (!present && type != VXRepresentation::None && !pipeline->addRepresentation(source, type))
       {

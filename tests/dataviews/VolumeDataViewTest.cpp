@@ -14,6 +14,7 @@
 #include <vtkIdTypeArray.h>
 #include <vtkIntArray.h>
 #include <vtkPointData.h>
+#include <vtkTable.h>
 
 namespace
 {
@@ -71,6 +72,18 @@ TEST(VolumeDataView, ReducesComponentsAndKeepsFunctionsPerArray)
   EXPECT_DOUBLE_EQ(range[0], 0.0);
   EXPECT_DOUBLE_EQ(range[1], 777.0);
   density->AddPoint(400.0, 0.8);
+
+  // the drawn array's histogram: 200 bins, every value but the top one counted, computed once
+  auto* counts = vtkIntArray::SafeDownCast(volume->histogramTable()->GetColumnByName("image_pops"));
+  ASSERT_NE(counts, nullptr);
+  EXPECT_EQ(counts->GetNumberOfTuples(), 200);
+  int total = 0;
+  for (vtkIdType i = 0; i < counts->GetNumberOfTuples(); ++i)
+    total += counts->GetValue(i);
+  EXPECT_EQ(total, 511);
+  QSignalSpy recomputed(volume, &VXVolumeRepPimpl::histogramChanged);
+  volume->updateHistogram();
+  EXPECT_EQ(recomputed.size(), 0);
 
   // a component has its own range; component 7 of three is the last one, in the array's own type
   volume->setActiveArray("Vec");

@@ -8,6 +8,10 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QTreeView>
 
+#include <vtkAlgorithm.h>
+#include <vtkAlgorithmOutput.h>
+#include <vtkImageData.h>
+
 using namespace moduletest;
 
 namespace
@@ -66,7 +70,21 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
   std::unique_ptr<QMenu> sourceMenu(info()->createContextMenu(sourceIndex(0)));
   QMenu* views = submenu(sourceMenu.get(), "Add Data View");
   ASSERT_NE(views, nullptr);
-  EXPECT_EQ(texts(views), (QStringList{ "Outline", "Points", "Wireframe", "Surface" }));
+  EXPECT_EQ(texts(views), (QStringList{ "Outline", "Points", "Wireframe", "Surface", "Volume" }));
+  // the volume is offered for images only
+  int images = 0;
+  int others = 0;
+  for (int row = 0; row < model()->rowCount(bridgeIndex()); ++row)
+  {
+    vtkAlgorithmOutput* port = model()->getCoreObject(sourceIndex(row))->outputPort();
+    const bool image =
+      vtkImageData::SafeDownCast(port->GetProducer()->GetOutputDataObject(port->GetIndex()));
+    std::unique_ptr<QMenu> menu(info()->createContextMenu(sourceIndex(row)));
+    EXPECT_EQ(action(submenu(menu.get(), "Add Data View"), "Volume")->isEnabled(), image);
+    ++(image ? images : others);
+  }
+  EXPECT_GT(images, 0);
+  EXPECT_GT(others, 0);
   QMenu* filters = submenu(sourceMenu.get(), "Add Visual Filter");
   ASSERT_NE(filters, nullptr);
   EXPECT_EQ(texts(filters), (QStringList{ "Clip", "Slice", "Threshold" }));

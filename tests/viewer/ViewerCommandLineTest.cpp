@@ -228,12 +228,20 @@ TEST_F(ViewerCommandLine, ChosenDataViewIsDrawnOnEveryKindOfDataSet)
     EXPECT_GT(colouredShare(picture), 0.03);
   }
 
+  // an image as a volume, coloured by its array
+  const QString volumeShot = qpath(m_Dir / "volume.png");
+  ViewerRun run = runViewer({ "--screenshot", volumeShot, "--size", "320x240", "--representation",
+                              "Volume", "--color-by", "probability_density",
+                              QStringLiteral(KXVTK_DATA_DIR "/hydrogen.vti") },
+                            m_Dir);
+  ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
+  EXPECT_GT(colouredShare(QImage(volumeShot)), 0.03);
+
   // requests that cannot be honoured fail with the reason, and write nothing
   const QString never = qpath(m_Dir / "never.png");
-  ViewerRun run =
-    runViewer({ "--screenshot", never, "--representation", "Volume", files[0] }, m_Dir);
+  run = runViewer({ "--screenshot", never, "--representation", "Volume", files[0] }, m_Dir);
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_TRUE(run.output.contains("cannot show 'bent' as Volume: this data view is not available"))
+  EXPECT_TRUE(run.output.contains("cannot show 'bent' as Volume: it is not image data"))
     << run.output.toStdString();
   run = runViewer(
     { "--screenshot", never, "--representation", "Outline", "--color-by", "Height", files[1] },

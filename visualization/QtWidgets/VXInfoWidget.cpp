@@ -23,6 +23,10 @@
 #include <QtWidgets/QTreeView>
 #include <QtWidgets/QVBoxLayout>
 
+#include <vtkAlgorithm.h>
+#include <vtkAlgorithmOutput.h>
+#include <vtkImageData.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -687,6 +691,12 @@ QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
     if (m_Model->canAddRepresentation(index))
     {
       QMenu* views = menu->addMenu("Add Data View");
+      // a volume is ray cast through voxels: only image data has them
+      VXCoreObject* item = m_Model->getCoreObject(index);
+      vtkAlgorithmOutput* port = item != nullptr ? item->outputPort() : nullptr;
+      const bool isImage = port != nullptr && port->GetProducer() != nullptr &&
+                           vtkImageData::SafeDownCast(
+                             port->GetProducer()->GetOutputDataObject(port->GetIndex())) != nullptr;
       for (auto iter = VXRepresentation::k_RepresentationTypeToString.cbegin();
            iter != VXRepresentation::k_RepresentationTypeToString.cend(); ++iter)
       {
@@ -694,6 +704,7 @@ QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
         if (type == VXRepresentation::None || !VXRepresentation::IsRegistered(type))
           continue;
         QAction* action = views->addAction(iter.value());
+        action->setEnabled(type != VXRepresentation::Volume || isImage);
         connect(action, &QAction::triggered, this,
                 [this, index, type]
                 {
