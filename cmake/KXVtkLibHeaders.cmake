@@ -45,6 +45,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXFrameRateCallback.hpp
   visualization/QtWidgets/VXGLWidget.hpp
   visualization/QtWidgets/VXGridAxesWidget.hpp
+  visualization/QtWidgets/VXHistogramOpacityWidget.hpp
   visualization/QtWidgets/VXInfoWidget.hpp
   visualization/QtWidgets/VXInteractorStyleCamera.hpp
   visualization/QtWidgets/VXPickerCallback.hpp

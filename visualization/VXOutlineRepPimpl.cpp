@@ -36,7 +36,6 @@
 #include <vtkProperty.h>
 #include <vtkQuadricClustering.h>
 #include <vtkRenderer.h>
-#include <vtkTransform.h>
 
 #include <algorithm>
 
@@ -180,53 +179,18 @@ void VXOutlineRepPimpl::applyActorProperties()
 
 void VXOutlineRepPimpl::setVisibility(bool visible)
 {
-  m_Visible = visible;
-  if (VXVisualizationWidget* widget = visualizationWidget(); widget != nullptr && m_Initialized)
-  {
-    vtkRenderer* ren = widget->getRenderer();
-    if (visible && !ren->HasViewProp(m_Actor))
-      widget->addActor(m_Actor);
-    else if (!visible && ren->HasViewProp(m_Actor))
-      widget->removeActor(m_Actor);
-    if (!visible && m_HighlightActor != nullptr)
-      ren->RemoveViewProp(m_HighlightActor);
-  }
-  if (m_GridAxes != nullptr)
-    setupGridAxes();
-  if (m_VisibilityButton != nullptr)
-  {
-    const QSignalBlocker blocker(m_VisibilityButton);
-    m_VisibilityButton->setChecked(visible);
-  }
-  requestRender();
+  setPropVisibility(m_Actor, m_HighlightActor, visible, m_Initialized);
 }
 
 void VXOutlineRepPimpl::setHighlighted(bool highlighted)
 {
   m_Highlighted = highlighted;
-  vtkRenderer* ren = renderer();
-  if (!m_Visible || ren == nullptr || m_HighlightActor == nullptr)
-    return;
-  ren->RemoveViewProp(m_HighlightActor);
-  if (highlighted)
-    ren->AddViewProp(m_HighlightActor);
-  requestRender();
+  setPropHighlighted(m_HighlightActor, highlighted);
 }
 
 void VXOutlineRepPimpl::applyTransform()
 {
-  vtkNew<vtkTransform> transform;
-  transform->PostMultiply();
-  transform->Scale(m_Scale.data());
-  transform->RotateX(m_Rotation[0]);
-  transform->RotateY(m_Rotation[1]);
-  transform->RotateZ(m_Rotation[2]);
-  transform->Translate(m_Translation.data());
-  m_Actor->SetUserTransform(transform);
-  if (m_HighlightActor != nullptr)
-    m_HighlightActor->SetUserTransform(transform);
-  updateGridAxesBounds();
-  requestRender();
+  applyTransformTo({ m_Actor, m_HighlightActor });
 }
 
 // ---------------------------------------------------------------------------

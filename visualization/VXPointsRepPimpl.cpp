@@ -17,7 +17,6 @@
 #include <KXComponents/ColorPresetsDialog.hpp>
 #include <KXComponents/KXColorButton.hpp>
 #include <KXComponents/KXPreferences.hpp>
-#include <KXComponents/KXStyle.hpp>
 #include <KXComponents/QtKXSettings.hpp>
 
 #include <QtCore/QUrl>
@@ -1086,33 +1085,23 @@ void VXPointsRepPimpl::buildSettingsPage()
   auto* buttons = new QWidget(m_PageContent);
   auto* buttonLayout = new QHBoxLayout(buttons);
   buttonLayout->setContentsMargins(0, 0, 0, 0);
-  m_ColorPresetButton =
-    new QPushButton(KXStyle::generateThemeIconFromName("preset"), "Edit", buttons);
-  m_ColorPresetButton->setObjectName("m_ColorPresetButton");
+  m_ColorPresetButton = addPageButton(buttonLayout, "preset", "Edit", "m_ColorPresetButton");
   connect(m_ColorPresetButton, &QPushButton::clicked, this,
           [this]() { m_ColorPresetsDialog->show(); });
-  m_InvertColorBtn =
-    new QPushButton(KXStyle::generateThemeIconFromName("invert"), QString(), buttons);
-  m_InvertColorBtn->setObjectName("m_InvertColorBtn");
+  m_InvertColorBtn = addPageButton(buttonLayout, "invert", QString(), "m_InvertColorBtn");
   connect(m_InvertColorBtn, &QPushButton::clicked, this,
           [this]() { setColorMapInverted(!m_Coloring.colorMapInverted); });
-  m_EditColorMapButton = new QPushButton("Edit Color Map", buttons);
-  m_EditColorMapButton->setObjectName("m_EditColorMapButton");
+  m_EditColorMapButton =
+    addPageButton(buttonLayout, nullptr, "Edit Color Map", "m_EditColorMapButton");
   connect(m_EditColorMapButton, &QPushButton::clicked, this,
           &VXPointsRepPimpl::editColorsButtonClicked);
   m_ScaleToDataButton =
-    new QPushButton(KXStyle::generateThemeIconFromName("ScaleToData"), "Scale to Data", buttons);
-  m_ScaleToDataButton->setObjectName("scaleToDataBtn");
+    addPageButton(buttonLayout, "ScaleToData", "Scale to Data", "scaleToDataBtn");
   connect(m_ScaleToDataButton, &QPushButton::clicked, this, &VXPointsRepPimpl::rescaleToDataRange);
   m_CustomRangeButton =
-    new QPushButton(KXStyle::generateThemeIconFromName("CustomRange"), "Custom Range", buttons);
-  m_CustomRangeButton->setObjectName("customRangeBtn");
+    addPageButton(buttonLayout, "CustomRange", "Custom Range", "customRangeBtn");
   connect(m_CustomRangeButton, &QPushButton::clicked, this,
           &VXPointsRepPimpl::openCustomRangeDialog);
-  for (QPushButton* button :
-       { m_ColorPresetButton.data(), m_InvertColorBtn.data(), m_EditColorMapButton.data(),
-         m_ScaleToDataButton.data(), m_CustomRangeButton.data() })
-    buttonLayout->addWidget(button);
   coloring->addRow(buttons);
   m_ColorPresetButton->setEnabled(m_DetachColorSettings);
   m_InvertColorBtn->setEnabled(m_DetachColorSettings);

@@ -8,6 +8,7 @@
 
 #include <KXComponents/KXIconPushButton.hpp>
 #include <KXComponents/KXPreferences.hpp>
+#include <KXComponents/KXStyle.hpp>
 #include <KXComponents/QElidedLabel.hpp>
 #include <KXComponents/QtKXSettings.hpp>
 
@@ -18,17 +19,20 @@
 #include <QtGui/QGuiApplication>
 #include <QtWidgets/QFrame>
 #include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
 
 #include <vtkCallbackCommand.h>
 #include <vtkCommand.h>
 #include <vtkGridAxesActor3D.h>
+#include <vtkProp3D.h>
 #include <vtkProperty.h>
 #include <vtkRenderWindow.h>
 #include <vtkRenderWindowInteractor.h>
 #include <vtkRendererCollection.h>
 #include <vtkRenderer.h>
 #include <vtkTextProperty.h>
+#include <vtkTransform.h>
 
 #include <algorithm>
 #include <cmath>
@@ -712,4 +716,69 @@ void VXRepresentationPimpl::setUseDecimationOnInteraction(bool use)
   m_UseDecimationOnInteraction = use;
   if (use)
     decimateGeometry();
+}
+
+void VXRepresentationPimpl::setPropVisibility(vtkProp* prop, vtkProp* highlight, bool visible,
+                                              bool initialized)
+{
+  m_Visible = visible;
+  if (VXVisualizationWidget* widget = visualizationWidget(); widget != nullptr && initialized)
+  {
+    vtkRenderer* ren = widget->getRenderer();
+    if (visible && !ren->HasViewProp(prop))
+      widget->addActor(prop);
+    else if (!visible && ren->HasViewProp(prop))
+      widget->removeActor(prop);
+    if (!visible && highlight != nullptr)
+      ren->RemoveViewProp(highlight);
+  }
+  if (m_GridAxes != nullptr)
+    setupGridAxes();
+  if (m_VisibilityButton != nullptr)
+  {
+    const QSignalBlocker blocker(m_VisibilityButton);
+    m_VisibilityButton->setChecked(visible);
+  }
+  requestRender();
+}
+
+void VXRepresentationPimpl::setPropHighlighted(vtkProp* highlight, bool highlighted)
+{
+  vtkRenderer* ren = renderer();
+  if (!m_Visible || ren == nullptr || highlight == nullptr)
+    return;
+  ren->RemoveViewProp(highlight);
+  if (highlighted)
+    ren->AddViewProp(highlight);
+  requestRender();
+}
+
+void VXRepresentationPimpl::applyTransformTo(std::initializer_list<vtkProp3D*> props)
+{
+  vtkNew<vtkTransform> transform;
+  transform->PostMultiply();
+  transform->Scale(m_Scale.data());
+  transform->RotateX(m_Rotation[0]);
+  transform->RotateY(m_Rotation[1]);
+  transform->RotateZ(m_Rotation[2]);
+  transform->Translate(m_Translation.data());
+  for (vtkProp3D* prop : props)
+  {
+    if (prop != nullptr)
+      prop->SetUserTransform(transform);
+  }
+  updateGridAxesBounds();
+  requestRender();
+}
+
+QPushButton* VXRepresentationPimpl::addPageButton(QBoxLayout* row, const char* icon,
+                                                  const QString& text, const QString& objectName)
+{
+  auto* button = new QPushButton(row->parentWidget());
+  if (icon != nullptr)
+    button->setIcon(KXStyle::generateThemeIconFromName(icon));
+  button->setText(text);
+  button->setObjectName(objectName);
+  row->addWidget(button);
+  return button;
 }

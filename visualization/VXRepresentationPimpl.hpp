@@ -16,9 +16,12 @@
 #include <vtkWeakPointer.h>
 
 #include <array>
+#include <initializer_list>
 #include <vector>
 
 class KXIconPushButton;
+class QBoxLayout;
+class QPushButton;
 class QCheckBox;
 class QElidedLabel;
 class QFrame;
@@ -32,6 +35,8 @@ class vtkAlgorithmOutput;
 class vtkCallbackCommand;
 class vtkGridAxesActor3D;
 class vtkObject;
+class vtkProp;
+class vtkProp3D;
 class vtkRenderer;
 class vtkRenderWindowInteractor;
 
@@ -162,6 +167,16 @@ Q_SIGNALS:
 protected:
   /** Asks the view for one frame. */
   void requestRender();
+  /** Puts @p prop into the view or takes it out (with @p highlight), keeps the page's eye button in
+   * step and asks for a frame; the scene is left alone until @p initialized. */
+  void setPropVisibility(vtkProp* prop, vtkProp* highlight, bool visible, bool initialized);
+  /** Shows @p highlight in the view while the data view is selected and visible. */
+  void setPropHighlighted(vtkProp* highlight, bool highlighted);
+  /** The page's scale, rotations (x, y, z) and translation, in that order, onto @p props. */
+  void applyTransformTo(std::initializer_list<vtkProp3D*> props);
+  /** A button of the settings page with a theme icon (null: none), added to @p row. */
+  static QPushButton* addPageButton(QBoxLayout* row, const char* icon, const QString& text,
+                                    const QString& objectName);
   /** Creates the grid actor if missing and puts it in the renderer when both flags are on. */
   void setupGridAxes();
   /** The title row of the page: eye, help, save-defaults and grid buttons beside the name. */

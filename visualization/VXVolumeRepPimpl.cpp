@@ -3,6 +3,7 @@
 #include "utils/KXVtkModuleUtils.hpp"
 #include "utils/PopulateHistogram.hpp"
 #include "visualization/QtWidgets/VXCustomRangeDialog.hpp"
+#include "visualization/QtWidgets/VXHistogramOpacityWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXLookupTable.hpp"
@@ -17,7 +18,6 @@
 #include <KXComponents/ColorPresetsDialog.hpp>
 #include <KXComponents/KXIconPushButton.hpp>
 #include <KXComponents/KXPreferences.hpp>
-#include <KXComponents/KXStyle.hpp>
 #include <KXComponents/QtKXSettings.hpp>
 
 #include <QtCore/QDebug>
@@ -47,7 +47,6 @@
 #include <vtkScalarBarRepresentation.h>
 #include <vtkScalarBarWidget.h>
 #include <vtkTextProperty.h>
-#include <vtkTransform.h>
 
 #include <algorithm>
 #include <vector>
@@ -158,6 +157,11 @@ vtkAlgorithmOutput* VXVolumeRepPimpl::outputPort()
 vtkImageData* VXVolumeRepPimpl::inputImage() const
 {
   return vtkImageData::SafeDownCast(m_VolumeMapper->GetInput());
+}
+
+VXHistogramOpacityWidget* VXVolumeRepPimpl::opacityEditor() const
+{
+  return m_OpacityEditor;
 }
 
 VXDataSource* VXVolumeRepPimpl::parentDataSource() const
@@ -640,54 +644,19 @@ void VXVolumeRepPimpl::bounds(double bounds[6])
 
 void VXVolumeRepPimpl::setVisibility(bool visible)
 {
-  m_Visible = visible;
-  if (VXVisualizationWidget* widget = visualizationWidget(); widget != nullptr && m_Initialized)
-  {
-    vtkRenderer* ren = widget->getRenderer();
-    if (visible && !ren->HasViewProp(m_Volume))
-      widget->addActor(m_Volume);
-    else if (!visible && ren->HasViewProp(m_Volume))
-      widget->removeActor(m_Volume);
-    if (!visible && m_HighlightActor != nullptr)
-      ren->RemoveViewProp(m_HighlightActor);
-  }
-  if (m_GridAxes != nullptr)
-    setupGridAxes();
+  setPropVisibility(m_Volume, m_HighlightActor, visible, m_Initialized);
   setupScalarBar();
-  if (m_VisibilityButton != nullptr)
-  {
-    const QSignalBlocker blocker(m_VisibilityButton);
-    m_VisibilityButton->setChecked(visible);
-  }
-  requestRender();
 }
 
 void VXVolumeRepPimpl::setHighlighted(bool highlighted)
 {
   m_Highlighted = highlighted;
-  vtkRenderer* ren = renderer();
-  if (!m_Visible || ren == nullptr || m_HighlightActor == nullptr)
-    return;
-  ren->RemoveViewProp(m_HighlightActor);
-  if (highlighted)
-    ren->AddViewProp(m_HighlightActor);
-  requestRender();
+  setPropHighlighted(m_HighlightActor, highlighted);
 }
 
 void VXVolumeRepPimpl::applyTransform()
 {
-  vtkNew<vtkTransform> transform;
-  transform->PostMultiply();
-  transform->Scale(m_Scale.data());
-  transform->RotateX(m_Rotation[0]);
-  transform->RotateY(m_Rotation[1]);
-  transform->RotateZ(m_Rotation[2]);
-  transform->Translate(m_Translation.data());
-  m_Volume->SetUserTransform(transform);
-  if (m_HighlightActor != nullptr)
-    m_HighlightActor->SetUserTransform(transform);
-  updateGridAxesBounds();
-  requestRender();
+  applyTransformTo({ m_Volume, m_HighlightActor });
 }
 
 void VXVolumeRepPimpl::setupScalarBar()
@@ -990,33 +959,40 @@ void VXVolumeRepPimpl::buildSettingsPage()
   auto* buttons = new QWidget(m_PageContent);
   auto* buttonLayout = new QHBoxLayout(buttons);
   buttonLayout->setContentsMargins(0, 0, 0, 0);
-  m_ResetButton = new QPushButton(KXStyle::generateThemeIconFromName("Undo"), "Reset", buttons);
-  m_ResetButton->setObjectName("resetButton");
+  m_ResetButton = addPageButton(buttonLayout, "Undo", "Reset", "resetButton");
   connect(m_ResetButton, &QPushButton::clicked, this, &VXVolumeRepPimpl::resetColorAndOpacity);
-  m_ColorPresetButton =
-    new QPushButton(KXStyle::generateThemeIconFromName("preset"), "Edit", buttons);
-  m_ColorPresetButton->setObjectName("m_ColorPresetButton");
+  m_ColorPresetButton = addPageButton(buttonLayout, "preset", "Edit", "m_ColorPresetButton");
   connect(m_ColorPresetButton, &QPushButton::clicked, this,
           [this]() { m_ColorPresetsDialog->show(); });
-  m_InvertColorBtn =
-    new QPushButton(KXStyle::generateThemeIconFromName("invert"), QString(), buttons);
-  m_InvertColorBtn->setObjectName("m_InvertColorBtn");
+  m_InvertColorBtn = addPageButton(buttonLayout, "invert", QString(), "m_InvertColorBtn");
   connect(m_InvertColorBtn, &QPushButton::clicked, this,
           [this]() { setColorMapInverted(!m_ColorMapInverted); });
   m_ScaleToDataButton =
-    new QPushButton(KXStyle::generateThemeIconFromName("ScaleToData"), "Scale to Data", buttons);
-  m_ScaleToDataButton->setObjectName("scaleToDataBtn");
+    addPageButton(buttonLayout, "ScaleToData", "Scale to Data", "scaleToDataBtn");
   connect(m_ScaleToDataButton, &QPushButton::clicked, this, &VXVolumeRepPimpl::rescaleToDataRange);
   m_CustomRangeButton =
-    new QPushButton(KXStyle::generateThemeIconFromName("CustomRange"), "Custom Range", buttons);
-  m_CustomRangeButton->setObjectName("customRangeBtn");
+    addPageButton(buttonLayout, "CustomRange", "Custom Range", "customRangeBtn");
   connect(m_CustomRangeButton, &QPushButton::clicked, this,
           &VXVolumeRepPimpl::openCustomRangeDialog);
-  for (QPushButton* button :
-       { m_ResetButton.data(), m_ColorPresetButton.data(), m_InvertColorBtn.data(),
-         m_ScaleToDataButton.data(), m_CustomRangeButton.data() })
-    buttonLayout->addWidget(button);
   coloring->addRow(buttons);
+  m_OpacityEditor = new VXHistogramOpacityWidget(m_PageContent);
+  m_OpacityEditor->setHistogram(m_HistogramTable, "image_pops");
+  if (VXLookupTable* table = lookupTable(m_ActiveArray))
+    m_OpacityEditor->setFunctions(opacityFunction(m_ActiveArray),
+                                  table->getColorTransferFunction());
+  connect(this, &VXVolumeRepPimpl::histogramChanged, m_OpacityEditor,
+          [this](vtkTable* histogram) { m_OpacityEditor->setHistogram(histogram, "image_pops"); });
+  connect(this, &VXVolumeRepPimpl::transferFunctionsChanged, m_OpacityEditor,
+          [this]()
+          {
+            VXLookupTable* table = lookupTable(m_ActiveArray);
+            m_OpacityEditor->setFunctions(opacityFunction(m_ActiveArray),
+                                          table != nullptr ? table->getColorTransferFunction()
+                                                           : nullptr);
+          });
+  connect(m_OpacityEditor, &VXHistogramOpacityWidget::opacityFunctionEdited, this,
+          &VXVolumeRepPimpl::requestRender);
+  coloring->addRow(m_OpacityEditor);
 
   QFormLayout* annotations = section("Annotations");
   m_LegendCheckBox = new QCheckBox("Show Legend", m_PageContent);

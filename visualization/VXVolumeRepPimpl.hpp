@@ -28,6 +28,7 @@ class QPushButton;
 class QCheckBox;
 class QVBoxLayout;
 class VXCustomRangeDialog;
+class VXHistogramOpacityWidget;
 class VXLookupTable;
 class VXDataSource;
 class vtkDataArray;
@@ -111,6 +112,8 @@ public:
   vtkTable* histogramTable() const { return m_HistogramTable; }
   /** The data the mapper draws from: the input, or the reduce filter's output. */
   vtkImageData* inputImage() const;
+  /** The histogram with the opacity function over it, on the settings page; null before it. */
+  VXHistogramOpacityWidget* opacityEditor() const;
   /** A control of the settings page by object name (for hosts and tests). */
   template<typename W>
   W* control(const QString& name) const
@@ -206,4 +209,5 @@ private:
   QPointer<QPushButton> m_CustomRangeButton;
   QPointer<QCheckBox> m_LegendCheckBox;
   QPointer<QCheckBox> m_DataGridCheckBox;
+  QPointer<VXHistogramOpacityWidget> m_OpacityEditor;
 };

@@ -2,6 +2,8 @@
 // limit, the refused parent colours, and pictures of real volumes.
 #include "DataViewTestSupport.hpp"
 
+#include <visualization/QtWidgets/VXGLWidget.hpp>
+#include <visualization/QtWidgets/VXHistogramOpacityWidget.hpp>
 #include <visualization/VXVolumeComponentReduceFilter.hpp>
 #include <visualization/VXVolumeRep.hpp>
 #include <visualization/VXVolumeRepPimpl.hpp>
@@ -13,7 +15,13 @@
 #include <vtkFloatArray.h>
 #include <vtkIdTypeArray.h>
 #include <vtkIntArray.h>
+#include <vtkAxis.h>
+#include <vtkChartXY.h>
+#include <vtkContextView.h>
+#include <vtkPiecewiseControlPointsItem.h>
+#include <vtkPlotBar.h>
 #include <vtkPointData.h>
+#include <vtkVector.h>
 #include <vtkTable.h>
 
 namespace
@@ -249,4 +257,53 @@ TEST(VolumeDataView, HydrogenAsAVolume)
   volume->setScalarBarVisibility(true);
   scene.renderer()->ResetCamera();
   dataviewtest::CompareWithBaseline(scene, "volume_hydrogen");
+}
+
+TEST(VolumeDataView, OpacityEditorShowsTheHistogramAndAClickAddsAPoint)
+{
+  ScopedSettings settings;
+  Scene scene;
+  auto* volume =
+    scene.add<VXVolumeRepPimpl>(scene.source(TwoArrayImage()), VXRepresentation::Volume);
+  ASSERT_NE(volume, nullptr);
+  QWidget* page = volume->settingsWidget();
+  page->resize(420, 700);
+  page->show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(page));
+  VXHistogramOpacityWidget* editor = volume->opacityEditor();
+  ASSERT_NE(editor, nullptr);
+  // the bars are the drawn array's histogram; the points are its opacity function
+  vtkTable* bars = editor->histogramPlot()->GetInput();
+  ASSERT_EQ(bars->GetNumberOfRows(), 200);
+  double total = 0.0;
+  for (vtkIdType i = 0; i < 200; ++i)
+    total += bars->GetValue(i, 1).ToDouble();
+  EXPECT_EQ(total, 511.0);
+  ASSERT_NE(editor->controlPoints(), nullptr);
+  EXPECT_EQ(editor->controlPoints()->GetPiecewiseFunction(), volume->opacityFunction("Density"));
+  editor->contextView()->Render();
+
+  // a click at value 600, opacity 0.3 (below the ramp) adds that point to the volume's function
+  auto toScene = [](vtkAxis* axis, double value)
+  {
+    const float* p1 = axis->GetPoint1();
+    const float* p2 = axis->GetPoint2();
+    const double t = (value - axis->GetMinimum()) / (axis->GetMaximum() - axis->GetMinimum());
+    return vtkVector2d(p1[0] + t * (p2[0] - p1[0]), p1[1] + t * (p2[1] - p1[1]));
+  };
+  const double sceneX = toScene(editor->chart()->GetAxis(vtkAxis::BOTTOM), 600.0).GetX();
+  const double sceneY = toScene(editor->chart()->GetAxis(vtkAxis::RIGHT), 0.3).GetY();
+  VXGLWidget* chart = editor->chartWidget();
+  const double ratio = chart->devicePixelRatioF();
+  const QPoint at(qRound(sceneX / ratio), chart->height() - qRound(sceneY / ratio));
+  QSignalSpy edited(editor, &VXHistogramOpacityWidget::opacityFunctionEdited);
+  QTest::mouseClick(chart, Qt::LeftButton, Qt::NoModifier, at);
+  vtkPiecewiseFunction* opacity = volume->opacityFunction("Density");
+  ASSERT_EQ(opacity->GetSize(), 3);
+  double node[4];
+  opacity->GetNodeValue(1, node);
+  EXPECT_NEAR(node[0], 600.0, 10.0);
+  EXPECT_NEAR(node[1], 0.3, 0.03);
+  EXPECT_GE(edited.size(), 1);
+  EXPECT_EQ(volume->volumeProperty()->GetScalarOpacity(0), opacity);
 }
