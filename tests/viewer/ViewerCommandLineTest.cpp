@@ -335,9 +335,9 @@ TEST(ViewerWindow, OpensMeshesAndSmallGridsAsSurfacesAndLargeGridsAsOutlines)
 
 TEST(ViewerWindow, EveryIconTheLibraryAsksForIsDrawnAndTheToolStripShowsIcons)
 {
-  // the names in the library's sources: theme icons and icon buttons
+  // the names in the library's sources: theme icons, icon buttons and settings page buttons
   const QRegularExpression asked(
-    R"re((?:generateThemeIconFromName\(\s*(?:QStringLiteral\()?|KXIconPushButton\()\s*"([^"]+)")re");
+    R"re((?:generateThemeIconFromName\(\s*(?:QStringLiteral\()?|KXIconPushButton\(|addPageButton\(\s*\w+,)\s*"([^"]+)")re");
   QStringList names;
   QDirIterator files(QStringLiteral(KXVTK_SOURCE_DIR "/visualization"), { "*.cpp", "*.hpp" },
                      QDir::Files, QDirIterator::Subdirectories);
