@@ -40,6 +40,8 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXWireframeRepPimpl.hpp
   visualization/QtWidgets/VXAbstractViewWidget.hpp
   visualization/QtWidgets/VXArrayHistogramWidget.hpp
+  visualization/QtWidgets/VXChartWidget.hpp
+  visualization/QtWidgets/VXColorMapEditorWidget.hpp
   visualization/QtWidgets/VXCustomRangeDialog.hpp
   visualization/QtWidgets/VXDatasetInfoWidget.hpp
   visualization/QtWidgets/VXFrameRateCallback.hpp
@@ -48,6 +50,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXHistogramOpacityWidget.hpp
   visualization/QtWidgets/VXInfoWidget.hpp
   visualization/QtWidgets/VXInteractorStyleCamera.hpp
+  visualization/QtWidgets/VXLUTEditor.hpp
   visualization/QtWidgets/VXPickerCallback.hpp
   visualization/QtWidgets/VXScreenshotOptionsDialog.hpp
   visualization/QtWidgets/VXViewActionsController.hpp

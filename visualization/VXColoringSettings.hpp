@@ -49,9 +49,12 @@ struct KXVTKLIB_EXPORT VXColoringSettings
   bool valuesAsCategories = false;
   bool generateHistogram = false;
   Triple nanColor = { 0.5, 0.75, 1.0 };
+  /** Where a legend first stands: at the right edge, below the view cube. */
+  static constexpr Pair k_DefaultLegendPosition = { 0.9, 0.175 };
+  static constexpr Pair k_DefaultLegendPosition2 = { 0.1, 0.5 };
   /** The legend's two corners in normalized display coordinates. */
-  Pair legendPosition = { 0.9, 0.175 };
-  Pair legendPosition2 = { 0.1, 0.5 };
+  Pair legendPosition = k_DefaultLegendPosition;
+  Pair legendPosition2 = k_DefaultLegendPosition2;
   /** The legend positions are written only once a legend exists. */
   bool legendPlaced = false;
 

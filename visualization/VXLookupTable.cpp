@@ -907,6 +907,92 @@ void VXLookupTable::refresh()
   m_ColorTransferFunction->Build();
 }
 
+std::vector<VXLookupTable::IndexedColor> VXLookupTable::indexedColors() const
+{
+  std::vector<IndexedColor> entries;
+  if (m_ColorTransferFunction->GetIndexedLookup() == 0)
+    return entries;
+  const auto points = nodes();
+  const vtkIdType count = m_ColorTransferFunction->GetNumberOfAnnotatedValues();
+  for (vtkIdType i = 0; i < count; ++i)
+  {
+    IndexedColor entry;
+    entry.value = m_ColorTransferFunction->GetAnnotatedValue(i).ToDouble();
+    entry.label = QString::fromStdString(m_ColorTransferFunction->GetAnnotation(i));
+    // VTK colours annotated value i with node i; a value without a node takes the NaN colour
+    const auto& rgb = static_cast<size_t>(i) < points.size()
+                        ? std::array<double, 3>{ points[i][1], points[i][2], points[i][3] }
+                        : std::array<double, 3>{ m_NanColor[0], m_NanColor[1], m_NanColor[2] };
+    entry.color = QColor::fromRgbF(static_cast<float>(rgb[0]), static_cast<float>(rgb[1]),
+                                   static_cast<float>(rgb[2]));
+    entries.push_back(entry);
+  }
+  std::stable_sort(entries.begin(), entries.end(),
+                   [](const IndexedColor& a, const IndexedColor& b) { return a.value < b.value; });
+  return entries;
+}
+
+void VXLookupTable::setIndexedColors(std::vector<IndexedColor> entries)
+{
+  std::map<double, IndexedEntry> byValue;
+  for (const IndexedColor& entry : entries)
+  {
+    IndexedEntry indexed;
+    indexed.value = entry.value;
+    indexed.label = entry.label;
+    indexed.rgb[0] = entry.color.redF();
+    indexed.rgb[1] = entry.color.greenF();
+    indexed.rgb[2] = entry.color.blueF();
+    byValue[entry.value] = indexed;
+  }
+  std::vector<IndexedEntry> sorted;
+  for (const auto& [value, entry] : byValue)
+    sorted.push_back(entry);
+  m_ColorTransferFunction->RemoveAllPoints();
+  m_ColorTransferFunction->ResetAnnotations();
+  m_ColorTransferFunction->SetIndexedLookup(1);
+  AddIndexedEntries(m_ColorTransferFunction, sorted);
+  m_IndexedPresetArray.clear();
+  for (const IndexedEntry& entry : sorted)
+    m_IndexedPresetArray.append(presetRow(entry.value, entry.rgb[0], entry.rgb[1], entry.rgb[2]));
+  refresh();
+}
+
+ColorPreset VXLookupTable::toColorPreset(const QString& name) const
+{
+  ColorPreset preset;
+  preset.name = name.toStdString();
+  preset.colorSpace = "RGB";
+  preset.nanColor = { static_cast<float>(m_NanColor[0]), static_cast<float>(m_NanColor[1]),
+                      static_cast<float>(m_NanColor[2]) };
+  const auto points = nodes();
+  const size_t n = points.size();
+  // invert() reverses the colours over fixed positions: reversing them again gives the upright map
+  const auto uprightColor = [&](size_t k) -> const std::array<double, 6>&
+  { return m_IsInverted ? points[n - 1 - k] : points[k]; };
+  if (m_ColorTransferFunction->GetIndexedLookup() == 0)
+  {
+    for (size_t k = 0; k < n; ++k)
+    {
+      const auto& color = uprightColor(k);
+      for (double v : { points[k][0], color[1], color[2], color[3] })
+        preset.rgbPoints.push_back(static_cast<float>(v));
+    }
+    return preset;
+  }
+  preset.annotations = nlohmann::json::array();
+  const vtkIdType count = m_ColorTransferFunction->GetNumberOfAnnotatedValues();
+  for (vtkIdType i = 0; i < count && static_cast<size_t>(i) < n; ++i)
+  {
+    const auto& color = uprightColor(static_cast<size_t>(i));
+    for (int j = 1; j <= 3; ++j)
+      preset.indexedColors.push_back(static_cast<float>(color[j]));
+    preset.annotations.push_back(m_ColorTransferFunction->GetAnnotatedValue(i).ToDouble());
+    preset.annotations.push_back(m_ColorTransferFunction->GetAnnotation(i));
+  }
+  return preset;
+}
+
 std::vector<std::array<double, 6>> VXLookupTable::nodes() const
 {
   std::vector<std::array<double, 6>> points;

@@ -56,7 +56,14 @@ public:
     double b = 0.0;
   };
 
-  /** A message box to show: title, text, button texts in order and an optional check box. */
+  /** A categorical entry: the value, its label and its colour. */
+  struct IndexedColor
+  {
+    double value = 0.0;
+    QString label;
+    QColor color;
+  };
+
   /** Which warning checkIndexedValueCount() showed. */
   enum class IndexedValueWarning
   {
@@ -185,6 +192,21 @@ public:
   void generateDefaultIndexedColors(const std::set<double>& values);
   /** Replaces the map by the default continuous map of the preferences. */
   void createDefaultRgbColorTransferFunction();
+
+  /** The categorical entries in value order; empty for a continuous map. */
+  std::vector<IndexedColor> indexedColors() const;
+  /**
+   * Makes the map categorical with exactly @p entries (a repeated value keeps its last
+   * entry). The NaN colour and the inverted flag stay as they were.
+   */
+  void setIndexedColors(std::vector<IndexedColor> entries);
+  /**
+   * The map as a preset named @p name, with colours as they are before inversion: a view that
+   * keeps a preset and an inverted flag restores this map by loading the preset and inverting
+   * it when the flag is set. Continuous maps give their points at their positions, categorical
+   * maps their colours and annotations in value order.
+   */
+  kx::core::ColorTableUtilities::ColorPreset toColorPreset(const QString& name) const;
 
   /** Takes the keys present in @p json (see write()); missing keys leave their property. */
   void read(const nlohmann::json& json);

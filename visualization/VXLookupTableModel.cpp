@@ -72,12 +72,20 @@ int VXLookupTableModel::columnCount(const QModelIndex& parent) const
 
 QVariant VXLookupTableModel::data(const QModelIndex& index, int role) const
 {
-  if (!index.isValid() || index.row() >= m_Table.size() ||
-      (role != Qt::DisplayRole && role != Qt::EditRole))
+  if (!index.isValid() || index.row() >= m_Table.size())
   {
     return {};
   }
   const LUTEntry& entry = m_Table[index.row()];
+  // the colour column shows a swatch beside the colour's name
+  if (role == Qt::DecorationRole && index.column() == k_ColorColumn)
+  {
+    return entry.color;
+  }
+  if (role != Qt::DisplayRole && role != Qt::EditRole)
+  {
+    return {};
+  }
   switch (index.column())
   {
     case k_ColorColumn:

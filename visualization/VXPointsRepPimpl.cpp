@@ -5,6 +5,7 @@
 #include "utils/KXVtkModuleUtils.hpp"
 #include "visualization/QtWidgets/VXArrayHistogramWidget.hpp"
 #include "visualization/QtWidgets/VXCustomRangeDialog.hpp"
+#include "visualization/QtWidgets/VXLUTEditor.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXLookupTable.hpp"
@@ -281,6 +282,8 @@ void VXPointsRepPimpl::setActiveArray(const QString& arrayName)
     if (control != nullptr)
       control->setEnabled(colouring);
   }
+  if (m_LUTEditor != nullptr)
+    m_LUTEditor->setLookupTable(m_LookupTable.data(), m_Coloring.activeArray);
   if (!m_Coloring.activeArray.isEmpty() && colouring)
   {
     const std::string name = m_Coloring.activeArray.toStdString();
@@ -585,6 +588,54 @@ void VXPointsRepPimpl::setNanColor(QColor color)
 void VXPointsRepPimpl::editColorsButtonClicked()
 {
   Q_EMIT editColorMapRequested(m_LookupTable.data());
+  if (m_LUTEditor == nullptr)
+  {
+    m_LUTEditor = QSharedPointer<VXLUTEditor>(new VXLUTEditor(), &QObject::deleteLater);
+    connect(m_LUTEditor.data(), &VXLUTEditor::colorMapEdited, this,
+            &VXPointsRepPimpl::onColorMapEdited);
+    connect(m_LUTEditor.data(), &VXLUTEditor::invertRequested, this,
+            [this]() { setColorMapInverted(!m_Coloring.colorMapInverted); });
+    connect(m_LUTEditor.data(), &VXLUTEditor::presetsRequested, this,
+            [this]()
+            {
+              m_ColorPresetsDialog->show();
+              m_ColorPresetsDialog->raise();
+            });
+    connect(m_LUTEditor.data(), &VXLUTEditor::nanColorChanged, this,
+            &VXPointsRepPimpl::setNanColor);
+  }
+  m_LUTEditor->setLookupTable(m_LookupTable.data(), m_Coloring.activeArray);
+  m_LUTEditor->show();
+  m_LUTEditor->raise();
+}
+
+void VXPointsRepPimpl::onColorMapEdited()
+{
+  if (!m_DetachColorSettings)
+  {
+    m_SavedSolidColor = m_SolidColor;
+    onDetachColorSettings(true);
+  }
+  const ColorPreset edited = m_LookupTable->toColorPreset(k_EditedPresetName);
+  if (m_Coloring.valuesAsCategories)
+  {
+    m_Coloring.indexedColorPreset = edited;
+    m_Coloring.usingDefaultIndexedPreset = false;
+  }
+  else
+  {
+    m_Coloring.colorPreset = edited;
+    m_Coloring.usingDefaultPreset = false;
+    const std::array<double, 2> range = m_LookupTable->getRange();
+    const std::array<double, 2> dataRange = m_CustomRangeDialog->dataRange();
+    if (m_Coloring.usingCustomRange || range != dataRange)
+    {
+      m_Coloring.usingCustomRange = true;
+      m_Coloring.customRange = range;
+      m_CustomRangeDialog->setRangeAndValues(dataRange, range);
+    }
+  }
+  requestRender();
 }
 
 // ---------------------------------------------------------------------------

@@ -20,6 +20,7 @@
 class ColorPresetsDialog;
 class VXArrayHistogramWidget;
 class VXCustomRangeDialog;
+class VXLUTEditor;
 class QComboBox;
 class vtkDataArray;
 class vtkDataSet;
@@ -92,6 +93,10 @@ public:
   bool generateHistogram() const { return m_Coloring.generateHistogram; }
   const UniqueValueCache& uniqueValues() const { return m_UniqueValues; }
   VXCustomRangeDialog* customRangeDialog() const { return m_CustomRangeDialog.data(); }
+  /** The colour map editor, null until "Edit Color Map" first opens it. */
+  VXLUTEditor* colorMapEditor() const { return m_LUTEditor.data(); }
+  /** The name under which an edited colour map is kept as this view's preset. */
+  static inline const QString k_EditedPresetName = QStringLiteral("Edited");
   /** The histogram of the settings page, null before the page is built. */
   VXArrayHistogramWidget* histogramWidget() const;
   vtkScalarBarWidget* scalarBarWidget() const { return m_ScalarBarWidget; }
@@ -132,7 +137,15 @@ public Q_SLOTS:
   /** "Custom Range": opens the range dialog; accepting it calls rescaleToCustomRange. */
   void openCustomRangeDialog();
   void setNanColor(QColor color);
+  /** "Edit Color Map": opens the colour map editor on this view's table. */
   void editColorsButtonClicked();
+  /**
+   * The user edited the map in the editor: the edited map becomes this view's own preset
+   * (continuous or categorical), kept in the state; a continuous map whose ends moved off the
+   * data range keeps its range as the custom range. A view that followed its parent's colours
+   * detaches from them, or the parent's next change would undo the edit.
+   */
+  void onColorMapEdited();
   void setUseSolidColor(bool checked);
   void setInterpretValuesAsCategories(bool categories);
   void setGenerateHistogram(bool generate);
@@ -171,6 +184,7 @@ protected:
   QSharedPointer<VXLookupTable> m_LookupTable;
   QSharedPointer<ColorPresetsDialog> m_ColorPresetsDialog;
   QSharedPointer<VXCustomRangeDialog> m_CustomRangeDialog;
+  QSharedPointer<VXLUTEditor> m_LUTEditor;
   vtkSmartPointer<vtkScalarBarWidget> m_ScalarBarWidget;
   vtkSmartPointer<vtkScalarBarRepresentation> m_ScalarBarRepresentation;
   UniqueValueCache m_UniqueValues;

@@ -3,6 +3,7 @@
 #include "utils/KXVtkModuleUtils.hpp"
 #include "utils/PopulateHistogram.hpp"
 #include "visualization/QtWidgets/VXCustomRangeDialog.hpp"
+#include "visualization/QtWidgets/VXColorMapEditorWidget.hpp"
 #include "visualization/QtWidgets/VXHistogramOpacityWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXDataSource.hpp"
@@ -162,6 +163,11 @@ vtkImageData* VXVolumeRepPimpl::inputImage() const
 VXHistogramOpacityWidget* VXVolumeRepPimpl::opacityEditor() const
 {
   return m_OpacityEditor;
+}
+
+VXColorMapEditorWidget* VXVolumeRepPimpl::colorMapEditor() const
+{
+  return m_ColorMapEditor;
 }
 
 VXDataSource* VXVolumeRepPimpl::parentDataSource() const
@@ -989,10 +995,21 @@ void VXVolumeRepPimpl::buildSettingsPage()
             m_OpacityEditor->setFunctions(opacityFunction(m_ActiveArray),
                                           table != nullptr ? table->getColorTransferFunction()
                                                            : nullptr);
+            m_ColorMapEditor->setLookupTable(table);
           });
   connect(m_OpacityEditor, &VXHistogramOpacityWidget::opacityFunctionEdited, this,
           &VXVolumeRepPimpl::requestRender);
   coloring->addRow(m_OpacityEditor);
+  // the colours under the opacity curve, edited point by point as in the surface editor
+  m_ColorMapEditor = new VXColorMapEditorWidget(m_PageContent);
+  m_ColorMapEditor->setLookupTable(lookupTable(m_ActiveArray));
+  connect(m_ColorMapEditor, &VXColorMapEditorWidget::colorMapEdited, this,
+          [this]()
+          {
+            m_OpacityEditor->render();
+            requestRender();
+          });
+  coloring->addRow(m_ColorMapEditor);
 
   QFormLayout* annotations = section("Annotations");
   m_LegendCheckBox = new QCheckBox("Show Legend", m_PageContent);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "visualization/VXColoringSettings.hpp"
 #include "visualization/VXRepresentationPimpl.hpp"
 #include "visualization/VXVolumeComponentReduceFilter.hpp"
 
@@ -28,6 +29,7 @@ class QPushButton;
 class QCheckBox;
 class QVBoxLayout;
 class VXCustomRangeDialog;
+class VXColorMapEditorWidget;
 class VXHistogramOpacityWidget;
 class VXLookupTable;
 class VXDataSource;
@@ -114,6 +116,8 @@ public:
   vtkImageData* inputImage() const;
   /** The histogram with the opacity function over it, on the settings page; null before it. */
   VXHistogramOpacityWidget* opacityEditor() const;
+  /** The editor of the active array's colours on the settings page; null before the page. */
+  VXColorMapEditorWidget* colorMapEditor() const;
   /** A control of the settings page by object name (for hosts and tests). */
   template<typename W>
   W* control(const QString& name) const
@@ -184,8 +188,8 @@ private:
   ColorPreset m_ColorPreset;
   bool m_UsingDefaultPreset = true;
   bool m_ShowLegend = true;
-  std::array<double, 2> m_LegendPosition = { 0.89, 0.1 };
-  std::array<double, 2> m_LegendPosition2 = { 0.1, 0.8 };
+  std::array<double, 2> m_LegendPosition = VXColoringSettings::k_DefaultLegendPosition;
+  std::array<double, 2> m_LegendPosition2 = VXColoringSettings::k_DefaultLegendPosition2;
   QString m_LegendTitle;
   bool m_Initialized = false;
   bool m_Highlighted = false;
@@ -210,4 +214,5 @@ private:
   QPointer<QCheckBox> m_LegendCheckBox;
   QPointer<QCheckBox> m_DataGridCheckBox;
   QPointer<VXHistogramOpacityWidget> m_OpacityEditor;
+  QPointer<VXColorMapEditorWidget> m_ColorMapEditor;
 };

@@ -4,8 +4,7 @@
 
 #include <visualization/VXSurfaceRepPimpl.hpp>
 
-#include <MicrostructureGenerator.hpp>
-#include <kxcore/VoxeliaFile.hpp>
+#include "HostDataSupport.hpp"
 
 #include <gtest/gtest.h>
 
@@ -132,11 +131,8 @@ TEST_F(DataViewImage, SurfaceOfHydrogenImageByScalars)
 TEST_F(DataViewImage, SurfaceOfGeneratedMicrostructureWithCategoricalPhases)
 {
   kxtest::TempDir dir;
-  kxvtk::sample::MicrostructureGenerator generator(24);
-  kx::core::DataStructure structure = generator.generate();
-  const auto file = dir / "sample.voxelia";
-  ASSERT_TRUE(kx::core::VOXELIA::WriteFile(file, structure).isValid());
-  VXDataSource* source = scene.import(file, "Microstructure");
+  VXDataSource* source =
+    scene.import(kxtest::writeSample(dir, "sample.voxelia", 24), "Microstructure");
   ASSERT_NE(source, nullptr);
   EXPECT_EQ(source->baseName(), "Microstructure");
   auto* surface = scene.add(source, VXRepresentation::Surface);

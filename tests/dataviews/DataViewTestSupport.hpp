@@ -6,6 +6,8 @@
 #include "TestSupport.hpp"
 
 #include <visualization/QtWidgets/VXAbstractViewWidget.hpp>
+#include <visualization/QtWidgets/VXChartWidget.hpp>
+#include <visualization/QtWidgets/VXGLWidget.hpp>
 #include <visualization/QtWidgets/VXVisualizationWidget.hpp>
 #include <visualization/VXBridgeObject.hpp>
 #include <visualization/VXDataSource.hpp>
@@ -21,11 +23,15 @@
 #include <QtCore/QCoreApplication>
 #include <QtTest/QTest>
 
+#include <vtkAxis.h>
 #include <vtkCamera.h>
+#include <vtkChartXY.h>
+#include <vtkContextView.h>
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkImageData.h>
 #include <vtkRenderer.h>
 #include <vtkRendererCollection.h>
+#include <vtkVector.h>
 #include <vtkWindowToImageFilter.h>
 
 #include <cmath>
@@ -147,6 +153,37 @@ public:
   std::unique_ptr<VXPipeline> pipeline = std::make_unique<VXPipeline>();
   VXRepresentation* lastRep = nullptr;
 };
+
+/** Blue, white, red: points far enough apart that a click between them adds one. */
+inline kx::core::ColorTableUtilities::ColorPreset ThreePointPreset()
+{
+  kx::core::ColorTableUtilities::ColorPreset preset;
+  preset.name = "Three";
+  preset.colorSpace = "RGB";
+  preset.rgbPoints = { 0, 0, 0, 1, 0.5f, 1, 1, 1, 1, 1, 0, 0 };
+  return preset;
+}
+
+/**
+ * Where a user clicks a chart to hit value @p x on its bottom axis and @p y on @p yAxis: widget
+ * coordinates of the chart's OpenGL widget, from the axes as last drawn.
+ */
+inline QPoint ChartPosition(VXChartWidget* widget, double x, int yAxis, double y)
+{
+  widget->contextView()->Render();
+  auto toScene = [](vtkAxis* axis, double value)
+  {
+    const float* p1 = axis->GetPoint1();
+    const float* p2 = axis->GetPoint2();
+    const double t = (value - axis->GetMinimum()) / (axis->GetMaximum() - axis->GetMinimum());
+    return vtkVector2d(p1[0] + t * (p2[0] - p1[0]), p1[1] + t * (p2[1] - p1[1]));
+  };
+  const double sceneX = toScene(widget->chart()->GetAxis(vtkAxis::BOTTOM), x).GetX();
+  const double sceneY = toScene(widget->chart()->GetAxis(yAxis), y).GetY();
+  VXGLWidget* chart = widget->chartWidget();
+  const double ratio = chart->devicePixelRatioF();
+  return QPoint(qRound(sceneX / ratio), chart->height() - qRound(sceneY / ratio));
+}
 
 /** The view's current frame as RGB. */
 inline vtkSmartPointer<vtkImageData> Capture(Scene& scene)

@@ -1,7 +1,9 @@
 // The volume data view: component reduction, functions kept per array, state, splits, the texture
 // limit, the refused parent colours, and pictures of real volumes.
 #include "DataViewTestSupport.hpp"
+#include "HostDataSupport.hpp"
 
+#include <visualization/QtWidgets/VXColorMapEditorWidget.hpp>
 #include <visualization/QtWidgets/VXGLWidget.hpp>
 #include <visualization/QtWidgets/VXHistogramOpacityWidget.hpp>
 #include <visualization/VXVolumeComponentReduceFilter.hpp>
@@ -11,6 +13,8 @@
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QPushButton>
 
+#include <vtkColorTransferControlPointsItem.h>
+#include <vtkColorTransferFunction.h>
 #include <vtkDoubleArray.h>
 #include <vtkFloatArray.h>
 #include <vtkIdTypeArray.h>
@@ -201,6 +205,7 @@ TEST(VolumeDataView, RefusesTooLargeTexturesAndParentColoursAndResetsOnYes)
   auto* refused = scene.add<VXVolumeRepPimpl>(source, VXRepresentation::Volume);
   ASSERT_NE(refused, nullptr);
   EXPECT_FALSE(scene.renderer()->HasViewProp(refused->volume()));
+  EXPECT_EQ(kxtest::ForegroundFraction(dataviewtest::ToQImage(dataviewtest::Capture(scene))), 0.0);
   ASSERT_EQ(popups.size(), 1);
   EXPECT_EQ(popups[0][0].toString(), "Invalid Texture dimensions");
   EXPECT_EQ(popups[0][1].toString(),
@@ -259,6 +264,42 @@ TEST(VolumeDataView, HydrogenAsAVolume)
   dataviewtest::CompareWithBaseline(scene, "volume_hydrogen");
 }
 
+TEST(VolumeDataView, SampleOrientationsAsMagnitudeAndComponentAndAnEditedOpacity)
+{
+  ScopedSettings settings;
+  Scene scene;
+  kxtest::TempDir dir;
+  VXDataSource* source =
+    scene.import(kxtest::writeSample(dir, "sample.voxelia", 24), "Microstructure");
+  ASSERT_NE(source, nullptr);
+  auto* volume = scene.add<VXVolumeRepPimpl>(source, VXRepresentation::Volume);
+  ASSERT_NE(volume, nullptr);
+  volume->setActiveArray("EulerAngles");
+  volume->setActiveComponent(-1);
+  volume->setScalarBarVisibility(true);
+  vtkRenderer* renderer = scene.renderer();
+  renderer->GetActiveCamera()->Azimuth(30.0);
+  renderer->GetActiveCamera()->Elevation(20.0);
+  renderer->ResetCamera();
+  dataviewtest::CompareWithBaseline(scene, "volume_sample_euler_magnitude");
+
+  volume->setActiveComponent(1);
+  dataviewtest::CompareWithBaseline(scene, "volume_sample_euler_component1");
+
+  // only the upper third of the component's range stays visible, fully opaque
+  vtkPiecewiseFunction* opacity = volume->opacityFunction("EulerAngles");
+  ASSERT_NE(opacity, nullptr);
+  double range[2];
+  opacity->GetRange(range);
+  const double cut = range[0] + 2.0 * (range[1] - range[0]) / 3.0;
+  opacity->RemoveAllPoints();
+  opacity->AddPoint(range[0], 0.0);
+  opacity->AddPoint(cut, 0.0);
+  opacity->AddPoint(cut + 1e-3 * (range[1] - range[0]), 1.0);
+  opacity->AddPoint(range[1], 1.0);
+  dataviewtest::CompareWithBaseline(scene, "volume_sample_euler_component1_upper_third");
+}
+
 TEST(VolumeDataView, OpacityEditorShowsTheHistogramAndAClickAddsAPoint)
 {
   ScopedSettings settings;
@@ -281,21 +322,10 @@ TEST(VolumeDataView, OpacityEditorShowsTheHistogramAndAClickAddsAPoint)
   EXPECT_EQ(total, 511.0);
   ASSERT_NE(editor->controlPoints(), nullptr);
   EXPECT_EQ(editor->controlPoints()->GetPiecewiseFunction(), volume->opacityFunction("Density"));
-  editor->contextView()->Render();
 
   // a click at value 600, opacity 0.3 (below the ramp) adds that point to the volume's function
-  auto toScene = [](vtkAxis* axis, double value)
-  {
-    const float* p1 = axis->GetPoint1();
-    const float* p2 = axis->GetPoint2();
-    const double t = (value - axis->GetMinimum()) / (axis->GetMaximum() - axis->GetMinimum());
-    return vtkVector2d(p1[0] + t * (p2[0] - p1[0]), p1[1] + t * (p2[1] - p1[1]));
-  };
-  const double sceneX = toScene(editor->chart()->GetAxis(vtkAxis::BOTTOM), 600.0).GetX();
-  const double sceneY = toScene(editor->chart()->GetAxis(vtkAxis::RIGHT), 0.3).GetY();
+  const QPoint at = dataviewtest::ChartPosition(editor, 600.0, vtkAxis::RIGHT, 0.3);
   VXGLWidget* chart = editor->chartWidget();
-  const double ratio = chart->devicePixelRatioF();
-  const QPoint at(qRound(sceneX / ratio), chart->height() - qRound(sceneY / ratio));
   QSignalSpy edited(editor, &VXHistogramOpacityWidget::opacityFunctionEdited);
   QTest::mouseClick(chart, Qt::LeftButton, Qt::NoModifier, at);
   vtkPiecewiseFunction* opacity = volume->opacityFunction("Density");
@@ -306,4 +336,20 @@ TEST(VolumeDataView, OpacityEditorShowsTheHistogramAndAClickAddsAPoint)
   EXPECT_NEAR(node[1], 0.3, 0.03);
   EXPECT_GE(edited.size(), 1);
   EXPECT_EQ(volume->volumeProperty()->GetScalarOpacity(0), opacity);
+
+  // the colour editor under it edits the same array's colours, which the state keeps
+  VXColorMapEditorWidget* colors = volume->colorMapEditor();
+  ASSERT_NE(colors, nullptr);
+  vtkColorTransferFunction* function = volume->lookupTable("Density")->getColorTransferFunction();
+  ASSERT_EQ(colors->controlPoints()->GetColorTransferFunction(), function);
+  volume->lookupTable("Density")->parseRgbJson(dataviewtest::ThreePointPreset());
+  const int nodes = function->GetSize();
+  ASSERT_EQ(nodes, 3);
+  QTest::mouseClick(colors->chartWidget(), Qt::LeftButton, Qt::NoModifier,
+                    dataviewtest::ChartPosition(colors, 600.0, vtkAxis::LEFT, 0.5));
+  ASSERT_EQ(function->GetSize(), nodes + 1);
+  nlohmann::json state;
+  volume->write(state);
+  EXPECT_EQ(state["array_lut_fct"]["Density"]["rgb_pos_vector"].size(),
+            static_cast<size_t>(nodes + 1));
 }

@@ -16,11 +16,11 @@
 
 namespace kxtest
 {
-/** Writes the sample microstructure (image, grain boundaries, centroids) at a small size. */
+/** Writes the sample microstructure (image, grain boundaries, centroids), @p size voxels a side. */
 inline std::filesystem::path writeSample(const TempDir& dir,
-                                         const std::string& name = "sample.voxelia")
+                                         const std::string& name = "sample.voxelia", int size = 12)
 {
-  kxvtk::sample::MicrostructureGenerator generator(12);
+  kxvtk::sample::MicrostructureGenerator generator(size);
   const auto path = dir / name;
   kx::core::DataStructure ds = generator.generate();
   EXPECT_TRUE(kx::core::VOXELIA::WriteFile(path, ds).isValid());

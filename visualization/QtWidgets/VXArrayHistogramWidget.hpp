@@ -2,19 +2,13 @@
 
 #include "KXVtkLib_export.h"
 
-#include <QtCore/QPointer>
-#include <QtWidgets/QWidget>
+#include "visualization/QtWidgets/VXChartWidget.hpp"
 
-#include <vtkSmartPointer.h>
+#include <QtCore/QPointer>
 
 class QCheckBox;
 class QLabel;
-class VXGLWidget;
-class vtkChartXY;
-class vtkContextView;
 class vtkDataArray;
-class vtkPlotBar;
-class vtkTable;
 
 /**
  * The histogram of a data view's active array: 50 bins of one component (or
@@ -23,7 +17,7 @@ class vtkTable;
  * count axis. The points-family settings page shows it in its "Array
  * Histogram" section and feeds it from VXPointsRepPimpl::histogramDataChanged.
  */
-class KXVTKLIB_EXPORT VXArrayHistogramWidget : public QWidget
+class KXVTKLIB_EXPORT VXArrayHistogramWidget : public VXChartWidget
 {
   Q_OBJECT
 
@@ -34,10 +28,8 @@ public:
   explicit VXArrayHistogramWidget(QWidget* parent = nullptr);
   ~VXArrayHistogramWidget() override;
 
-  /** The chart; its one bar plot reads table(). */
-  vtkChartXY* chart() const;
   /** What is plotted: "Value", the bin centres, and "Count". */
-  vtkTable* table() const;
+  vtkTable* table() const { return histogramTable(); }
   /** Whether the count axis is asked to be logarithmic ("Log Scale"). */
   bool logScale() const;
   /** Why nothing is plotted, or empty. */
@@ -60,14 +52,8 @@ private:
   void showMessage(const QString& text);
   /** The count axis: linear and automatic, or logarithmic from below one count. */
   void applyCountAxis();
-  void render();
 
-  QPointer<VXGLWidget> m_ChartWidget;
   QPointer<QCheckBox> m_LogScaleCheckBox;
   QPointer<QLabel> m_MessageLabel;
-  vtkSmartPointer<vtkContextView> m_View;
-  vtkSmartPointer<vtkChartXY> m_Chart;
-  vtkSmartPointer<vtkPlotBar> m_Plot;
-  vtkSmartPointer<vtkTable> m_Table;
   double m_MaxCount = 0.0;
 };
