@@ -45,7 +45,7 @@
 namespace
 {
 constexpr int k_Side = 256;
-constexpr int k_Size = 400;
+constexpr int k_Size = 600;
 constexpr int k_Rounds = 5;
 constexpr int k_FramesPerRound = 2;
 
