@@ -18,6 +18,9 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXColoringSettings.hpp
   visualization/VXCoreObject.hpp
   visualization/VXDataSource.hpp
+  visualization/VXBox.hpp
+  visualization/VXBoxCallback.hpp
+  visualization/VXFClip.hpp
   visualization/VXFilter.hpp
   visualization/VXGlobalSource.hpp
   visualization/VXLookupTable.hpp
@@ -25,6 +28,8 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXOutlineRep.hpp
   visualization/VXOutlineRepPimpl.hpp
   visualization/VXPipeline.hpp
+  visualization/VXPlane.hpp
+  visualization/VXPlaneCallback.hpp
   visualization/VXPipelineModel.hpp
   visualization/VXPointsRep.hpp
   visualization/VXPointsRepPimpl.hpp
@@ -40,10 +45,12 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXWireframeRepPimpl.hpp
   visualization/QtWidgets/VXAbstractViewWidget.hpp
   visualization/QtWidgets/VXArrayHistogramWidget.hpp
+  visualization/QtWidgets/VXBoxWidget.hpp
   visualization/QtWidgets/VXChartWidget.hpp
   visualization/QtWidgets/VXColorMapEditorWidget.hpp
   visualization/QtWidgets/VXCustomRangeDialog.hpp
   visualization/QtWidgets/VXDatasetInfoWidget.hpp
+  visualization/QtWidgets/VXFClipFilterWidget.hpp
   visualization/QtWidgets/VXFrameRateCallback.hpp
   visualization/QtWidgets/VXGLWidget.hpp
   visualization/QtWidgets/VXGridAxesWidget.hpp
@@ -51,6 +58,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXInfoWidget.hpp
   visualization/QtWidgets/VXInteractorStyleCamera.hpp
   visualization/QtWidgets/VXLUTEditor.hpp
+  visualization/QtWidgets/VXPlaneWidget.hpp
   visualization/QtWidgets/VXPickerCallback.hpp
   visualization/QtWidgets/VXScreenshotOptionsDialog.hpp
   visualization/QtWidgets/VXViewActionsController.hpp

@@ -1,13 +1,176 @@
 #include "visualization/VXFilter.hpp"
 
+#include "utils/KXVtkModuleUtils.hpp"
+#include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
+#include "visualization/QtWidgets/VXVisualizationWidget.hpp"
+#include "visualization/VXPipeline.hpp"
+#include "visualization/VXUserPrompt.hpp"
+
+#include <KXComponents/KXStyle.hpp>
+#include <KXComponents/QtKXSettings.hpp>
+
+#include <QtWidgets/QComboBox>
+
+#include <vtkAlgorithm.h>
+#include <vtkAlgorithmOutput.h>
+#include <vtkDataSet.h>
+#include <vtkRenderWindowInteractor.h>
+
 VXFilter::VXFilter(QObject* parent)
   : VXCoreObject(parent)
+  , m_HelpUrl(k_HelpPage)
 {
 }
 
 VXFilter::~VXFilter() = default;
 
+void VXFilter::write(nlohmann::json& output,
+                     const QMap<VXAbstractViewWidget*, int>& viewIndices) const
+{
+  VXCoreObject::write(output, viewIndices);
+  output["core_object_name"] = m_BaseName.toStdString();
+  output["core_object_name_suffix"] = m_NameSuffixCounter;
+  output["filter_rep_type_to_add"] = static_cast<int>(m_RepTypeToAdd);
+  output["filter_should_add_rep"] = m_ShouldAddRep;
+}
+
+void VXFilter::read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views)
+{
+  VXCoreObject::read(input, views);
+  if (!input.is_object())
+    return;
+  if (auto it = input.find("core_object_name"); it != input.end() && it->is_string())
+    m_BaseName = QString::fromStdString(it->get<std::string>());
+  if (auto it = input.find("core_object_name_suffix"); it != input.end() && it->is_number_integer())
+    setNameSuffixCounter(it->get<int>());
+  if (auto it = input.find("filter_rep_type_to_add"); it != input.end() && it->is_number_integer())
+  {
+    const auto type = static_cast<VXRepresentation::Type>(it->get<int>());
+    if (VXRepresentation::k_RepresentationTypeToString.contains(type))
+      m_RepTypeToAdd = type;
+  }
+  if (auto it = input.find("filter_should_add_rep"); it != input.end() && it->is_boolean())
+    m_ShouldAddRep = it->get<bool>();
+}
+
+void VXFilter::addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
+                                 VXAbstractViewWidget* splitViewWidget)
+{
+  // a filter has no per-view objects: the split view simply knows it, as visible as the source
+  if (splitViewWidget == nullptr || m_ViewWidgets.contains(splitViewWidget))
+    return;
+  addViewWidget(splitViewWidget);
+  m_ViewWidgets[splitViewWidget] = m_ViewWidgets.value(sourceViewWidget, true);
+}
+
+QIcon VXFilter::getIcon()
+{
+  return KXStyle::generateThemeIconFromName("Filter");
+}
+
 void VXFilter::setInputPort(vtkAlgorithmOutput* port)
 {
   m_InputPort = port;
+}
+
+vtkAlgorithmOutput* VXFilter::inputPort() const
+{
+  return m_InputPort;
+}
+
+vtkDataSet* VXFilter::inputDataSet() const
+{
+  if (m_InputPort == nullptr || m_InputPort->GetProducer() == nullptr)
+    return nullptr;
+  vtkAlgorithm* producer = m_InputPort->GetProducer();
+  producer->Update(m_InputPort->GetIndex());
+  return vtkDataSet::SafeDownCast(producer->GetOutputDataObject(m_InputPort->GetIndex()));
+}
+
+std::array<double, 6> VXFilter::inputBounds() const
+{
+  std::array<double, 6> bounds{ 0.0, 1.0, 0.0, 1.0, 0.0, 1.0 };
+  if (vtkDataSet* data = inputDataSet(); data != nullptr && data->GetNumberOfPoints() > 0)
+    data->GetBounds(bounds.data());
+  return bounds;
+}
+
+vtkRenderWindowInteractor* VXFilter::activeInteractor() const
+{
+  VXAbstractViewWidget* view = m_Pipeline != nullptr ? m_Pipeline->activeViewWidget() : nullptr;
+  VXVisualizationWidget* widget = view != nullptr ? view->getVisualizationWidget() : nullptr;
+  return widget != nullptr ? widget->interactor() : nullptr;
+}
+
+void VXFilter::setShouldAddRep(bool shouldAdd)
+{
+  m_ShouldAddRep = shouldAdd;
+  if (m_RepTypeCombo != nullptr)
+    m_RepTypeCombo->setEnabled(shouldAdd);
+}
+
+void VXFilter::setRepTypeToAdd(QString repTypeString)
+{
+  if (VXRepresentation::k_RepresentationStringToType.contains(repTypeString))
+  {
+    m_RepTypeToAdd = VXRepresentation::k_RepresentationStringToType.value(repTypeString);
+    if (m_Pipeline != nullptr && !m_ShouldAddRep)
+      Q_EMIT m_Pipeline->sendPopupMessage(k_RepresentationAlreadyAddedTitle,
+                                          k_RepresentationAlreadyAddedText);
+    return;
+  }
+  if (m_Pipeline != nullptr)
+    Q_EMIT m_Pipeline->sendOutputMessage(k_UnknownRepresentationText.arg(
+      repTypeString, VXRepresentation::k_RepresentationTypeToString.value(m_RepTypeToAdd)));
+}
+
+QComboBox* VXFilter::addRepresentationTypeCombo(QWidget* parent)
+{
+  m_RepTypeCombo = new QComboBox(parent);
+  m_RepTypeCombo->setObjectName("m_RepTypeCombo");
+  for (VXRepresentation::Type type : { VXRepresentation::Outline, VXRepresentation::Points,
+                                       VXRepresentation::Wireframe, VXRepresentation::Surface })
+    m_RepTypeCombo->addItem(VXRepresentation::k_RepresentationTypeToString.value(type));
+  m_RepTypeCombo->setCurrentText(
+    VXRepresentation::k_RepresentationTypeToString.value(m_RepTypeToAdd));
+  m_RepTypeCombo->setToolTip(KXVtkModule::utils::HtmlToolTip(
+    "The representation type to add for viewing the filtered results IF there are none already."));
+  m_RepTypeCombo->setEnabled(m_ShouldAddRep);
+  connect(m_RepTypeCombo, &QComboBox::currentTextChanged, this, &VXFilter::setRepTypeToAdd);
+  return m_RepTypeCombo;
+}
+
+bool VXFilter::shouldSaveAsDefaultSettings()
+{
+  VXUserPrompt::Question question;
+  question.icon = QMessageBox::Question;
+  question.title = QString("Save Default %1 Settings").arg(humanTypeName());
+  question.text = QString("Do you want to save the current setting values as the default values "
+                          "for all %1 types? (Data specific settings will not be saved)")
+                    .arg(humanTypeName());
+  question.buttons = QMessageBox::Yes | QMessageBox::No;
+  question.defaultButton = QMessageBox::No;
+  return VXUserPrompt::ask(nullptr, question) == QMessageBox::Yes;
+}
+
+void VXFilter::beginSettingsGroup(QtKXSettings& settings)
+{
+  settings.beginGroup("VisualizationSettings");
+  settings.beginGroup("FilterSettings");
+  settings.beginGroup(typeName());
+}
+
+void VXFilter::updateDownstreamGridAxesBounds()
+{
+  for (VXRepresentation* representation : findChildren<VXRepresentation*>())
+    representation->updateGridAxesBounds();
+}
+
+void VXFilter::addRepresentationAfterApply()
+{
+  if (m_Pipeline == nullptr || !m_ShouldAddRep)
+    return;
+  // one data view is added for the first result; more come from the tree's menu
+  if (m_Pipeline->addRepresentation(this, m_RepTypeToAdd))
+    setShouldAddRep(false);
 }

@@ -275,10 +275,8 @@ bool VXPipeline::addFilter(VXCoreObject* parent, VXFilter* filter)
     filter->setInputPort(parent->outputPort());
   // a filter from a state file comes with its views
   if (filter->viewWidgets().isEmpty())
-  {
     filter->addViewWidget(m_ActiveViewWidget);
-    filter->initializeFilter();
-  }
+  filter->setupFilter();
   connect(filter, &VXCoreObject::requestRenderAll, this, &VXPipeline::requestRenderAll);
   connect(this, &VXPipeline::pipelineOutputReloaded, filter,
           &VXFilter::receivePipelineOutputReloaded);

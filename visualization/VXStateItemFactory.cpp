@@ -2,6 +2,7 @@
 
 #include "visualization/FileToVXBridge.hpp"
 #include "visualization/KXToVXBridge.hpp"
+#include "visualization/VXFClip.hpp"
 #include "visualization/VXRepresentation.hpp"
 
 #include <vector>
@@ -34,7 +35,7 @@ std::vector<VXStateItemFactory::Entry>& table()
       { "VXArrowAnnotationSource", Kind::GlobalSource, {} },
       { "VXEllipseAnnotationSource", Kind::GlobalSource, {} },
       { "VXDataSource", Kind::DataSource, {} },
-      { "VXFClip", Kind::Filter, {} },
+      { "VXFClip", Kind::Filter, [](VXPipeline*) -> QObject* { return new VXFClip(); } },
       { "VXFSlice", Kind::Filter, {} },
       { "VXFThreshold", Kind::Filter, {} },
       { "VXOutlineRep", Kind::Representation, representationMaker(VXRepresentation::Outline),

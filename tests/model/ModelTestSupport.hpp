@@ -54,8 +54,11 @@ public:
   void copyActiveSettings() const override {}
   void pasteToActiveSettings() override {}
   void receivePipelineOutputReloaded() override {}
-  void addViewWidgetCopy(VXAbstractViewWidget*, VXAbstractViewWidget*) override {}
-  void initializeFilter() override { initialized = true; }
+  void writeSettings() override {}
+  void readSettings() override {}
+  void setupFilter() override { initialized = true; }
+  void openHelpLink() override {}
+  void applyFilter() override {}
 
   bool initialized = false;
 };

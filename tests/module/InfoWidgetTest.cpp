@@ -2,6 +2,7 @@
 
 #include <visualization/FileToVXBridge.hpp>
 #include <visualization/VXDataSource.hpp>
+#include <visualization/VXFClip.hpp>
 #include <visualization/VXStateItemFactory.hpp>
 
 #include <QtCore/QPointer>
@@ -88,8 +89,16 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
   QMenu* filters = submenu(sourceMenu.get(), "Add Visual Filter");
   ASSERT_NE(filters, nullptr);
   EXPECT_EQ(texts(filters), (QStringList{ "Clip", "Slice", "Threshold" }));
-  for (QAction* entry : filters->actions())
-    EXPECT_FALSE(entry->isEnabled()) << entry->text().toStdString();
+  for (const char* entry : { "Slice", "Threshold" })
+    EXPECT_FALSE(action(filters, entry)->isEnabled()) << entry;
+  // "Clip" puts a clip filter under the source
+  ASSERT_TRUE(action(filters, "Clip")->isEnabled());
+  action(filters, "Clip")->trigger();
+  VXCoreObject* source = model()->getCoreObject(sourceIndex(0));
+  ASSERT_EQ(source->findChildren<VXFClip*>().size(), 1);
+  const int last = model()->rowCount(sourceIndex(0)) - 1;
+  EXPECT_EQ(model()->getCoreObject(model()->index(last, 0, sourceIndex(0))),
+            source->findChildren<VXFClip*>().front());
   for (const char* entry : { "Show Data Set Information", "Copy Settings", "Paste Settings",
                              "Save as Visualization Preset...", "Rename", "Remove" })
     EXPECT_NE(action(sourceMenu.get(), entry), nullptr) << entry;

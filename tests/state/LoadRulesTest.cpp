@@ -1,11 +1,15 @@
 #include "StateTestSupport.hpp"
 
 #include <visualization/FileToVXBridge.hpp>
+#include <visualization/VXFClip.hpp>
+#include <visualization/VXPlane.hpp>
 #include <visualization/VXRepresentationPimpl.hpp>
 #include <visualization/VXStateItemFactory.hpp>
 
 #include <vtkNew.h>
 #include <vtkPolyData.h>
+#include <vtkTableBasedClipDataSet.h>
+#include <vtkUnstructuredGrid.h>
 
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
@@ -62,7 +66,7 @@ TEST_F(LoadRulesFixture, UnknownAndNotYetAvailableTypesUnderASourceAreReportedAn
   ASSERT_FALSE(VXRepresentation::IsRegistered(VXRepresentation::ImageSlice));
   const QStringList unknown = { "VXMystery",        "VXSliceRep",       "VXImageSliceRep ",
                                 "VXDistanceSource", "VXFImageResample", "VXFQuadricClustering",
-                                "VXFThreshold",     "VXFClip" };
+                                "VXFThreshold" };
   json children = json::array();
   children.push_back(item("VXPointsRep"));
   for (const QString& type : unknown)
@@ -84,6 +88,39 @@ TEST_F(LoadRulesFixture, UnknownAndNotYetAvailableTypesUnderASourceAreReportedAn
   EXPECT_EQ(childTypes(source), (QStringList{ "VXPointsRep", "VXOutlineRep" }));
   // the sample's other geometries are not named by the state: they are gone
   EXPECT_EQ(dataSources().size(), 1);
+}
+
+TEST_F(LoadRulesFixture, AClipFilterLoadsWithItsToolAndTheDataViewUnderIt)
+{
+  json clip = item("VXFClip",
+                   { { "clip_type", 0 },
+                     { "clip_inverted", true },
+                     { "clip_plane_normal_x", 0.0 },
+                     { "clip_plane_normal_y", 0.0 },
+                     { "clip_plane_normal_z", 1.0 },
+                     { "clip_plane_origin_x", 1.0 },
+                     { "clip_plane_origin_y", 1.0 },
+                     { "clip_plane_origin_z", 3.5 },
+                     { "filter_should_add_rep", false } },
+                   json::array({ item("VXSurfaceRep") }));
+  load(stateWith(json::array({ fileBridge(
+    m_Sample, json::array({ voxeliaSource("Microstructure", json::array({ clip })) })) })));
+  EXPECT_TRUE(output.isEmpty()) << output.join('\n').toStdString();
+
+  const QModelIndex source = sourceNamed("Microstructure");
+  ASSERT_TRUE(source.isValid());
+  const QModelIndex filterIndex = model()->index(0, 1, source);
+  auto* filter = qobject_cast<VXFClip*>(model()->getCoreObject(filterIndex));
+  ASSERT_NE(filter, nullptr);
+  EXPECT_EQ(filter->plane()->getOrigin(), (std::array<double, 3>{ 1.0, 1.0, 3.5 }));
+  EXPECT_FALSE(filter->shouldAddRep());
+  EXPECT_EQ(childTypes(model()->index(0, 0, source)), QStringList{ "VXSurfaceRep" });
+  ASSERT_EQ(filter->findChildren<VXRepresentation*>().size(), 1);
+  // the surface under it draws the cut: only what lies below z = 3.5
+  filter->clipFilter()->Update();
+  double bounds[6];
+  filter->clipFilter()->GetOutput()->GetBounds(bounds);
+  EXPECT_EQ(bounds[5], 3.5);
 }
 
 TEST_F(LoadRulesFixture, ADataViewUnderADataViewIsRefusedWithItsChildren)
