@@ -22,6 +22,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXBoxCallback.hpp
   visualization/VXFClip.hpp
   visualization/VXFilter.hpp
+  visualization/VXFSlice.hpp
   visualization/VXGlobalSource.hpp
   visualization/VXLookupTable.hpp
   visualization/VXLookupTableModel.hpp
@@ -51,6 +52,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXCustomRangeDialog.hpp
   visualization/QtWidgets/VXDatasetInfoWidget.hpp
   visualization/QtWidgets/VXFClipFilterWidget.hpp
+  visualization/QtWidgets/VXFSliceFilterWidget.hpp
   visualization/QtWidgets/VXFrameRateCallback.hpp
   visualization/QtWidgets/VXGLWidget.hpp
   visualization/QtWidgets/VXGridAxesWidget.hpp

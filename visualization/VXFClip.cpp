@@ -1,16 +1,11 @@
 #include "visualization/VXFClip.hpp"
 
-#include "utils/KXVtkModuleUtils.hpp"
 #include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
 #include "visualization/QtWidgets/VXFClipFilterWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXBox.hpp"
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXPlane.hpp"
-
-#include <KXComponents/KXIconPushButton.hpp>
-#include <KXComponents/KXStyle.hpp>
-#include <KXComponents/QtKXSettings.hpp>
 
 #include <QtCore/QUrl>
 #include <QtGui/QClipboard>
@@ -23,33 +18,6 @@
 #include <vtkPlanes.h>
 #include <vtkTableBasedClipDataSet.h>
 #include <vtkUnstructuredGrid.h>
-
-namespace
-{
-using Triple = std::array<double, 3>;
-
-/** The three keys "<prefix>_x", "_y", "_z" of a JSON object, when all three are numbers. */
-std::optional<Triple> ReadTriple(const nlohmann::json& input, const std::string& prefix)
-{
-  Triple values{};
-  const char* axes[3] = { "_x", "_y", "_z" };
-  for (int axis = 0; axis < 3; ++axis)
-  {
-    const auto it = input.find(prefix + axes[axis]);
-    if (it == input.end() || !it->is_number())
-      return std::nullopt;
-    values[axis] = it->get<double>();
-  }
-  return values;
-}
-
-void WriteTriple(nlohmann::json& output, const std::string& prefix, const Triple& values)
-{
-  const char* axes[3] = { "_x", "_y", "_z" };
-  for (int axis = 0; axis < 3; ++axis)
-    output[prefix + axes[axis]] = values[axis];
-}
-} // namespace
 
 VXFClip::VXFClip(QObject* parent)
   : VXFilter(parent)
@@ -162,6 +130,8 @@ void VXFClip::setupFilter()
   vtkRenderWindowInteractor* interactor = activeInteractor();
   m_Box = new VXBox(bounds, interactor, this);
   m_Plane = new VXPlane(bounds, interactor, this);
+  connect(m_Plane, &VXPlane::planeChanged, this, &VXCoreObject::requestRenderAll);
+  connect(m_Box, &VXBox::transformChanged, this, &VXCoreObject::requestRenderAll);
   readSettings();
   // values from a state file or a paste win over the defaults
   if (m_PendingToolValues)
@@ -279,25 +249,9 @@ void VXFClip::setVisibility(bool visible)
 
 void VXFClip::readSettings()
 {
-  QtKXSettings settings;
-  beginSettingsGroup(settings);
-  nlohmann::json values = nlohmann::json::object();
-  for (const char* key : { "clip_inverted", "show_clip_tool" })
-    if (settings.contains(key))
-      values[key] = settings.value(key).toBool();
-  if (settings.contains("clip_type"))
-    values["clip_type"] = settings.value("clip_type").toInt();
-  for (const char* prefix : { "clip_plane_normal", "clip_plane_origin", "clip_box_translate",
-                              "clip_box_rotate", "clip_box_scale" })
-  {
-    for (const char* axis : { "_x", "_y", "_z" })
-    {
-      const QString key = QString(prefix) + axis;
-      if (settings.contains(key))
-        values[key.toStdString()] = settings.value(key).toDouble();
-    }
-  }
-  readValues(values);
+  readValues(savedDefaults({ "clip_inverted", "show_clip_tool" }, { "clip_type" },
+                           { "clip_plane_normal", "clip_plane_origin", "clip_box_translate",
+                             "clip_box_rotate", "clip_box_scale" }));
 }
 
 void VXFClip::writeSettings()
@@ -306,19 +260,7 @@ void VXFClip::writeSettings()
     return;
   nlohmann::json values = nlohmann::json::object();
   writeValues(values);
-  QtKXSettings settings;
-  beginSettingsGroup(settings);
-  for (auto it = values.begin(); it != values.end(); ++it)
-  {
-    const QString key = QString::fromStdString(it.key());
-    if (it->is_boolean())
-      settings.setValue(key, it->get<bool>());
-    else if (it->is_number_integer())
-      settings.setValue(key, it->get<int>());
-    else
-      settings.setValue(key, it->get<double>());
-  }
-  settings.sync();
+  saveDefaults(values);
 }
 
 void VXFClip::copyActiveSettings() const
@@ -344,16 +286,7 @@ void VXFClip::openHelpLink()
 
 void VXFClip::initializeSettingsWidget()
 {
-  auto* saveButton = new KXIconPushButton();
-  saveButton->setIcon(KXStyle::generateThemeIconFromName("Save"));
-  saveButton->setToolTip(KXVtkModule::utils::HtmlToolTip(
-    QString("Save the current settings as the default settings for all %1 types")
-      .arg(humanTypeName())));
-  connect(saveButton, &QPushButton::clicked, this, &VXFClip::writeSettings);
-  auto* helpButton = new KXIconPushButton();
-  helpButton->setIcon(KXStyle::generateThemeIconFromName("Help"));
-  connect(helpButton, &QPushButton::clicked, this, &VXFClip::openHelpLink);
-  addSettingsWidgetTitle(saveButton, helpButton);
+  addFilterPageTitle();
   auto* widget = new VXFClipFilterWidget(this);
   m_FilterWidget = widget;
   m_SettingsScrollArea->setWidget(widget);

@@ -6,6 +6,7 @@
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXUserPrompt.hpp"
 
+#include <KXComponents/KXIconPushButton.hpp>
 #include <KXComponents/KXStyle.hpp>
 #include <KXComponents/QtKXSettings.hpp>
 
@@ -158,6 +159,84 @@ void VXFilter::beginSettingsGroup(QtKXSettings& settings)
   settings.beginGroup("VisualizationSettings");
   settings.beginGroup("FilterSettings");
   settings.beginGroup(typeName());
+}
+
+std::optional<std::array<double, 3>> VXFilter::ReadTriple(const nlohmann::json& input,
+                                                          const std::string& prefix)
+{
+  std::array<double, 3> values{};
+  const char* axes[3] = { "_x", "_y", "_z" };
+  for (int axis = 0; axis < 3; ++axis)
+  {
+    const auto it = input.find(prefix + axes[axis]);
+    if (it == input.end() || !it->is_number())
+      return std::nullopt;
+    values[axis] = it->get<double>();
+  }
+  return values;
+}
+
+void VXFilter::WriteTriple(nlohmann::json& output, const std::string& prefix,
+                           const std::array<double, 3>& values)
+{
+  const char* axes[3] = { "_x", "_y", "_z" };
+  for (int axis = 0; axis < 3; ++axis)
+    output[prefix + axes[axis]] = values[axis];
+}
+
+nlohmann::json VXFilter::savedDefaults(const QStringList& flags, const QStringList& integers,
+                                       const QStringList& triples)
+{
+  QtKXSettings settings;
+  beginSettingsGroup(settings);
+  nlohmann::json values = nlohmann::json::object();
+  for (const QString& key : flags)
+    if (settings.contains(key))
+      values[key.toStdString()] = settings.value(key).toBool();
+  for (const QString& key : integers)
+    if (settings.contains(key))
+      values[key.toStdString()] = settings.value(key).toInt();
+  for (const QString& prefix : triples)
+  {
+    for (const char* axis : { "_x", "_y", "_z" })
+    {
+      const QString key = prefix + axis;
+      if (settings.contains(key))
+        values[key.toStdString()] = settings.value(key).toDouble();
+    }
+  }
+  return values;
+}
+
+void VXFilter::saveDefaults(const nlohmann::json& values)
+{
+  QtKXSettings settings;
+  beginSettingsGroup(settings);
+  for (auto it = values.begin(); it != values.end(); ++it)
+  {
+    const QString key = QString::fromStdString(it.key());
+    if (it->is_boolean())
+      settings.setValue(key, it->get<bool>());
+    else if (it->is_number_integer())
+      settings.setValue(key, it->get<int>());
+    else if (it->is_number())
+      settings.setValue(key, it->get<double>());
+  }
+  settings.sync();
+}
+
+void VXFilter::addFilterPageTitle()
+{
+  auto* saveButton = new KXIconPushButton();
+  saveButton->setIcon(KXStyle::generateThemeIconFromName("Save"));
+  saveButton->setToolTip(KXVtkModule::utils::HtmlToolTip(
+    QString("Save the current settings as the default settings for all %1 types")
+      .arg(humanTypeName())));
+  connect(saveButton, &QPushButton::clicked, this, [this]() { writeSettings(); });
+  auto* helpButton = new KXIconPushButton();
+  helpButton->setIcon(KXStyle::generateThemeIconFromName("Help"));
+  connect(helpButton, &QPushButton::clicked, this, [this]() { openHelpLink(); });
+  addSettingsWidgetTitle(saveButton, helpButton);
 }
 
 void VXFilter::updateDownstreamGridAxesBounds()

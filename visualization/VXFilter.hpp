@@ -6,6 +6,10 @@
 #include <vtkAlgorithmOutput.h> // the port is held by a smart pointer subclasses read
 #include <vtkSmartPointer.h>
 
+#include <array>
+#include <optional>
+#include <string>
+
 class QComboBox;
 class QtKXSettings;
 class vtkDataSet;
@@ -78,9 +82,26 @@ public Q_SLOTS:
   /** Sets the data view type that applying adds, by its name ("Surface", ...). */
   void setRepTypeToAdd(QString repTypeString);
 
+  /** The three numbers "<prefix>_x", "_y", "_z" of @p input; none unless all three are numbers. */
+  static std::optional<std::array<double, 3>> ReadTriple(const nlohmann::json& input,
+                                                         const std::string& prefix);
+  static void WriteTriple(nlohmann::json& output, const std::string& prefix,
+                          const std::array<double, 3>& values);
+
 protected:
   /** Opens the settings group of this filter type. */
   void beginSettingsGroup(QtKXSettings& settings);
+  /**
+   * The saved defaults of this filter type as the state keys hold them: @p flags as booleans,
+   * @p integers as numbers and each of @p triples as its three "_x", "_y", "_z" numbers. Keys
+   * that were never saved are left out.
+   */
+  nlohmann::json savedDefaults(const QStringList& flags, const QStringList& integers,
+                               const QStringList& triples);
+  /** Saves @p values (booleans and numbers by key) as this filter type's defaults. */
+  void saveDefaults(const nlohmann::json& values);
+  /** The page's title bar: save as defaults and help. */
+  void addFilterPageTitle();
   /** Adds the data view of the chosen type once, after the first apply. */
   void addRepresentationAfterApply();
 

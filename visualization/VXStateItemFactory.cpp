@@ -3,6 +3,7 @@
 #include "visualization/FileToVXBridge.hpp"
 #include "visualization/KXToVXBridge.hpp"
 #include "visualization/VXFClip.hpp"
+#include "visualization/VXFSlice.hpp"
 #include "visualization/VXRepresentation.hpp"
 
 #include <vector>
@@ -36,7 +37,7 @@ std::vector<VXStateItemFactory::Entry>& table()
       { "VXEllipseAnnotationSource", Kind::GlobalSource, {} },
       { "VXDataSource", Kind::DataSource, {} },
       { "VXFClip", Kind::Filter, [](VXPipeline*) -> QObject* { return new VXFClip(); } },
-      { "VXFSlice", Kind::Filter, {} },
+      { "VXFSlice", Kind::Filter, [](VXPipeline*) -> QObject* { return new VXFSlice(); } },
       { "VXFThreshold", Kind::Filter, {} },
       { "VXOutlineRep", Kind::Representation, representationMaker(VXRepresentation::Outline),
         VXRepresentation::Outline },

@@ -3,7 +3,6 @@
 #include "visualization/QtWidgets/VXBoxWidget.hpp"
 #include "visualization/QtWidgets/VXPlaneWidget.hpp"
 #include "visualization/VXBox.hpp"
-#include "visualization/VXPlane.hpp"
 
 #include <QtCore/QSignalBlocker>
 #include <QtWidgets/QCheckBox>
@@ -57,18 +56,7 @@ VXFClipFilterWidget::VXFClipFilterWidget(VXFClip* filter, QWidget* parent)
   connect(filter, &VXFClip::showClipToolChanged, this,
           &VXFClipFilterWidget::updateShowClipToolCheckBox);
 
-  if (VXPlane* plane = filter->plane())
-  {
-    m_PlaneWidget->updateNormalsSpinBoxes(plane->getNormal());
-    m_PlaneWidget->updateOriginSpinBoxes(plane->getOrigin());
-    connect(plane, &VXPlane::normalsChanged, m_PlaneWidget, &VXPlaneWidget::updateNormalsSpinBoxes);
-    connect(plane, &VXPlane::originChanged, m_PlaneWidget, &VXPlaneWidget::updateOriginSpinBoxes);
-    connect(m_PlaneWidget, &VXPlaneWidget::normalsChanged, plane,
-            [plane](std::array<double, 3> normal) { plane->setNormal(normal); });
-    connect(m_PlaneWidget, &VXPlaneWidget::originChanged, plane,
-            [plane](std::array<double, 3> origin) { plane->setOrigin(origin); });
-    connect(plane, &VXPlane::planeChanged, filter, &VXCoreObject::requestRenderAll);
-  }
+  m_PlaneWidget->bindPlane(filter->plane());
   if (VXBox* box = filter->box())
   {
     auto show = [this, box]()
@@ -78,7 +66,6 @@ VXFClipFilterWidget::VXFClipFilterWidget(VXFClip* filter, QWidget* parent)
     connect(m_BoxWidget, &VXBoxWidget::transformChanged, box,
             [box](std::array<double, 3> translation, std::array<double, 3> rotation,
                   std::array<double, 3> scale) { box->setValues(translation, rotation, scale); });
-    connect(box, &VXBox::transformChanged, filter, &VXCoreObject::requestRenderAll);
   }
 }
 

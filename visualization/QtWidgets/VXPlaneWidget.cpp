@@ -1,5 +1,7 @@
 #include "visualization/QtWidgets/VXPlaneWidget.hpp"
 
+#include "visualization/VXPlane.hpp"
+
 #include <QtCore/QSignalBlocker>
 #include <QtWidgets/QDoubleSpinBox>
 #include <QtWidgets/QGridLayout>
@@ -52,6 +54,20 @@ std::array<double, 3> VXPlaneWidget::normal() const
 std::array<double, 3> VXPlaneWidget::origin() const
 {
   return { m_Origin[0]->value(), m_Origin[1]->value(), m_Origin[2]->value() };
+}
+
+void VXPlaneWidget::bindPlane(VXPlane* plane)
+{
+  if (plane == nullptr)
+    return;
+  updateNormalsSpinBoxes(plane->getNormal());
+  updateOriginSpinBoxes(plane->getOrigin());
+  connect(plane, &VXPlane::normalsChanged, this, &VXPlaneWidget::updateNormalsSpinBoxes);
+  connect(plane, &VXPlane::originChanged, this, &VXPlaneWidget::updateOriginSpinBoxes);
+  connect(this, &VXPlaneWidget::normalsChanged, plane,
+          [plane](std::array<double, 3> normal) { plane->setNormal(normal); });
+  connect(this, &VXPlaneWidget::originChanged, plane,
+          [plane](std::array<double, 3> origin) { plane->setOrigin(origin); });
 }
 
 void VXPlaneWidget::spinBoxValueChanged()

@@ -7,6 +7,7 @@
 #include <array>
 
 class QDoubleSpinBox;
+class VXPlane;
 
 /** The normal and origin of a cutting plane as six spin boxes. */
 class KXVTKLIB_EXPORT VXPlaneWidget : public QWidget
@@ -19,6 +20,8 @@ public:
 
   std::array<double, 3> normal() const;
   std::array<double, 3> origin() const;
+  /** Shows @p plane and edits it: each follows the other's changes. */
+  void bindPlane(VXPlane* plane);
 
 public Q_SLOTS:
   /** A box changed: emits the signal of its triple (both without a sender). */

@@ -1,11 +1,12 @@
-// The clip filter: a plane or a box cuts the data, the tools in the view follow the filter's
-// visibility, the active view and reloads, and the state keeps the tools where they were.
+// The clip and slice filters: a plane or a box cuts the data, the tools in the view follow the
+// filter's visibility, the active view and reloads, and the state keeps the tools where they were.
 #include "DataViewTestSupport.hpp"
 
 #include <visualization/QtWidgets/VXFClipFilterWidget.hpp>
 #include <visualization/QtWidgets/VXPlaneWidget.hpp>
 #include <visualization/VXBox.hpp>
 #include <visualization/VXFClip.hpp>
+#include <visualization/VXFSlice.hpp>
 #include <visualization/VXPlane.hpp>
 
 #include <gtest/gtest.h>
@@ -16,7 +17,9 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QStackedWidget>
 
+#include <vtkCutter.h>
 #include <vtkImageData.h>
+#include <vtkPolyData.h>
 #include <vtkTableBasedClipDataSet.h>
 #include <vtkUnstructuredGrid.h>
 
@@ -207,4 +210,41 @@ TEST(ClipFilter, StateKeepsTypeFlagsAndBothTools)
   EXPECT_EQ(output[0][0].toString(),
             "Hologram is not a valid representation type. Using Wireframe as the initial "
             "representation type to add for viewing the filtered results.");
+}
+
+TEST(SliceFilter, CutsWithThePlaneTakesTheClipsPlaneKeysAndKeepsItsToolHiddenWhenAsked)
+{
+  ScopedSettings settings;
+  Scene scene;
+  VXDataSource* source = scene.source(Cube());
+  auto* slice = new VXFSlice();
+  ASSERT_TRUE(scene.pipeline->addFilter(source, slice));
+  EXPECT_EQ(slice->name(), "Slice Filter");
+  ASSERT_NE(slice->plane(), nullptr);
+  EXPECT_TRUE(slice->plane()->isEnabled());
+
+  // the cut through the centre across x: the 10 x 10 cell faces of the plane x = 5
+  slice->applyFilter();
+  vtkPolyData* cut = slice->cutter()->GetOutput();
+  EXPECT_GE(cut->GetNumberOfCells(), 100);
+  EXPECT_EQ(Bounds(cut), (std::array<double, 6>{ 5, 5, 0, 10, 0, 10 }));
+  EXPECT_EQ(slice->findChildren<VXRepresentation*>().size(), 1);
+
+  // a clip filter's plane, as its state writes it, reads the same in a slice filter
+  VXFClip* clip = AddClip(scene, source);
+  clip->plane()->setValues({ 0.0, 0.0, 1.0 }, { 2.0, 3.0, 4.0 });
+  nlohmann::json state;
+  clip->write(state, {});
+  slice->read(state, {});
+  EXPECT_EQ(slice->plane()->getNormal(), (std::array<double, 3>{ 0.0, 0.0, 1.0 }));
+  EXPECT_EQ(slice->plane()->getOrigin(), (std::array<double, 3>{ 2.0, 3.0, 4.0 }));
+  slice->applyFilter();
+  EXPECT_EQ(Bounds(cut), (std::array<double, 6>{ 0, 10, 0, 10, 4, 4 }));
+
+  // shown again with the tool switched off, the tool stays hidden
+  slice->setVisibility(false);
+  EXPECT_FALSE(slice->plane()->isEnabled());
+  slice->setShowPlaneTool(false);
+  slice->setVisibility(true);
+  EXPECT_FALSE(slice->plane()->isEnabled());
 }
