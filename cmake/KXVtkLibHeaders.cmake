@@ -23,6 +23,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXFClip.hpp
   visualization/VXFilter.hpp
   visualization/VXFSlice.hpp
+  visualization/VXFThreshold.hpp
   visualization/VXGlobalSource.hpp
   visualization/VXLookupTable.hpp
   visualization/VXLookupTableModel.hpp
@@ -53,6 +54,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXDatasetInfoWidget.hpp
   visualization/QtWidgets/VXFClipFilterWidget.hpp
   visualization/QtWidgets/VXFSliceFilterWidget.hpp
+  visualization/QtWidgets/VXFThresholdFilterWidget.hpp
   visualization/QtWidgets/VXFrameRateCallback.hpp
   visualization/QtWidgets/VXGLWidget.hpp
   visualization/QtWidgets/VXGridAxesWidget.hpp

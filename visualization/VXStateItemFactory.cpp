@@ -4,6 +4,7 @@
 #include "visualization/KXToVXBridge.hpp"
 #include "visualization/VXFClip.hpp"
 #include "visualization/VXFSlice.hpp"
+#include "visualization/VXFThreshold.hpp"
 #include "visualization/VXRepresentation.hpp"
 
 #include <vector>
@@ -38,7 +39,7 @@ std::vector<VXStateItemFactory::Entry>& table()
       { "VXDataSource", Kind::DataSource, {} },
       { "VXFClip", Kind::Filter, [](VXPipeline*) -> QObject* { return new VXFClip(); } },
       { "VXFSlice", Kind::Filter, [](VXPipeline*) -> QObject* { return new VXFSlice(); } },
-      { "VXFThreshold", Kind::Filter, {} },
+      { "VXFThreshold", Kind::Filter, [](VXPipeline*) -> QObject* { return new VXFThreshold(); } },
       { "VXOutlineRep", Kind::Representation, representationMaker(VXRepresentation::Outline),
         VXRepresentation::Outline },
       { "VXPointsRep", Kind::Representation, representationMaker(VXRepresentation::Points),

@@ -1,12 +1,14 @@
 // The clip and slice filters: a plane or a box cuts the data, the tools in the view follow the
 // filter's visibility, the active view and reloads, and the state keeps the tools where they were.
 #include "DataViewTestSupport.hpp"
+#include "HostDataSupport.hpp"
 
 #include <visualization/QtWidgets/VXFClipFilterWidget.hpp>
 #include <visualization/QtWidgets/VXPlaneWidget.hpp>
 #include <visualization/VXBox.hpp>
 #include <visualization/VXFClip.hpp>
 #include <visualization/VXFSlice.hpp>
+#include <visualization/VXFThreshold.hpp>
 #include <visualization/VXPlane.hpp>
 
 #include <gtest/gtest.h>
@@ -17,10 +19,14 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QStackedWidget>
 
+#include <vtkCellData.h>
 #include <vtkCutter.h>
+#include <vtkFloatArray.h>
 #include <vtkImageData.h>
 #include <vtkPolyData.h>
+#include <vtkPointData.h>
 #include <vtkTableBasedClipDataSet.h>
+#include <vtkThreshold.h>
 #include <vtkUnstructuredGrid.h>
 
 using namespace dataviewtest;
@@ -247,4 +253,175 @@ TEST(SliceFilter, CutsWithThePlaneTakesTheClipsPlaneKeysAndKeepsItsToolHiddenWhe
   slice->setShowPlaneTool(false);
   slice->setVisibility(true);
   EXPECT_FALSE(slice->plane()->isEnabled());
+}
+
+namespace
+{
+/** 4 x 4 x 4 cells: a point array "Height" (the z of the point) and a cell vector "Flow". */
+vtkSmartPointer<vtkImageData> ThresholdInput(const char* vectorName = "Flow")
+{
+  auto image = Cube(4);
+  vtkNew<vtkFloatArray> height;
+  height->SetName("Height");
+  for (vtkIdType i = 0; i < image->GetNumberOfPoints(); ++i)
+    height->InsertNextValue(static_cast<float>(image->GetPoint(i)[2]));
+  image->GetPointData()->AddArray(height);
+  vtkNew<vtkFloatArray> flow;
+  flow->SetName(vectorName);
+  flow->SetNumberOfComponents(3);
+  for (vtkIdType i = 0; i < image->GetNumberOfCells(); ++i)
+    flow->InsertNextTuple3(double(i), 10.0 * double(i), -double(i));
+  image->GetCellData()->AddArray(flow);
+  return image;
+}
+} // namespace
+
+TEST(ThresholdFilter, OneRecordPerComponentEachWithItsRangeThroughApplyStateAndReload)
+{
+  ScopedSettings settings;
+  Scene scene;
+  auto image = ThresholdInput();
+  VXDataSource* source = scene.source(image);
+  auto* threshold = new VXFThreshold();
+  ASSERT_TRUE(scene.pipeline->addFilter(source, threshold));
+  EXPECT_EQ(threshold->name(), "Threshold Filter");
+
+  // point arrays first, then each component of the cell vector, each with its own data range
+  const auto& infos = threshold->activeArrayInfos();
+  ASSERT_EQ(infos.size(), 4u);
+  EXPECT_EQ(infos[0].displayName, "Height");
+  EXPECT_EQ(infos[2].displayName, "Flow (Comp 1)");
+  EXPECT_EQ((std::array<double, 2>{ infos[0].dataMin, infos[0].dataMax }),
+            (std::array<double, 2>{ 0.0, 4.0 }));
+  EXPECT_EQ((std::array<double, 2>{ infos[2].dataMin, infos[2].dataMax }),
+            (std::array<double, 2>{ 0.0, 630.0 }));
+  EXPECT_EQ((std::array<double, 2>{ infos[3].dataMin, infos[3].dataMax }),
+            (std::array<double, 2>{ -63.0, 0.0 }));
+
+  // component 1 between 0 and 150 keeps the cells 0..15: the first layer
+  threshold->setActiveArrayInfoIndex(2);
+  threshold->setUserRange(0.0, 150.0);
+  threshold->applyFilter();
+  EXPECT_EQ(threshold->thresholdFilter()->GetOutput()->GetNumberOfCells(), 16);
+  EXPECT_EQ(threshold->findChildren<VXRepresentation*>().size(), 1);
+
+  // the state keeps each record's range by name; an index past the end shows the first record
+  nlohmann::json state;
+  threshold->write(state, {});
+  EXPECT_EQ(state["threshold_active_array_index"], 2);
+  EXPECT_EQ(state["threshold_data_array_info"]["Flow (Comp 1)"]["threshold_info_user_range_1"],
+            150.0);
+  state["threshold_active_array_index"] = 9;
+  auto* loaded = new VXFThreshold();
+  loaded->setInputPort(source->outputPort());
+  testing::internal::CaptureStderr();
+  loaded->read(state, {});
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "VXFThreshold::setActiveArrayInfoIndex(): Index Out of bounds\n");
+  EXPECT_EQ(loaded->activeArrayInfoIndex(), 0u);
+  EXPECT_EQ(loaded->activeArrayInfos()[2].userMax, 150.0);
+  delete loaded;
+
+  // a reload that renames the vector drops its ranges; the point array keeps its own
+  threshold->setActiveArrayInfoIndex(0);
+  threshold->setUserRange(1.0, 2.0);
+  image->GetCellData()->GetArray("Flow")->SetName("Velocity");
+  image->Modified();
+  threshold->receivePipelineOutputReloaded();
+  ASSERT_EQ(infos.size(), 4u);
+  EXPECT_EQ(infos[0].userMax, 2.0);
+  EXPECT_EQ(infos[2].displayName, "Velocity (Comp 1)");
+  EXPECT_EQ(infos[2].userMax, 630.0);
+}
+
+TEST(ThresholdFilter, ChainsGoToTheHostAsOneMultiThresholdFilter)
+{
+  ScopedSettings settings;
+  Scene scene;
+  kxtest::TempDir dir;
+  VXDataSource* source =
+    scene.import(kxtest::writeSample(dir, "sample.voxelia", 8), "Microstructure");
+  ASSERT_NE(source, nullptr);
+  auto* first = new VXFThreshold();
+  ASSERT_TRUE(scene.pipeline->addFilter(source, first));
+  auto* second = new VXFThreshold();
+  ASSERT_TRUE(scene.pipeline->addFilter(first, second));
+  auto pick = [](VXFThreshold* filter, const QString& name)
+  {
+    const auto& infos = filter->activeArrayInfos();
+    for (size_t i = 0; i < infos.size(); ++i)
+      if (infos[i].displayName == name)
+        filter->setActiveArrayInfoIndex(i);
+  };
+  pick(first, "Phases");
+  first->setUserRange(1.0, 2.0);
+  pick(second, "FeatureIds");
+  second->setUserRange(3.0, 9.0);
+
+  std::vector<std::vector<KX::ArrayThresholdRange>> sent;
+  std::vector<std::string> paths;
+  QObject::connect(scene.pipeline.get(), &VXPipeline::createMultiThresholdObjectsFilter,
+                   [&](kx::core::DataPath path, std::vector<KX::ArrayThresholdRange> ranges)
+                   {
+                     paths.push_back(path.toString());
+                     sent.push_back(ranges);
+                   });
+  int answer = 1;
+  std::vector<VXUserPrompt::Choice> asked;
+  VXUserPrompt::setChoiceHandler(
+    [&](const VXUserPrompt::Choice& choice)
+    {
+      asked.push_back(choice);
+      return VXUserPrompt::ChoiceAnswer{ answer, false };
+    });
+  std::vector<VXUserPrompt::Question> boxes;
+  VXUserPrompt::setAskHandler(
+    [&](const VXUserPrompt::Question& question)
+    {
+      boxes.push_back(question);
+      return QMessageBox::Ok;
+    });
+
+  // "All Filters": the parent's range, then this one's
+  second->createMultiThresholdObjectsFilter();
+  ASSERT_EQ(asked.size(), 1u);
+  EXPECT_EQ(asked[0].title, "Create Multi-Threshold Objects Filter");
+  EXPECT_EQ(asked[0].buttons, (QStringList{ "Just This Filter", "All Filters", "Cancel" }));
+  ASSERT_EQ(sent.size(), 1u);
+  EXPECT_EQ(paths[0], "Microstructure");
+  ASSERT_EQ(sent[0].size(), 2u);
+  EXPECT_EQ(sent[0][0].arrayPath, "Phases");
+  EXPECT_EQ(sent[0][1].arrayPath, "FeatureIds");
+  EXPECT_EQ(sent[0][1].upperBound, 9.0);
+
+  // "Just This Filter" sends one range; "Cancel" sends nothing
+  answer = 0;
+  second->createMultiThresholdObjectsFilter();
+  ASSERT_EQ(sent.size(), 2u);
+  ASSERT_EQ(sent[1].size(), 1u);
+  EXPECT_EQ(sent[1][0].arrayPath, "FeatureIds");
+  answer = 2;
+  second->createMultiThresholdObjectsFilter();
+  EXPECT_EQ(sent.size(), 2u);
+
+  // a component of a vector can't go: a box and the same text in the output
+  QSignalSpy output(scene.pipeline.get(), &VXPipeline::sendOutputMessage);
+  pick(second, "EulerAngles (Comp 0)");
+  answer = 1;
+  second->createMultiThresholdObjectsFilter();
+  EXPECT_EQ(sent.size(), 2u);
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_EQ(boxes[0].title, "Cannot Create Multi-Threshold Objects Filter");
+  EXPECT_EQ(boxes[0].text, VXFThreshold::k_MultiComponentText);
+  ASSERT_EQ(output.size(), 1);
+  EXPECT_EQ(output[0][0].toString(), VXFThreshold::k_MultiComponentText);
+
+  // without a host geometry above it there is nothing to hand over
+  auto* orphan = new VXFThreshold();
+  ASSERT_TRUE(scene.pipeline->addFilter(scene.source(ThresholdInput()), orphan));
+  orphan->createMultiThresholdObjectsFilter();
+  ASSERT_EQ(boxes.size(), 2u);
+  EXPECT_EQ(boxes[1].text, VXFThreshold::k_NoGeometryText);
+  VXUserPrompt::setChoiceHandler({});
+  VXUserPrompt::setAskHandler({});
 }

@@ -90,7 +90,7 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
   ASSERT_NE(filters, nullptr);
   EXPECT_EQ(texts(filters), (QStringList{ "Clip", "Slice", "Threshold" }));
   EXPECT_TRUE(action(filters, "Slice")->isEnabled());
-  EXPECT_FALSE(action(filters, "Threshold")->isEnabled());
+  EXPECT_TRUE(action(filters, "Threshold")->isEnabled());
   // "Clip" puts a clip filter under the source
   ASSERT_TRUE(action(filters, "Clip")->isEnabled());
   action(filters, "Clip")->trigger();

@@ -65,8 +65,7 @@ TEST_F(LoadRulesFixture, UnknownAndNotYetAvailableTypesUnderASourceAreReportedAn
   // unknown here
   ASSERT_FALSE(VXRepresentation::IsRegistered(VXRepresentation::ImageSlice));
   const QStringList unknown = { "VXMystery",        "VXSliceRep",       "VXImageSliceRep ",
-                                "VXDistanceSource", "VXFImageResample", "VXFQuadricClustering",
-                                "VXFThreshold" };
+                                "VXDistanceSource", "VXFImageResample", "VXFQuadricClustering" };
   json children = json::array();
   children.push_back(item("VXPointsRep"));
   for (const QString& type : unknown)
