@@ -76,8 +76,7 @@ Run runProcess(const std::vector<std::string>& argv, const fs::path& logPath,
   rusage usage{};
   if (pid < 0 || wait4(pid, &status, 0, &usage) < 0)
     return run;
-  run.seconds =
-    std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   run.peakKiB = usage.ru_maxrss;
   run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   std::ifstream in(logPath);
@@ -207,9 +206,11 @@ int main(int argc, char** argv)
   for (const PeerFile& file : files)
   {
     const long dataKiB = sizeAsRead(file.path);
-    std::vector<std::string> ours = { viewer,     "--screenshot", (scratch / (file.name + "-kxvtk.png")).string(),
-                                      "--size",   "800x600",      "--color-by",
-                                      file.array, "--print-frames" };
+    std::vector<std::string> ours = {
+      viewer,     "--screenshot",  (scratch / (file.name + "-kxvtk.png")).string(),
+      "--size",   "800x600",       "--color-by",
+      file.array, "--print-frames"
+    };
     ours.insert(ours.end(), file.viewerExtra.begin(), file.viewerExtra.end());
     ours.push_back(file.path.string());
     const std::vector<std::string> theirs = {

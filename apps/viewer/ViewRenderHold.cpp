@@ -61,8 +61,8 @@ bool ViewRenderHold::eventFilter(QObject* watched, QEvent* event)
   else if (event->type() == QEvent::Paint)
   {
     // a held view's paint would draw (after a show or a resize) or show a frame never drawn
-    if (auto* view = qobject_cast<VXVisualizationWidget*>(watched); view != nullptr &&
-                                                                    m_Held.contains(view))
+    if (auto* view = qobject_cast<VXVisualizationWidget*>(watched);
+        view != nullptr && m_Held.contains(view))
     {
       stopDrawing(view);
       return true;
