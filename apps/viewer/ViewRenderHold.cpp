@@ -2,8 +2,10 @@
 
 #include <visualization/QtWidgets/VXVisualizationWidget.hpp>
 
+#include <vtkCommand.h>
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkRenderWindowInteractor.h>
+#include <vtkRenderer.h>
 
 #include <QtCore/QEvent>
 #include <QtWidgets/QApplication>
@@ -30,17 +32,24 @@ void ViewRenderHold::release(bool drawNow)
   m_Holding = false;
   if (QCoreApplication::instance() != nullptr)
     QCoreApplication::instance()->removeEventFilter(this);
+  for (const auto& [view, tag] : std::as_const(m_OneFrame))
+  {
+    if (view != nullptr && view->renderWindow() != nullptr)
+      view->renderWindow()->RemoveObserver(tag);
+  }
+  m_OneFrame.clear();
+  for (const QPointer<VXVisualizationWidget>& view : std::as_const(m_SceneLeftOut))
+  {
+    if (view != nullptr && view->getRenderer() != nullptr)
+      view->getRenderer()->DrawOn();
+  }
+  m_SceneLeftOut.clear();
   for (const QPointer<VXVisualizationWidget>& view : std::as_const(m_Held))
   {
     if (view == nullptr)
       continue;
     disconnect(view, nullptr, this, nullptr);
-    // a window gets its OpenGL context with the view's first show; before that it can't draw
-    if (auto* window = vtkGenericOpenGLRenderWindow::SafeDownCast(view->renderWindow());
-        window != nullptr && view->isValid())
-      window->SetReadyForRendering(true);
-    if (view->getRenderWindowInteractor() != nullptr)
-      view->getRenderWindowInteractor()->EnableRenderOn();
+    letDraw(view);
     if (drawNow)
     {
       view->render();
@@ -48,6 +57,51 @@ void ViewRenderHold::release(bool drawNow)
     }
   }
   m_Held.clear();
+}
+
+void ViewRenderHold::allowOneFrame()
+{
+  if (!m_Holding)
+    return;
+  for (const QPointer<VXVisualizationWidget>& view : std::as_const(m_Held))
+  {
+    if (view == nullptr || view->renderWindow() == nullptr)
+      continue;
+    letDraw(view);
+    m_OneFrame.append({ view, view->renderWindow()->AddObserver(vtkCommand::EndEvent, this,
+                                                                &ViewRenderHold::onFrameEnd) });
+  }
+}
+
+void ViewRenderHold::onFrameEnd(vtkObject* caller, unsigned long, void*)
+{
+  for (qsizetype i = 0; i < m_OneFrame.size(); ++i)
+  {
+    VXVisualizationWidget* view = m_OneFrame[i].first;
+    if (view == nullptr || view->renderWindow() != caller)
+      continue;
+    view->renderWindow()->RemoveObserver(m_OneFrame[i].second);
+    m_OneFrame.removeAt(i);
+    // the frames after it (the capture puts the view back on screen) leave the scene out: the
+    // capture has read the frame it needs, and nobody looks at the window
+    vtkRenderer* scene = view->getRenderer();
+    if (scene != nullptr && scene->GetDraw() != 0)
+    {
+      scene->DrawOff();
+      m_SceneLeftOut << view;
+    }
+    return;
+  }
+}
+
+void ViewRenderHold::letDraw(VXVisualizationWidget* view)
+{
+  // a window gets its OpenGL context with the view's first show; before that it can't draw
+  if (auto* window = vtkGenericOpenGLRenderWindow::SafeDownCast(view->renderWindow());
+      window != nullptr && view->isValid())
+    window->SetReadyForRendering(true);
+  if (view->getRenderWindowInteractor() != nullptr)
+    view->getRenderWindowInteractor()->EnableRenderOn();
 }
 
 bool ViewRenderHold::eventFilter(QObject* watched, QEvent* event)

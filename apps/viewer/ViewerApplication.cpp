@@ -399,9 +399,10 @@ bool ViewerApplication::saveScreenshot()
 {
   m_Window->show();
   fitViewsToRequestedSize();
-  // the capture draws each view itself: a frame before it would be drawn for nobody
+  // the capture draws each view itself: a frame before it would be drawn for nobody, and so
+  // would the frame that puts the view back on screen after it
   if (m_Hold != nullptr)
-    m_Hold->release(false);
+    m_Hold->allowOneFrame();
   const QImage image = m_Window->module()->grabAllViewsImage();
   QSaveFile file(m_Options.screenshotPath);
   if (image.isNull() || !file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") ||
