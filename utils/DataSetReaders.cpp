@@ -3,6 +3,7 @@
 #include <vtkAlgorithm.h>
 #include <vtkBMPReader.h>
 #include <vtkCallbackCommand.h>
+#include <vtkCellArray.h>
 #include <vtkCommand.h>
 #include <vtkDataSetReader.h>
 #include <vtkExecutive.h>
@@ -11,8 +12,10 @@
 #include <vtkJPEGReader.h>
 #include <vtkNew.h>
 #include <vtkPNGReader.h>
+#include <vtkPolyData.h>
 #include <vtkSTLReader.h>
 #include <vtkTIFFReader.h>
+#include <vtkUnstructuredGrid.h>
 #include <vtkXMLImageDataReader.h>
 #include <vtkXMLPolyDataReader.h>
 #include <vtkXMLRectilinearGridReader.h>
@@ -95,6 +98,24 @@ vtkSmartPointer<vtkDataSet> readImage(const std::string& path)
   reader->SetFileName(path.c_str());
   return runReader(reader);
 }
+
+/** Readers give 64-bit cell connectivity; ids that fit in 32 bits take half the memory there. */
+void compactCellStorage(vtkDataSet* dataSet)
+{
+  const auto compact = [](vtkCellArray* cells)
+  {
+    if (cells != nullptr && cells->IsStorage64Bit() && cells->CanConvertTo32BitStorage())
+      cells->ConvertTo32BitStorage();
+  };
+  if (auto* poly = vtkPolyData::SafeDownCast(dataSet))
+  {
+    for (vtkCellArray* cells :
+         { poly->GetVerts(), poly->GetLines(), poly->GetPolys(), poly->GetStrips() })
+      compact(cells);
+  }
+  else if (auto* grid = vtkUnstructuredGrid::SafeDownCast(dataSet))
+    compact(grid->GetCells());
+}
 } // namespace
 
 const QStringList& DataSetSuffixes()
@@ -144,7 +165,10 @@ vtkSmartPointer<vtkDataSet> ReadDataSetFile(const QString& filePath, bool isImag
     result = readStl(path);
 
   if (result)
+  {
     result->SetObjectName(info.completeBaseName().toStdString());
+    compactCellStorage(result);
+  }
   return result;
 }
 } // namespace KXVtk::utils

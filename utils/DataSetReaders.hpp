@@ -15,8 +15,9 @@ namespace KXVtk::utils
  * lower-case suffix. Without isImage: "vti", "vtr", "vts", "vtu", "vtp" (VTK
  * XML), "vtk" (legacy) and "stl". With isImage: "jpeg", "jpg", "png", "tif",
  * "tiff" and "bmp", giving a one-slice vtkImageData whose pixels are point data.
- * The data set's object name is the file's base name. Null when the suffix is
- * not one of these or the file can't be read; readers' errors are not printed.
+ * The data set's object name is the file's base name; the cells of meshes are
+ * kept in 32-bit storage where the point ids fit. Null when the suffix is not
+ * one of these or the file can't be read; readers' errors are not printed.
  */
 KXVTKLIB_EXPORT vtkSmartPointer<vtkDataSet> ReadDataSetFile(const QString& filePath,
                                                             bool isImage = false);

@@ -12,6 +12,7 @@
 
 #include <vtkCellType.h>
 #include <vtkDataSet.h>
+#include <vtkCellArray.h>
 #include <vtkPolyData.h>
 #include <vtkType.h>
 #include <vtkUnstructuredGrid.h>
@@ -156,7 +157,10 @@ VXRepresentation::Type VXPipeline::DefaultRepresentationType(vtkDataSet* dataSet
         return s_DefaultEdgeRepType;
       if (poly->GetNumberOfPolys() >= 1)
       {
-        switch (poly->GetCellType(0))
+        // the first cell is the first polygon; its size gives its type without the cell map
+        // that GetCellType builds over all cells (a large copy of a mesh's connectivity)
+        const vtkIdType size = poly->GetPolys()->GetCellSize(0);
+        switch (size == 3 ? VTK_TRIANGLE : size == 4 ? VTK_QUAD : VTK_POLYGON)
         {
           case VTK_TRIANGLE:
             return s_DefaultTriangleRepType;

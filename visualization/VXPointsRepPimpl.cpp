@@ -841,6 +841,11 @@ void VXPointsRepPimpl::decimateGeometry()
 {
   if (m_GeometryFilter == nullptr || !m_UseDecimationOnInteraction)
     return;
+  // the coarse copy of a large data set is as large as a good part of it: it is built when an
+  // interaction first shows it, not each time the geometry or a decimation value changes
+  m_DecimationOutOfDate = true;
+  if (!m_UsingDecimatedGeometry)
+    return;
   m_QuadricClustering->SetInputConnection(m_GeometryFilter->GetOutputPort());
   m_QuadricClustering->SetNumberOfDivisions(m_DecimationDivisions[0], m_DecimationDivisions[1],
                                             m_DecimationDivisions[2]);
@@ -854,14 +859,12 @@ void VXPointsRepPimpl::decimateGeometry()
 
 void VXPointsRepPimpl::useDecimatedGeometry()
 {
-  if (m_GeometryFilter == nullptr || m_UsingDecimatedGeometry)
+  if (m_GeometryFilter == nullptr || m_UsingDecimatedGeometry || !m_UseDecimationOnInteraction)
     return;
+  m_UsingDecimatedGeometry = true;
   if (m_DecimationOutOfDate || m_QuadricClustering->GetNumberOfInputConnections(0) == 0)
     decimateGeometry();
-  if (m_QuadricClustering->GetNumberOfInputConnections(0) == 0)
-    return;
   m_Mapper->SetInputConnection(m_QuadricClustering->GetOutputPort());
-  m_UsingDecimatedGeometry = true;
 }
 
 void VXPointsRepPimpl::useFullGeometry()

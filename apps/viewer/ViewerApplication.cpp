@@ -1,5 +1,7 @@
 #include "ViewerApplication.hpp"
 
+#include "ViewRenderHold.hpp"
+
 #include <visualization/QtWidgets/VXAbstractViewWidget.hpp>
 #include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/QtWidgets/VXViewGridWidget.hpp>
@@ -17,6 +19,7 @@
 #include <vtkRenderer.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
 #include <QtGui/QImage>
@@ -91,6 +94,8 @@ ViewerApplication::ViewerApplication(ViewerOptions options)
                                  { return QString(); });
     VXUserPrompt::setColorHandler([](const QColor&, const QString&) { return QColor(); });
     VXUserPrompt::setDialogHandler([](QDialog&) { return int(QDialog::Rejected); });
+    // nobody sees the window: the capture draws the only frames
+    m_Hold = std::make_unique<ViewRenderHold>();
   }
   m_Window = std::make_unique<ViewerMainWindow>();
   m_Window->resize(m_Options.size);
@@ -103,6 +108,7 @@ ViewerApplication::ViewerApplication(ViewerOptions options)
 
 ViewerApplication::~ViewerApplication()
 {
+  m_Hold.reset();
   m_Window.reset();
   if (m_Options.isBatch())
     VXUserPrompt::resetHandlers();
@@ -365,19 +371,39 @@ void ViewerApplication::fitViewsToRequestedSize()
 
 void ViewerApplication::showWindow()
 {
+  // showing, sizing and the first paint draw nothing: each view draws its first frame once,
+  // with everything in place
+  m_Hold = std::make_unique<ViewRenderHold>();
   m_Window->show();
   if (m_Options.sizeGiven)
     fitViewsToRequestedSize();
+  QElapsedTimer waited;
+  waited.start();
+  const auto allReady = [this]()
+  {
+    for (VXAbstractViewWidget* view : m_Window->module()->getAllViewWidgets())
+    {
+      if (!view->getVisualizationWidget()->isValid())
+        return false;
+    }
+    return true;
+  };
+  while (!allReady() && waited.elapsed() < 2000)
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+  settle();
+  m_Hold->release(true);
+  m_Hold.reset();
 }
 
 bool ViewerApplication::saveScreenshot()
 {
   m_Window->show();
   fitViewsToRequestedSize();
-  VXVisualizationModuleWidget* module = m_Window->module();
-  module->renderAllViews();
-  settle();
-  const QImage image = module->grabAllViewsImage();
+  // the capture draws each view itself: a frame before it would be drawn for nobody, and so
+  // would the frame that puts the view back on screen after it
+  if (m_Hold != nullptr)
+    m_Hold->allowOneFrame();
+  const QImage image = m_Window->module()->grabAllViewsImage();
   QSaveFile file(m_Options.screenshotPath);
   if (image.isNull() || !file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") ||
       !file.commit())

@@ -7,6 +7,8 @@
 
 #include <memory>
 
+class ViewRenderHold;
+
 /**
  * Runs the viewer's command line: opens the files and the state file in the
  * main window, then either leaves the window to the user or, in a batch run,
@@ -23,9 +25,11 @@ public:
   bool load();
   /** Writes the state file asked for; false on failure. */
   bool saveState();
-  /** Renders all views and writes the PNG; false on failure. */
+  /** Captures all views (a batch run draws nothing before) and writes the PNG; false on failure.
+   */
   bool saveScreenshot();
-  /** Shows the window; a size given on the command line is the size of the render area. */
+  /** Shows the window; a size given on the command line is the size of the render area. Each
+   * view draws its first frame once the window is laid out. */
   void showWindow();
   /** Gives the render area the requested size (the pipeline browser keeps its own width). */
   void fitViewsToRequestedSize();
@@ -42,6 +46,8 @@ private:
   void frameViews();
 
   ViewerOptions m_Options;
+  /** Keeps the views from drawing while the window is put together. */
+  std::unique_ptr<ViewRenderHold> m_Hold;
   std::unique_ptr<ViewerMainWindow> m_Window;
   QStringList m_Errors;
 };

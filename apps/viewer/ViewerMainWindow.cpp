@@ -1,5 +1,7 @@
 #include "ViewerMainWindow.hpp"
 
+#include <KXComponents/QtKXSettings.hpp>
+
 #include <MicrostructureGenerator.hpp>
 
 #include <visualization/FileToVXBridge.hpp>
@@ -46,7 +48,12 @@ const std::array<std::pair<Getter, Setter>, 9> k_Defaults = { {
 
 ViewerMainWindow::ViewerMainWindow(QWidget* parent)
   : QMainWindow(parent)
+  , m_PreviousSettingsDefaults(QtKXSettings::HostDefaults())
 {
+  // before the module reads any setting: the viewer's defaults where the user saved none
+  QVariantMap defaults = m_PreviousSettingsDefaults;
+  defaults.insert(k_SurfaceEdgesKey, false);
+  QtKXSettings::SetHostDefaults(defaults);
   setWindowTitle("KXVtk Viewer");
   setAcceptDrops(true);
   m_Module = new VXVisualizationModuleWidget(this);
@@ -87,6 +94,7 @@ ViewerMainWindow::~ViewerMainWindow()
 {
   for (std::size_t i = 0; i < k_Defaults.size(); ++i)
     k_Defaults[i].second(m_PreviousDefaults[i]);
+  QtKXSettings::SetHostDefaults(m_PreviousSettingsDefaults);
 }
 
 void ViewerMainWindow::showEvent(QShowEvent* event)

@@ -5,6 +5,7 @@
 #include <kxcore/DataStructure.hpp>
 #include <visualization/VXRepresentation.hpp>
 
+#include <QtCore/QVariantMap>
 #include <QtWidgets/QMainWindow>
 
 #include <array>
@@ -24,8 +25,11 @@ class VXVisualizationModuleWidget;
  * As the host, it chooses the first data view of each kind of data set: meshes
  * and small grids as surfaces, points as points, lines as wireframes, and grids
  * of more than k_LargeGridCells cells as outlines (a voxel surface of that size
- * is slow and hides the inside). The pipeline's defaults are restored when the
- * window goes.
+ * is slow and hides the inside). Its settings defaults differ from the
+ * library's where large data needs it: surfaces open without cell edges, which
+ * would cover a mesh of millions of triangles or a voxel surface in black. A
+ * value the user saved still wins. The pipeline's and the settings' defaults are
+ * restored when the window goes.
  */
 class ViewerMainWindow : public QMainWindow
 {
@@ -34,6 +38,9 @@ class ViewerMainWindow : public QMainWindow
 public:
   /** Image, rectilinear and structured grids with more cells than this open as outlines. */
   static constexpr long long k_LargeGridCells = 64LL * 64 * 64;
+  /** The settings key of the surface data view's cell edges, which the viewer turns off. */
+  static constexpr const char* k_SurfaceEdgesKey =
+    "VisualizationSettings/RepresentationSettings/VXSurfaceRep/edge_visibility";
 
   explicit ViewerMainWindow(QWidget* parent = nullptr);
   ~ViewerMainWindow() override;
@@ -72,4 +79,5 @@ private:
   bool m_DocksSized = false;
   bool m_GridDataViewBySize = true;
   std::array<VXRepresentation::Type, 9> m_PreviousDefaults{};
+  QVariantMap m_PreviousSettingsDefaults;
 };

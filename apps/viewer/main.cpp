@@ -2,7 +2,8 @@
 // them to a PNG / saves their state without a window.
 //
 //   kxvtk-viewer [--state FILE] [--save-state FILE] [--screenshot OUT.png] [--size WxH]
-//                [--representation NAME] [--color-by ARRAY] [--no-edges] FILE...
+//                [--representation NAME] [--color-by ARRAY] [--no-edges] [--print-frames] FILE...
+#include "ViewFrameCounter.hpp"
 #include "ViewerApplication.hpp"
 
 #include <utils/GuiProcess.hpp>
@@ -12,6 +13,7 @@
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
+#include <memory>
 
 int main(int argc, char** argv)
 {
@@ -34,7 +36,10 @@ int main(int argc, char** argv)
     "NAME");
   const QCommandLineOption colorBy("color-by", "Colour by this point or cell array.", "ARRAY");
   const QCommandLineOption noEdges("no-edges", "Draw surfaces without their cell edges.");
-  parser.addOptions({ state, saveState, screenshot, size, representation, colorBy, noEdges });
+  const QCommandLineOption printFrames(
+    "print-frames", "Before exiting, print how many frames each view drew (to stderr).");
+  parser.addOptions(
+    { state, saveState, screenshot, size, representation, colorBy, noEdges, printFrames });
   parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "[FILE...]");
   parser.process(app);
 
@@ -71,6 +76,14 @@ int main(int argc, char** argv)
     return 2;
   }
 
+  std::unique_ptr<ViewFrameCounter> frames;
+  if (parser.isSet(printFrames))
+    frames = std::make_unique<ViewFrameCounter>();
+  const auto reportFrames = [&frames]()
+  {
+    if (frames != nullptr)
+      std::fprintf(stderr, "%s\n", qPrintable(frames->summary()));
+  };
   ViewerApplication viewer(options);
   if (!viewer.load())
     return 1;
@@ -80,8 +93,10 @@ int main(int argc, char** argv)
       return 1;
     if (!options.screenshotPath.isEmpty() && !viewer.saveScreenshot())
       return 1;
+    reportFrames();
     return 0;
   }
   viewer.showWindow();
+  QObject::connect(&app, &QCoreApplication::aboutToQuit, reportFrames);
   return QApplication::exec();
 }

@@ -5,6 +5,7 @@
 
 #include <visualization/QtWidgets/VXCustomRangeDialog.hpp>
 #include <visualization/VXColoringSettings.hpp>
+#include <visualization/VXDataSource.hpp>
 #include <visualization/VXOutlineRep.hpp>
 #include <visualization/VXPointsRep.hpp>
 #include <visualization/VXRepresentationUtils.hpp>
@@ -26,11 +27,13 @@
 #include <QtWidgets/QPushButton>
 
 #include <vtkActor.h>
+#include <vtkCellArray.h>
 #include <vtkCellData.h>
 #include <vtkDoubleArray.h>
 #include <vtkFloatArray.h>
 #include <vtkGridAxesActor3D.h>
 #include <vtkPointData.h>
+#include <vtkPoints.h>
 #include <vtkPolyData.h>
 #include <vtkPolyDataMapper.h>
 #include <vtkProperty.h>
@@ -659,7 +662,7 @@ TEST_F(DataViewColoring, FollowingTheParentColoursAndDetachingAgain)
   EXPECT_EQ(surface->solidColor(), QColor(9, 9, 9));
 }
 
-TEST_F(DataViewDecimation, PressSwitchesToTheCoarseCopyAndTheEndOfInteractionBack)
+TEST_F(DataViewDecimation, FullGeometrySharesTheSourceAndTheCoarseCopyWaitsForAPress)
 {
   VXDataSource* source = scene.source(makeSphere());
   auto* surface = scene.add(source, VXRepresentation::Surface);
@@ -672,6 +675,11 @@ TEST_F(DataViewDecimation, PressSwitchesToTheCoarseCopyAndTheEndOfInteractionBac
   vtkPolyData* full = vtkPolyData::SafeDownCast(surface->actor()->GetMapper()->GetInput());
   ASSERT_NE(full, nullptr);
   const vtkIdType fullCells = full->GetNumberOfCells();
+  // the surface of a poly data set draws the source's own points and cells, not copies
+  auto* data = vtkPolyData::SafeDownCast(source->getOutput());
+  ASSERT_NE(data, nullptr);
+  EXPECT_EQ(full->GetPoints()->GetData(), data->GetPoints()->GetData());
+  EXPECT_EQ(full->GetPolys(), data->GetPolys());
 
   // off by default: a press changes nothing
   interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent);
@@ -680,6 +688,8 @@ TEST_F(DataViewDecimation, PressSwitchesToTheCoarseCopyAndTheEndOfInteractionBac
 
   surface->setNumberOfDimensions({ 4, 4, 4 });
   surface->setUseDecimationOnInteraction(true);
+  // switched on, the coarse copy is still not built: the first press that shows it builds it
+  EXPECT_EQ(surface->quadricClustering()->GetOutput()->GetNumberOfCells(), 0);
   interactor->InvokeEvent(vtkCommand::LeftButtonPressEvent);
   ASSERT_TRUE(surface->usingDecimatedGeometry());
   surface->actor()->GetMapper()->Update();

@@ -6,9 +6,12 @@
 #include <kxcore/DataArray.hpp>
 #include <kxcore/DataStore.hpp>
 
+#include <vtkCellArray.h>
 #include <vtkCellData.h>
 #include <vtkDataSet.h>
 #include <vtkPointData.h>
+#include <vtkPolyData.h>
+#include <vtkUnstructuredGrid.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QSaveFile>
@@ -92,6 +95,15 @@ TEST(FileBridge, RealFilesBecomeDataSources)
     EXPECT_TRUE(expected.cellArray.empty() ||
                 dataSet->GetCellData()->GetAbstractArray(expected.cellArray.c_str()) != nullptr)
       << expected.cellArray;
+    // mesh cells take 32-bit ids, half the memory of the 64 bit the readers give
+    if (auto* poly = vtkPolyData::SafeDownCast(dataSet))
+    {
+      for (vtkCellArray* cells :
+           { poly->GetVerts(), poly->GetLines(), poly->GetPolys(), poly->GetStrips() })
+        EXPECT_FALSE(cells->IsStorage64Bit());
+    }
+    if (auto* grid = vtkUnstructuredGrid::SafeDownCast(dataSet))
+      EXPECT_FALSE(grid->GetCells()->IsStorage64Bit());
     if (expected.firstPointArrayComponents > 0)
     {
       ASSERT_GT(dataSet->GetPointData()->GetNumberOfArrays(), 0);

@@ -109,6 +109,17 @@ TEST(Pipeline, DefaultDataViewByDataSetType)
   for (size_t i = 0; i < cases.size(); i++)
     EXPECT_EQ(VXPipeline::DefaultRepresentationType(cases[i].first), cases[i].second)
       << "case " << i;
+
+  // the choice reads the first polygon only: no cell map (a copy the size of the connectivity)
+  // is built over a mesh that may hold millions of them
+  for (const int type : { VTK_TRIANGLE, VTK_QUAD })
+  {
+    vtkSmartPointer<vtkPolyData> mesh = polyWith(0, 0, type);
+    ASSERT_TRUE(mesh->NeedToBuildCells());
+    EXPECT_EQ(VXPipeline::DefaultRepresentationType(mesh),
+              type == VTK_TRIANGLE ? R::Glyph : R::ImageSlice);
+    EXPECT_TRUE(mesh->NeedToBuildCells());
+  }
 }
 
 TEST(Pipeline, DataSourcesGetTheirDefaultDataView)

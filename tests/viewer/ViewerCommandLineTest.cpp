@@ -15,6 +15,7 @@
 #include <visualization/VXUserPrompt.hpp>
 
 #include <KXComponents/KXStyle.hpp>
+#include <KXComponents/QtKXSettings.hpp>
 
 #include <vtkCellArray.h>
 #include <vtkCellData.h>
@@ -46,6 +47,7 @@
 #include <QtWidgets/QToolButton>
 
 #include <cmath>
+#include <tuple>
 
 namespace
 {
@@ -387,28 +389,46 @@ TEST(ViewerWindow, EveryIconTheLibraryAsksForIsDrawnAndTheToolStripShowsIcons)
   EXPECT_EQ(pictures.size(), buttons.size());
 }
 
-TEST(ViewerWindow, NoEdgesDrawsSurfacesWithoutCellEdges)
+TEST(ViewerWindow, SurfacesOpenWithoutCellEdgesUnlessTheUserSavedThem)
 {
   dataviewtest::ScopedSettings settings;
   moduletest::ScriptedDialogs dialogs;
-  for (const bool hide : { false, true })
+  const QString edgesKey = ViewerMainWindow::k_SurfaceEdgesKey;
+  // the viewer's own default; a value the user saved; --no-edges over the user's value
+  for (const auto& [saved, hide, expected] :
+       { std::tuple{ QVariant(), false, false }, std::tuple{ QVariant(true), false, true },
+         std::tuple{ QVariant(true), true, false } })
   {
-    SCOPED_TRACE(hide ? "--no-edges" : "edges by default");
+    SCOPED_TRACE(saved.isValid() ? (hide ? "saved on, --no-edges" : "saved on") : "default");
+    {
+      QtKXSettings user;
+      if (saved.isValid())
+        user.setValue(edgesKey, saved);
+      else
+        user.remove(edgesKey);
+    }
     ViewerOptions options;
     options.files << QStringLiteral(KXVTK_DATA_DIR "/Hexahedron.vtu");
     options.representation = "Surface";
     options.hideEdges = hide;
-    ViewerApplication viewer(options);
-    ASSERT_TRUE(viewer.load());
-    VXDataSource* source =
-      viewer.window()->module()->pipeline()->bridges().front()->dataSources().value(0);
-    ASSERT_NE(source, nullptr);
-    auto* surface = source->findChild<VXRepresentation*>(QString(), Qt::FindDirectChildrenOnly);
-    ASSERT_NE(surface, nullptr);
-    ASSERT_EQ(surface->type(), VXRepresentation::Surface);
-    auto* drawn = dynamic_cast<VXOutlineRepPimpl*>(surface->activeImplementation());
-    ASSERT_NE(drawn, nullptr);
-    EXPECT_EQ(drawn->edgeVisibility(), !hide);
-    EXPECT_EQ(drawn->actor()->GetProperty()->GetEdgeVisibility() != 0, !hide);
+    {
+      ViewerApplication viewer(options);
+      ASSERT_TRUE(viewer.load());
+      VXDataSource* source =
+        viewer.window()->module()->pipeline()->bridges().front()->dataSources().value(0);
+      ASSERT_NE(source, nullptr);
+      auto* surface = source->findChild<VXRepresentation*>(QString(), Qt::FindDirectChildrenOnly);
+      ASSERT_NE(surface, nullptr);
+      ASSERT_EQ(surface->type(), VXRepresentation::Surface);
+      auto* drawn = dynamic_cast<VXOutlineRepPimpl*>(surface->activeImplementation());
+      ASSERT_NE(drawn, nullptr);
+      EXPECT_EQ(drawn->edgeVisibility(), expected);
+      EXPECT_EQ(drawn->actor()->GetProperty()->GetEdgeVisibility() != 0, expected);
+    }
+    // the viewer wrote nothing to the user's settings, and left the library its own defaults
+    EXPECT_TRUE(QtKXSettings::HostDefaults().isEmpty());
+    QtKXSettings after;
+    EXPECT_EQ(after.contains(edgesKey), saved.isValid());
+    EXPECT_EQ(after.value(edgesKey).toBool(), saved.toBool());
   }
 }

@@ -1,8 +1,10 @@
 // The viewer's main window driven in-process: split and linked views, the
-// composite screenshot, the host pipeline menu and the output dock.
+// composite screenshot, the host pipeline menu, the output dock and the frames
+// a start and a screenshot draw.
 #include "../dataviews/DataViewTestSupport.hpp"
 #include "../module/ModuleTestSupport.hpp"
 
+#include "ViewFrameCounter.hpp"
 #include "ViewerApplication.hpp"
 #include "ViewerMainWindow.hpp"
 
@@ -27,6 +29,7 @@
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QPlainTextEdit>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <string>
@@ -323,4 +326,95 @@ TEST_F(ViewerFixture, OutputDockShowsModuleMessages)
   EXPECT_TRUE(
     outputText().contains(QString("Error loading state from '%1': malformed JSON").arg(broken)))
     << outputText().toStdString();
+}
+
+TEST_F(ViewerFixture, PictureCostsOneFrameAndAStartDrawsEachViewOnce)
+{
+  const QString data = moduletest::qpath(pipelinetest::writeSample(m_Dir));
+  // a state of two split views, saved from the window as a user would
+  const QString splitState = moduletest::qpath(m_Dir / "split.vlxstate");
+  {
+    ViewerOptions options;
+    options.files << data;
+    start(options);
+    VXAbstractViewWidget* left = grid()->allViews().front();
+    Q_EMIT left->requestSplitHorizontally(left);
+    pump();
+    ASSERT_EQ(grid()->viewCount(), 2);
+    m_Dialogs.saveAnswer = splitState;
+    module()->saveState();
+    pump();
+    ASSERT_TRUE(QFileInfo::exists(splitState));
+    m_Viewer.reset();
+  }
+
+  // a batch screenshot: each view draws once for the capture and once more at most
+  for (const bool split : { false, true })
+  {
+    SCOPED_TRACE(split ? "two split views" : "one view");
+    ViewerOptions options;
+    if (split)
+      options.stateFile = splitState;
+    else
+      options.files << data;
+    options.representation = split ? QString() : QStringLiteral("Surface");
+    options.colorBy = "FeatureIds";
+    options.screenshotPath = moduletest::qpath(m_Dir / (split ? "split.png" : "one.png"));
+    options.size = QSize(640, 360);
+    options.sizeGiven = true;
+    ViewFrameCounter counter;
+    ViewerApplication viewer(options);
+    ASSERT_TRUE(viewer.load());
+    ASSERT_TRUE(viewer.saveScreenshot());
+    EXPECT_EQ(viewer.window()->module()->getViewGridWidget()->viewCount(), split ? 2 : 1);
+    const QImage picture = QImage(options.screenshotPath).convertToFormat(QImage::Format_RGB32);
+    EXPECT_EQ(picture.size(), QSize(640, 360));
+    // the captured frame shows the data, coloured, in the middle of each pane
+    for (VXAbstractViewWidget* view : viewer.window()->module()->getAllViewWidgets())
+    {
+      VXVisualizationWidget* pane = view->getVisualizationWidget();
+      const QPoint centre =
+        pane->mapTo(viewer.window()->module()->getViewGridWidget(), pane->rect().center());
+      int coloured = 0;
+      for (int dy = -10; dy <= 10; ++dy)
+        for (int dx = -10; dx <= 10; ++dx)
+        {
+          const QRgb p = picture.pixel(centre + QPoint(dx, dy));
+          coloured += std::max({ qRed(p), qGreen(p), qBlue(p) }) -
+                        std::min({ qRed(p), qGreen(p), qBlue(p) }) >
+                      60;
+        }
+      EXPECT_GT(coloured, 21 * 21 / 2) << "the pane's capture does not show the data";
+    }
+    for (VXAbstractViewWidget* view : viewer.window()->module()->getAllViewWidgets())
+    {
+      const int drawn = counter.framesOf(view->getVisualizationWidget());
+      EXPECT_GE(drawn, 1) << counter.summary().toStdString();
+      EXPECT_LE(drawn, 2) << counter.summary().toStdString();
+    }
+  }
+
+  // an interactive start: window shown, files loaded, colours applied, camera reset; then the
+  // views wait for the user, drawing nothing more
+  for (const bool split : { false, true })
+  {
+    SCOPED_TRACE(split ? "two split views" : "one view");
+    ViewerOptions options;
+    if (split)
+      options.stateFile = splitState;
+    else
+      options.files << data;
+    options.colorBy = "FeatureIds";
+    options.size = QSize(640, 360);
+    options.sizeGiven = true;
+    ViewFrameCounter counter;
+    start(options);
+    QTest::qWait(300);
+    pump();
+    ASSERT_EQ(grid()->viewCount(), split ? 2 : 1);
+    for (VXAbstractViewWidget* view : grid()->allViews())
+      EXPECT_EQ(counter.framesOf(view->getVisualizationWidget()), 1)
+        << counter.summary().toStdString();
+    m_Viewer.reset();
+  }
 }

@@ -82,6 +82,8 @@ QImage VXViewActionsController::captureViewImage(bool transparent, const QColor&
   if (m_PreCaptureHook)
     m_PreCaptureHook();
   window->Render();
+  // the frame just drawn is the one to read: the filter must not draw another
+  filter->ShouldRerenderOff();
   filter->SetInput(window);
   filter->Update();
 

@@ -356,12 +356,9 @@ void VXVisualizationModuleWidget::fillViewIndexMap()
 QImage VXVisualizationModuleWidget::grabAllViewsImage()
 {
   VXViewGridWidget* grid = ui->viewGridWidget;
-  // the frames (status strips, buttons) as Qt paints them; the scenes go on top,
-  // since an OpenGL surface does not show in a widget grab
-  QImage image = grid->grab().toImage().convertToFormat(QImage::Format_RGB32);
-  if (image.size() != grid->size())
-    image = image.scaled(grid->size());
-  QPainter painter(&image);
+  // the scenes first: each capture draws its view, and the widget grab below then finds the
+  // views drawn instead of drawing each once more
+  std::vector<std::pair<QRect, QImage>> panes;
   for (VXAbstractViewWidget* view : grid->allViews())
   {
     VXVisualizationWidget* renderWidget = view->getVisualizationWidget();
@@ -369,7 +366,16 @@ QImage VXVisualizationModuleWidget::grabAllViewsImage()
       continue;
     // each pane goes where its render area stands inside the grid
     const QRect target(renderWidget->mapTo(grid, QPoint(0, 0)), renderWidget->size());
-    const QImage pane = renderWidget->captureViewImage(false, QColor());
+    panes.emplace_back(target, renderWidget->captureViewImage(false, QColor()));
+  }
+  // the frames (status strips, buttons) as Qt paints them; the scenes go on top,
+  // since an OpenGL surface does not show in a widget grab
+  QImage image = grid->grab().toImage().convertToFormat(QImage::Format_RGB32);
+  if (image.size() != grid->size())
+    image = image.scaled(grid->size());
+  QPainter painter(&image);
+  for (const auto& [target, pane] : panes)
+  {
     if (!pane.isNull())
       painter.drawImage(target, pane);
   }

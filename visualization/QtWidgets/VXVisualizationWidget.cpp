@@ -365,6 +365,10 @@ void VXVisualizationWidget::render()
 
 void VXVisualizationWidget::renderQueued()
 {
+  // a frame drawn since the request (a paint after a resize, a camera snap, a capture) already
+  // shows everything asked for
+  if (m_RenderPending == 0)
+    return;
   m_RenderPending = 0;
   if (renderWindow() != nullptr && renderWindow()->GetInteractor() != nullptr)
   {
@@ -376,6 +380,8 @@ void VXVisualizationWidget::renderQueued()
 
 void VXVisualizationWidget::onWindowStartRender(vtkObject*, unsigned long, void*)
 {
+  // whatever path draws this frame, it answers the requests made so far
+  m_RenderPending = 0;
   if (m_OutlineRenderer != nullptr)
     m_OutlineRenderer->SetDraw(m_OutlineRenderer->VisibleActorCount() > 0);
 }

@@ -11,6 +11,7 @@ namespace
 {
 QMutex s_PathMutex;
 QString s_FilePath; // empty: the default location below
+QVariantMap s_HostDefaults;
 
 QString DefaultFilePath()
 {
@@ -47,6 +48,18 @@ QString QtKXSettings::FilePath()
   return s_FilePath.isEmpty() ? DefaultFilePath() : s_FilePath;
 }
 
+void QtKXSettings::SetHostDefaults(const QVariantMap& defaults)
+{
+  QMutexLocker lock(&s_PathMutex);
+  s_HostDefaults = defaults;
+}
+
+QVariantMap QtKXSettings::HostDefaults()
+{
+  QMutexLocker lock(&s_PathMutex);
+  return s_HostDefaults;
+}
+
 void QtKXSettings::beginGroup(const QString& prefix)
 {
   m_Settings->beginGroup(prefix);
@@ -64,12 +77,20 @@ QString QtKXSettings::group() const
 
 bool QtKXSettings::contains(const QString& key) const
 {
-  return m_Settings->contains(key);
+  return m_Settings->contains(key) || HostDefaults().contains(fullKey(key));
 }
 
 QVariant QtKXSettings::value(const QString& key, const QVariant& defaultValue) const
 {
-  return m_Settings->value(key, defaultValue);
+  if (m_Settings->contains(key))
+    return m_Settings->value(key, defaultValue);
+  return HostDefaults().value(fullKey(key), defaultValue);
+}
+
+QString QtKXSettings::fullKey(const QString& key) const
+{
+  const QString prefix = m_Settings->group();
+  return prefix.isEmpty() ? key : prefix + QLatin1Char('/') + key;
 }
 
 void QtKXSettings::setValue(const QString& key, const QVariant& value)
