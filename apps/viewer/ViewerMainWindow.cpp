@@ -48,12 +48,17 @@ const std::array<std::pair<Getter, Setter>, 9> k_Defaults = { {
 
 ViewerMainWindow::ViewerMainWindow(QWidget* parent)
   : QMainWindow(parent)
-  , m_PreviousSettingsDefaults(QtKXSettings::HostDefaults())
 {
-  // before the module reads any setting: the viewer's defaults where the user saved none
-  QVariantMap defaults = m_PreviousSettingsDefaults;
-  defaults.insert(k_SurfaceEdgesKey, false);
-  QtKXSettings::SetHostDefaults(defaults);
+  // before the module reads any setting: a 2 M-triangle mesh or a voxel surface drawn with its
+  // cell edges is a black mass, so the viewer's default is off; a value the user saved stays
+  {
+    QtKXSettings settings;
+    if (!settings.contains(k_SurfaceEdgesKey))
+    {
+      settings.setValue(k_SurfaceEdgesKey, false);
+      settings.sync();
+    }
+  }
   setWindowTitle("KXVtk Viewer");
   setAcceptDrops(true);
   m_Module = new VXVisualizationModuleWidget(this);
@@ -94,7 +99,6 @@ ViewerMainWindow::~ViewerMainWindow()
 {
   for (std::size_t i = 0; i < k_Defaults.size(); ++i)
     k_Defaults[i].second(m_PreviousDefaults[i]);
-  QtKXSettings::SetHostDefaults(m_PreviousSettingsDefaults);
 }
 
 void ViewerMainWindow::showEvent(QShowEvent* event)

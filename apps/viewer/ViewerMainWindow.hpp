@@ -5,7 +5,6 @@
 #include <kxcore/DataStructure.hpp>
 #include <visualization/VXRepresentation.hpp>
 
-#include <QtCore/QVariantMap>
 #include <QtWidgets/QMainWindow>
 
 #include <array>
@@ -38,7 +37,10 @@ class ViewerMainWindow : public QMainWindow
 public:
   /** Image, rectilinear and structured grids with more cells than this open as outlines. */
   static constexpr long long k_LargeGridCells = 64LL * 64 * 64;
-  /** The settings key of the surface data view's cell edges, which the viewer turns off. */
+  /**
+   * The settings key of the surface data view's cell edges. The viewer ships its own default
+   * for it (off): where the user never saved one, the viewer's settings get it on start.
+   */
   static constexpr const char* k_SurfaceEdgesKey =
     "VisualizationSettings/RepresentationSettings/VXSurfaceRep/edge_visibility";
 
@@ -79,5 +81,4 @@ private:
   bool m_DocksSized = false;
   bool m_GridDataViewBySize = true;
   std::array<VXRepresentation::Type, 9> m_PreviousDefaults{};
-  QVariantMap m_PreviousSettingsDefaults;
 };

@@ -105,37 +105,3 @@ TEST(QtKXSettings, ClearGroupClearsOnlyItsGroup)
   EXPECT_EQ(reader.value("Other/key").toString(), "o");
   EXPECT_EQ(reader.value("TargetSibling/key").toString(), "s");
 }
-
-TEST(QtKXSettings, HostDefaultsFillMissingKeysWithoutWritingAndSavedValuesWin)
-{
-  kxtest::SettingsFileGuard guard;
-  QtKXSettings::SetHostDefaults({ { "Display/Surface/edge_visibility", false } });
-  {
-    QtKXSettings settings;
-    settings.beginGroup("Display");
-    settings.beginGroup("Surface");
-    EXPECT_TRUE(settings.contains("edge_visibility"));
-    EXPECT_EQ(settings.value("edge_visibility", true), QVariant(false));
-    // a key of the same name in another group is not the host's
-    settings.endGroup();
-    EXPECT_FALSE(settings.contains("edge_visibility"));
-    EXPECT_EQ(settings.value("edge_visibility", true), QVariant(true));
-  }
-  EXPECT_FALSE(
-    QSettings(guard.path(), QSettings::IniFormat).contains("Display/Surface/edge_visibility"));
-
-  // what the user saves wins over the host's default, and a cleared group falls back to it
-  {
-    QtKXSettings settings;
-    settings.beginGroup("Display");
-    settings.beginGroup("Surface");
-    settings.setValue("edge_visibility", true);
-    EXPECT_EQ(settings.value("edge_visibility", false), QVariant(true));
-    settings.clearGroup();
-    EXPECT_EQ(settings.value("edge_visibility", true), QVariant(false));
-  }
-
-  QtKXSettings::SetHostDefaults({});
-  QtKXSettings settings;
-  EXPECT_FALSE(settings.contains("Display/Surface/edge_visibility"));
-}

@@ -100,10 +100,14 @@ TEST(FileBridge, RealFilesBecomeDataSources)
     {
       for (vtkCellArray* cells :
            { poly->GetVerts(), poly->GetLines(), poly->GetPolys(), poly->GetStrips() })
+      {
         EXPECT_FALSE(cells->IsStorage64Bit());
+      }
     }
     if (auto* grid = vtkUnstructuredGrid::SafeDownCast(dataSet))
+    {
       EXPECT_FALSE(grid->GetCells()->IsStorage64Bit());
+    }
     if (expected.firstPointArrayComponents > 0)
     {
       ASSERT_GT(dataSet->GetPointData()->GetNumberOfArrays(), 0);

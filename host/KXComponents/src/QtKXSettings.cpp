@@ -11,7 +11,6 @@ namespace
 {
 QMutex s_PathMutex;
 QString s_FilePath; // empty: the default location below
-QVariantMap s_HostDefaults;
 
 QString DefaultFilePath()
 {
@@ -48,18 +47,6 @@ QString QtKXSettings::FilePath()
   return s_FilePath.isEmpty() ? DefaultFilePath() : s_FilePath;
 }
 
-void QtKXSettings::SetHostDefaults(const QVariantMap& defaults)
-{
-  QMutexLocker lock(&s_PathMutex);
-  s_HostDefaults = defaults;
-}
-
-QVariantMap QtKXSettings::HostDefaults()
-{
-  QMutexLocker lock(&s_PathMutex);
-  return s_HostDefaults;
-}
-
 void QtKXSettings::beginGroup(const QString& prefix)
 {
   m_Settings->beginGroup(prefix);
@@ -77,20 +64,12 @@ QString QtKXSettings::group() const
 
 bool QtKXSettings::contains(const QString& key) const
 {
-  return m_Settings->contains(key) || HostDefaults().contains(fullKey(key));
+  return m_Settings->contains(key);
 }
 
 QVariant QtKXSettings::value(const QString& key, const QVariant& defaultValue) const
 {
-  if (m_Settings->contains(key))
-    return m_Settings->value(key, defaultValue);
-  return HostDefaults().value(fullKey(key), defaultValue);
-}
-
-QString QtKXSettings::fullKey(const QString& key) const
-{
-  const QString prefix = m_Settings->group();
-  return prefix.isEmpty() ? key : prefix + QLatin1Char('/') + key;
+  return m_Settings->value(key, defaultValue);
 }
 
 void QtKXSettings::setValue(const QString& key, const QVariant& value)

@@ -5,7 +5,6 @@
 #include <QtCore/QSettings>
 #include <QtCore/QString>
 #include <QtCore/QVariant>
-#include <QtCore/QVariantMap>
 
 #include <memory>
 
@@ -26,14 +25,6 @@ public:
   static void SetFilePath(const QString& filePath);
   static QString FilePath();
 
-  /**
-   * Defaults a host ships for keys the file does not hold, by full key path ("Group/Sub/key"),
-   * process-wide: such a key counts as present (contains) and reads as the host's value until
-   * the file gets a value of its own. Nothing is written to the file. An empty map removes them.
-   */
-  static void SetHostDefaults(const QVariantMap& defaults);
-  static QVariantMap HostDefaults();
-
   void beginGroup(const QString& prefix);
   void endGroup();
   QString group() const;
@@ -49,8 +40,5 @@ public:
   void sync();
 
 private:
-  /** @p key with the current group in front. */
-  QString fullKey(const QString& key) const;
-
   std::unique_ptr<QSettings> m_Settings;
 };
