@@ -10,7 +10,7 @@
 #include <visualization/VXOutlineRepPimpl.hpp>
 #include <visualization/VXPipeline.hpp>
 
-#include "RecordingReporter.hpp"
+#include "MedianRecordingReporter.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -42,54 +42,6 @@ namespace
 constexpr int k_Size = 600;
 constexpr int k_Rounds = 7;
 constexpr int k_FramesPerRound = 3;
-
-/**
- * Records the median over the rounds of a benchmark as its time, so that the
- * printed ratio compares medians rather than whichever round came last.
- */
-class MedianRecordingReporter : public kxbench::RecordingReporter
-{
-public:
-  void ReportRuns(const std::vector<Run>& runs) override
-  {
-    std::vector<Run> forwarded;
-    for (const Run& run : runs)
-    {
-      if (run.run_type == Run::RT_Iteration)
-      {
-        // shown, but not recorded: only the median stands for the benchmark
-        ConsoleReporter::ReportRuns({ run });
-        continue;
-      }
-      if (run.aggregate_name != "median")
-        continue;
-      Run median = run;
-      median.run_type = Run::RT_Iteration;
-      forwarded.push_back(median);
-      if (run.iterations > 0)
-        m_CpuSeconds[run.run_name.function_name] =
-          run.cpu_accumulated_time / static_cast<double>(run.iterations);
-    }
-    if (!forwarded.empty())
-      RecordingReporter::ReportRuns(forwarded);
-  }
-
-  /**
-   * The same ratio over the process's CPU time, renderer threads included:
-   * steadier than wall time while other work shares the machine.
-   */
-  void printCpuRatio(const char* name, const std::string& numerator,
-                     const std::string& denominator) const
-  {
-    auto top = m_CpuSeconds.find(numerator);
-    auto bottom = m_CpuSeconds.find(denominator);
-    if (top != m_CpuSeconds.end() && bottom != m_CpuSeconds.end() && bottom->second > 0.0)
-      std::printf("CPU_RATIO %s %.2f\n", name, top->second / bottom->second);
-  }
-
-private:
-  std::map<std::string, double> m_CpuSeconds;
-};
 
 class BenchView : public VXAbstractViewWidget
 {
@@ -240,7 +192,7 @@ int main(int argc, char** argv)
       ->Iterations(k_FramesPerRound)
       ->Repetitions(k_Rounds);
   }
-  MedianRecordingReporter reporter;
+  kxbench::MedianRecordingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   reporter.printRatio("surface_frame_vs_bare_vtk", "frame/library_surface_1M", "frame/bare_vtk_1M",
                       "1.05");

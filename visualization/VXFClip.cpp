@@ -8,9 +8,7 @@
 #include "visualization/VXPlane.hpp"
 
 #include <QtCore/QUrl>
-#include <QtGui/QClipboard>
 #include <QtGui/QDesktopServices>
-#include <QtGui/QGuiApplication>
 #include <QtWidgets/QScrollArea>
 
 #include <vtkAlgorithmOutput.h>
@@ -261,22 +259,6 @@ void VXFClip::writeSettings()
   nlohmann::json values = nlohmann::json::object();
   writeValues(values);
   saveDefaults(values);
-}
-
-void VXFClip::copyActiveSettings() const
-{
-  nlohmann::json values = nlohmann::json::object();
-  writeValues(values);
-  QGuiApplication::clipboard()->setText(QString::fromStdString(values.dump(2)));
-}
-
-void VXFClip::pasteToActiveSettings()
-{
-  const nlohmann::json values = clipboardSettings();
-  if (values.is_null())
-    return;
-  readValues(values);
-  Q_EMIT requestRenderAll();
 }
 
 void VXFClip::openHelpLink()

@@ -47,8 +47,6 @@ public:
   void read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views) override;
   void initializeSettingsWidget() override;
   void setVisibility(bool visible) override;
-  void copyActiveSettings() const override;
-  void pasteToActiveSettings() override;
   void writeSettings() override;
   void readSettings() override;
   void setupFilter() override;
@@ -81,8 +79,8 @@ Q_SIGNALS:
 private:
   /** Hands the current tool's function and the inversion to the clip algorithm. */
   void configureClip();
-  void writeValues(nlohmann::json& output) const;
-  void readValues(const nlohmann::json& input);
+  void writeValues(nlohmann::json& output) const override;
+  void readValues(const nlohmann::json& input) override;
 
   vtkSmartPointer<vtkTableBasedClipDataSet> m_ClipFilter;
   bool m_Inverted = true;

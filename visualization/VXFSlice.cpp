@@ -6,9 +6,7 @@
 #include "visualization/VXPlane.hpp"
 
 #include <QtCore/QUrl>
-#include <QtGui/QClipboard>
 #include <QtGui/QDesktopServices>
-#include <QtGui/QGuiApplication>
 #include <QtWidgets/QScrollArea>
 
 #include <vtkCutter.h>
@@ -188,22 +186,6 @@ void VXFSlice::writeSettings()
   nlohmann::json values = nlohmann::json::object();
   writeValues(values);
   saveDefaults(values);
-}
-
-void VXFSlice::copyActiveSettings() const
-{
-  nlohmann::json values = nlohmann::json::object();
-  writeValues(values);
-  QGuiApplication::clipboard()->setText(QString::fromStdString(values.dump(2)));
-}
-
-void VXFSlice::pasteToActiveSettings()
-{
-  const nlohmann::json values = clipboardSettings();
-  if (values.is_null())
-    return;
-  readValues(values);
-  Q_EMIT requestRenderAll();
 }
 
 void VXFSlice::openHelpLink()

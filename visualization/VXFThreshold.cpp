@@ -6,9 +6,7 @@
 #include "visualization/VXUserPrompt.hpp"
 
 #include <QtCore/QUrl>
-#include <QtGui/QClipboard>
 #include <QtGui/QDesktopServices>
-#include <QtGui/QGuiApplication>
 #include <QtWidgets/QScrollArea>
 
 #include <vtkCellData.h>
@@ -241,21 +239,6 @@ void VXFThreshold::writeSettings()
   if (!shouldSaveAsDefaultSettings())
     return;
   saveDefaults({ { "filter_rep_type_to_add", static_cast<int>(m_RepTypeToAdd) } });
-}
-
-void VXFThreshold::copyActiveSettings() const
-{
-  nlohmann::json values = nlohmann::json::object();
-  writeValues(values);
-  QGuiApplication::clipboard()->setText(QString::fromStdString(values.dump(2)));
-}
-
-void VXFThreshold::pasteToActiveSettings()
-{
-  const nlohmann::json values = clipboardSettings();
-  if (values.is_null())
-    return;
-  readValues(values);
 }
 
 void VXFThreshold::openHelpLink()

@@ -64,8 +64,6 @@ public:
   void read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views) override;
   void initializeSettingsWidget() override;
   void setVisibility(bool visible) override;
-  void copyActiveSettings() const override;
-  void pasteToActiveSettings() override;
   void writeSettings() override;
   void readSettings() override;
   void setupFilter() override;
@@ -94,8 +92,8 @@ Q_SIGNALS:
 
 private:
   void rebuildActiveArrayInfos();
-  void writeValues(nlohmann::json& output) const;
-  void readValues(const nlohmann::json& input);
+  void writeValues(nlohmann::json& output) const override;
+  void readValues(const nlohmann::json& input) override;
 
   vtkSmartPointer<vtkThreshold> m_Threshold;
   std::vector<ActiveArrayInfo> m_ActiveArrayInfos;

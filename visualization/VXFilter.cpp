@@ -10,6 +10,8 @@
 #include <KXComponents/KXStyle.hpp>
 #include <KXComponents/QtKXSettings.hpp>
 
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 #include <QtWidgets/QComboBox>
 
 #include <vtkAlgorithm.h>
@@ -62,6 +64,22 @@ void VXFilter::addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
     return;
   addViewWidget(splitViewWidget);
   m_ViewWidgets[splitViewWidget] = m_ViewWidgets.value(sourceViewWidget, true);
+}
+
+void VXFilter::copyActiveSettings() const
+{
+  nlohmann::json values = nlohmann::json::object();
+  writeValues(values);
+  QGuiApplication::clipboard()->setText(QString::fromStdString(values.dump(2)));
+}
+
+void VXFilter::pasteToActiveSettings()
+{
+  const nlohmann::json values = clipboardSettings();
+  if (values.is_null())
+    return;
+  readValues(values);
+  Q_EMIT requestRenderAll();
 }
 
 QIcon VXFilter::getIcon()

@@ -49,6 +49,10 @@ public:
   void addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
                          VXAbstractViewWidget* splitViewWidget) override;
   QIcon getIcon() override;
+  /** Puts the filter's own values (writeValues) on the clipboard as JSON. */
+  void copyActiveSettings() const override;
+  /** Takes the values on the clipboard (readValues); a clipboard without them is reported. */
+  void pasteToActiveSettings() override;
 
   /** Saves the current values as the defaults of this filter type (after asking). */
   virtual void writeSettings() = 0;
@@ -89,6 +93,11 @@ public Q_SLOTS:
                           const std::array<double, 3>& values);
 
 protected:
+  /** The filter's own keys (not the frame's) as the state, the clipboard and the defaults hold
+   * them. */
+  virtual void writeValues(nlohmann::json& output) const = 0;
+  /** Takes the keys present in @p input; missing keys keep their values. */
+  virtual void readValues(const nlohmann::json& input) = 0;
   /** Opens the settings group of this filter type. */
   void beginSettingsGroup(QtKXSettings& settings);
   /**

@@ -209,6 +209,14 @@ TEST(ClipFilter, StateKeepsTypeFlagsAndBothTools)
   EXPECT_EQ(loaded->box()->getRotation(), (std::array<double, 3>{ 0.0, 0.0, 30.0 }));
   EXPECT_EQ(loaded->box()->getScale(), (std::array<double, 3>{ 0.5, 1.0, 1.0 }));
 
+  // copied and pasted into another clip filter: the same tools
+  clip->copyActiveSettings();
+  VXFClip* pasted = AddClip(scene, source);
+  pasted->pasteToActiveSettings();
+  EXPECT_EQ(pasted->clipType(), VXFClip::ClipType::Box);
+  EXPECT_EQ(pasted->plane()->getOrigin(), (std::array<double, 3>{ 1.0, 2.0, 3.0 }));
+  EXPECT_EQ(pasted->box()->getRotation(), (std::array<double, 3>{ 0.0, 0.0, 30.0 }));
+
   // an unknown data view name keeps the type and says so
   QSignalSpy output(scene.pipeline.get(), &VXPipeline::sendOutputMessage);
   loaded->setRepTypeToAdd("Hologram");

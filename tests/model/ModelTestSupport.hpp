@@ -56,6 +56,8 @@ public:
   void receivePipelineOutputReloaded() override {}
   void writeSettings() override {}
   void readSettings() override {}
+  void writeValues(nlohmann::json&) const override {}
+  void readValues(const nlohmann::json&) override {}
   void setupFilter() override { initialized = true; }
   void openHelpLink() override {}
   void applyFilter() override {}
