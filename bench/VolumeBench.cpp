@@ -11,12 +11,7 @@
 #include <visualization/VXPipeline.hpp>
 #include <visualization/VXVolumeRepPimpl.hpp>
 
-#include <KX/IPipelineController.hpp>
-#include <kxcore/AttributeMatrix.hpp>
-#include <kxcore/DataArray.hpp>
-#include <kxcore/DataStore.hpp>
-#include <kxcore/ImageGeom.hpp>
-
+#include "HostVolume.hpp"
 #include "MedianRecordingReporter.hpp"
 
 #include <benchmark/benchmark.h>
@@ -44,7 +39,7 @@
 
 namespace
 {
-constexpr int k_Side = 256;
+constexpr int k_Side = kxbench::k_VolumeSide;
 constexpr int k_Size = 600;
 constexpr int k_Rounds = 5;
 constexpr int k_FramesPerRound = 2;
@@ -67,48 +62,8 @@ double residentMiB()
   return 0.0;
 }
 
-class BenchView : public VXAbstractViewWidget
-{
-public:
-  using VXAbstractViewWidget::VXAbstractViewWidget;
-  VXAbstractViewWidget* clone() override { return new BenchView(); }
-  VXAbstractViewWidget* newInstance() override { return new BenchView(); }
-};
-
-class BenchController : public KX::IPipelineController
-{
-public:
-  QString getPipelineName() const override { return "Bench"; }
-  QString getPipelineFilePath() const override { return "/tmp/bench.kxpipe"; }
-  QString getPipelineUuid() const override { return "bench-volume"; }
-};
-
-/** A host image of 256^3 cells with a float "Density": nested shells, smooth enough to shade. */
-std::shared_ptr<kx::core::DataStructure> hostVolume(float*& values)
-{
-  using namespace kx::core;
-  auto ds = std::make_shared<DataStructure>();
-  auto* image = ImageGeom::Create(*ds, "Volume");
-  image->setDimensions({ k_Side, k_Side, k_Side });
-  const ShapeType tuples{ k_Side, k_Side, k_Side };
-  auto* cells = AttributeMatrix::Create(*ds, "Cell Data", tuples, image->getId());
-  image->setCellData(cells->getId());
-  auto store = std::make_shared<DataStore<float>>(tuples, ShapeType{ 1 }, 0.0f);
-  const double centre = 0.5 * k_Side;
-  float* out = store->data();
-  for (int z = 0; z < k_Side; ++z)
-    for (int y = 0; y < k_Side; ++y)
-      for (int x = 0; x < k_Side; ++x)
-      {
-        const double r = std::sqrt((x - centre) * (x - centre) + (y - centre) * (y - centre) +
-                                   (z - centre) * (z - centre));
-        const size_t i = (static_cast<size_t>(z) * k_Side + y) * k_Side + x;
-        out[i] = static_cast<float>(100.0 * (1.0 + std::cos(r / 6.0)) * (1.0 - r / 222.0));
-      }
-  values = out;
-  Float32Array::Create(*ds, "Density", store, cells->getId());
-  return ds;
-}
+using kxbench::BenchController;
+using kxbench::BenchView;
 
 /** The library's path: the host's structure imported into a pipeline, shown as a volume. */
 struct LibraryScene
@@ -212,7 +167,7 @@ int main(int argc, char** argv)
   benchmark::Initialize(&argumentCount, arguments.data());
 
   float* values = nullptr;
-  auto structure = hostVolume(values);
+  auto structure = kxbench::HostVolume(values);
   const double dataMiB = static_cast<double>(k_Side) * k_Side * k_Side * sizeof(float) / 1048576.0;
 
   // each side's memory is what its first frame adds, the windows already shown
