@@ -55,6 +55,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXFClipFilterWidget.hpp
   visualization/QtWidgets/VXFSliceFilterWidget.hpp
   visualization/QtWidgets/VXFThresholdFilterWidget.hpp
+  visualization/QtWidgets/VXFTransformFilterWidget.hpp
   visualization/QtWidgets/VXFrameRateCallback.hpp
   visualization/QtWidgets/VXGLWidget.hpp
   visualization/QtWidgets/VXGridAxesWidget.hpp

@@ -119,18 +119,26 @@ void VXBox::rebuildTransform(const std::array<double, 3>& translation,
   m_Rotation = rotation;
   for (int axis = 0; axis < 3; ++axis)
     m_Scale[axis] = scale[axis] > 0.0 ? scale[axis] : 1.0;
+  ComposeTransform(m_Transform, centre(), translation, rotation, m_Scale);
+  updateWidget();
+}
+
+void VXBox::ComposeTransform(vtkTransform* transform, const std::array<double, 3>& centre,
+                             const std::array<double, 3>& translation,
+                             const std::array<double, 3>& rotation,
+                             const std::array<double, 3>& scale)
+{
   // the box turns and stretches about its own centre, as the widget's handles do; the rotation
   // is VTK's: z first, then x, then y
-  const auto c = centre();
-  m_Transform->Identity();
-  m_Transform->PreMultiply();
-  m_Transform->Translate(c[0] + translation[0], c[1] + translation[1], c[2] + translation[2]);
-  m_Transform->RotateY(rotation[1]);
-  m_Transform->RotateX(rotation[0]);
-  m_Transform->RotateZ(rotation[2]);
-  m_Transform->Scale(m_Scale.data());
-  m_Transform->Translate(-c[0], -c[1], -c[2]);
-  updateWidget();
+  const auto& c = centre;
+  transform->Identity();
+  transform->PreMultiply();
+  transform->Translate(c[0] + translation[0], c[1] + translation[1], c[2] + translation[2]);
+  transform->RotateY(rotation[1]);
+  transform->RotateX(rotation[0]);
+  transform->RotateZ(rotation[2]);
+  transform->Scale(scale.data());
+  transform->Translate(-c[0], -c[1], -c[2]);
 }
 
 void VXBox::takeWidgetTransform()

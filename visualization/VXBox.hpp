@@ -57,6 +57,16 @@ public:
   /** Takes the box as the user left it in the view (the callback calls it) and tells so. */
   void takeWidgetTransform();
 
+  /**
+   * Fills @p transform with the box's kind of transform: scale and rotation (Z, X, then Y) about
+   * @p centre, then the translation. Data views build their local transform the same way, so
+   * the stored values and the box in the view always move the data alike.
+   */
+  static void ComposeTransform(vtkTransform* transform, const std::array<double, 3>& centre,
+                               const std::array<double, 3>& translation,
+                               const std::array<double, 3>& rotation,
+                               const std::array<double, 3>& scale);
+
 public Q_SLOTS:
   /** Hands the transform to the widget's representation. */
   void updateWidget();

@@ -114,6 +114,7 @@ bool VXOutlineRepPimpl::initialize(vtkAlgorithmOutput* port)
   applyActorProperties();
   m_Initialized = true;
   setupGridAxes();
+  ensureTransformWidget();
   applyTransform();
   if (ren != nullptr)
   {
@@ -137,6 +138,7 @@ bool VXOutlineRepPimpl::finalize()
   vtkRenderer* ren = renderer();
   if (m_View == nullptr || ren == nullptr || !ren->HasViewProp(m_Actor))
     return false;
+  releaseTransformWidget();
   visualizationWidget()->removeActor(m_Actor);
   if (m_HighlightActor != nullptr)
     ren->RemoveViewProp(m_HighlightActor);
@@ -494,6 +496,7 @@ void VXOutlineRepPimpl::buildSettingsPage()
   for (const char* title : { "Coloring", "Styling", "Annotations", "Transform", "Decimation" })
     sectionForm(title);
   m_PageLayout->addStretch(1);
+  sectionForm("Transform")->addRow(ensureTransformWidget());
 
   QFormLayout* coloring = sectionForm("Coloring");
   m_DetachColorCheckBox = new QCheckBox("Enable Separate Color Map", m_PageContent);

@@ -2,7 +2,11 @@
 
 #include "utils/KXVtkModuleUtils.hpp"
 #include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
+#include "visualization/QtWidgets/VXFTransformFilterWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
+#include "visualization/VXBox.hpp"
+#include "visualization/VXDataSource.hpp"
+#include "visualization/VXPipeline.hpp"
 #include "visualization/VXRepresentation.hpp"
 #include "visualization/VXUserPrompt.hpp"
 
@@ -22,8 +26,12 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
 
+#include <vtkAlgorithm.h>
+#include <vtkAlgorithmOutput.h>
 #include <vtkCallbackCommand.h>
 #include <vtkCommand.h>
+#include <vtkDataSet.h>
+#include <vtkMatrix4x4.h>
 #include <vtkGridAxesActor3D.h>
 #include <vtkProp3D.h>
 #include <vtkProperty.h>
@@ -119,6 +127,7 @@ VXRepresentationPimpl::VXRepresentationPimpl(VXAbstractViewWidget* view, VXRepre
 
 VXRepresentationPimpl::~VXRepresentationPimpl()
 {
+  releaseTransformWidget();
   if (m_SettingsWidget != nullptr)
   {
     m_SettingsWidget->hide();
@@ -289,7 +298,11 @@ void VXRepresentationPimpl::read(const nlohmann::json& input)
   if (input.contains("use_decimation_during_interactions"))
     m_UseDecimationOnInteraction = input.at("use_decimation_during_interactions").get<bool>();
   if (input.contains("show_box_tool"))
+  {
     m_ShowBoxTool = input.at("show_box_tool").get<bool>();
+    if (m_TransformWidget != nullptr)
+      m_TransformWidget->setShowBoxTool(m_ShowBoxTool);
+  }
   readTriple(input, "transform_box_translate_", m_Translation);
   readTriple(input, "transform_box_rotate_", m_Rotation);
   readTriple(input, "transform_box_scale_", m_Scale);
@@ -755,20 +768,112 @@ void VXRepresentationPimpl::setPropHighlighted(vtkProp* highlight, bool highligh
 
 void VXRepresentationPimpl::applyTransformTo(std::initializer_list<vtkProp3D*> props)
 {
-  vtkNew<vtkTransform> transform;
-  transform->PostMultiply();
-  transform->Scale(m_Scale.data());
-  transform->RotateX(m_Rotation[0]);
-  transform->RotateY(m_Rotation[1]);
-  transform->RotateZ(m_Rotation[2]);
-  transform->Translate(m_Translation.data());
+  const vtkSmartPointer<vtkTransform> transform = localTransform();
   for (vtkProp3D* prop : props)
   {
-    if (prop != nullptr)
-      prop->SetUserTransform(transform);
+    if (prop == nullptr)
+      continue;
+    auto own = vtkSmartPointer<vtkTransform>::New();
+    own->DeepCopy(transform);
+    prop->SetUserTransform(own);
   }
   updateGridAxesBounds();
   requestRender();
+}
+
+std::array<double, 6> VXRepresentationPimpl::inputBounds()
+{
+  std::array<double, 6> bounds{ 0.0, 0.0, 0.0, 0.0, 0.0, 0.0 };
+  vtkAlgorithmOutput* port = inputPort();
+  vtkAlgorithm* producer = port != nullptr ? port->GetProducer() : nullptr;
+  auto* data = producer != nullptr
+                 ? vtkDataSet::SafeDownCast(producer->GetOutputDataObject(port->GetIndex()))
+                 : nullptr;
+  if (data != nullptr && data->GetNumberOfPoints() > 0)
+    data->GetBounds(bounds.data());
+  return bounds;
+}
+
+vtkSmartPointer<vtkTransform> VXRepresentationPimpl::localTransform()
+{
+  const std::array<double, 6> bounds = inputBounds();
+  auto transform = vtkSmartPointer<vtkTransform>::New();
+  if (m_TransformWidget != nullptr)
+  {
+    m_TransformWidget->followRepresentation(bounds);
+    if (VXBox* box = m_TransformWidget->box())
+    {
+      transform->DeepCopy(box->getTransform());
+      return transform;
+    }
+  }
+  const std::array<double, 3> centre{ 0.5 * (bounds[0] + bounds[1]), 0.5 * (bounds[2] + bounds[3]),
+                                      0.5 * (bounds[4] + bounds[5]) };
+  VXBox::ComposeTransform(transform, centre, m_Translation, m_Rotation, m_Scale);
+  return transform;
+}
+
+VXFTransformFilterWidget* VXRepresentationPimpl::transformWidget() const
+{
+  return m_TransformWidget;
+}
+
+VXFTransformFilterWidget* VXRepresentationPimpl::ensureTransformWidget()
+{
+  if (m_TransformWidget == nullptr)
+  {
+    m_TransformWidget = new VXFTransformFilterWidget(this);
+    if (m_ShowBoxTool)
+      m_TransformWidget->setShowBoxTool(true);
+  }
+  return m_TransformWidget;
+}
+
+void VXRepresentationPimpl::releaseTransformWidget()
+{
+  if (m_TransformWidget == nullptr)
+    return;
+  // the box tool goes with the widget; a widget inside a page goes with the page otherwise
+  m_TransformWidget->setShowBoxTool(false);
+  m_TransformWidget->hide();
+  m_TransformWidget->deleteLater();
+  m_TransformWidget = nullptr;
+}
+
+void VXRepresentationPimpl::setShowBoxTool(bool show)
+{
+  m_ShowBoxTool = show;
+  if (m_TransformWidget != nullptr)
+    m_TransformWidget->setShowBoxTool(show);
+  Q_EMIT showTransformBoxChanged(show);
+}
+
+void VXRepresentationPimpl::createApplyTransformationGeometryFilter()
+{
+  VXPipeline* pipeline = m_Owner != nullptr ? m_Owner->pipeline() : nullptr;
+  if (pipeline == nullptr)
+    return;
+  const QString name = m_Owner->pathName();
+  VXDataSource* source = m_Owner->parentDataSource();
+  const kx::core::DataPath geometryPath =
+    source != nullptr ? source->importedDataPath() : kx::core::DataPath();
+  if (geometryPath.empty())
+  {
+    VXUserPrompt::Question question;
+    question.icon = QMessageBox::Warning;
+    question.title = k_NoTransformGeometryTitle;
+    question.text = k_NoTransformGeometryText.arg(name);
+    VXUserPrompt::ask(nullptr, question);
+    return;
+  }
+  const vtkSmartPointer<vtkTransform> transform = localTransform();
+  if (transform->GetMatrix()->IsIdentity())
+  {
+    Q_EMIT pipeline->sendOutputMessage(k_IdentityTransformText.arg(name));
+    return;
+  }
+  Q_EMIT pipeline->createApplyTransformationGeometryFilter(
+    geometryPath, VXFTransformFilterWidget::MatrixRows(transform->GetMatrix()));
 }
 
 QPushButton* VXRepresentationPimpl::addPageButton(QBoxLayout* row, const char* icon,

@@ -29,6 +29,7 @@ class QScrollArea;
 class QWidget;
 class QtKXSettings;
 class VXAbstractViewWidget;
+class VXFTransformFilterWidget;
 class VXRepresentation;
 class VXVisualizationWidget;
 class vtkAlgorithmOutput;
@@ -39,6 +40,7 @@ class vtkProp;
 class vtkProp3D;
 class vtkRenderer;
 class vtkRenderWindowInteractor;
+class vtkTransform;
 
 // views are named by pointer in signals; the meta-object code needs the full type
 Q_MOC_INCLUDE("visualization/QtWidgets/VXAbstractViewWidget.hpp")
@@ -121,6 +123,15 @@ public:
   bool isLinked() const { return m_Linked; }
   void setLinked(bool linked) { m_Linked = linked; }
   bool showBoxTool() const { return m_ShowBoxTool; }
+  /** The "Transform" section's widget; null until the data view is shown or its page built. */
+  VXFTransformFilterWidget* transformWidget() const;
+  /** The bounds of the data this view shows, before its local transform. */
+  std::array<double, 6> inputBounds();
+  /**
+   * The local transform as applied to the actors: the box tool's while it exists, else scale and
+   * rotation (Z, X, then Y) about the data's centre followed by the translation.
+   */
+  vtkSmartPointer<vtkTransform> localTransform();
   std::array<double, 3> translation() const { return m_Translation; }
   std::array<double, 3> rotation() const { return m_Rotation; }
   std::array<double, 3> scale() const { return m_Scale; }
@@ -128,6 +139,15 @@ public:
   bool useDecimationOnInteraction() const { return m_UseDecimationOnInteraction; }
   std::array<int, 3> numberOfDimensions() const { return m_DecimationDivisions; }
   QString helpUrl() const { return m_HelpUrl; }
+
+  static inline const QString k_NoTransformGeometryTitle =
+    QStringLiteral("Cannot Create Apply Transformation Filter");
+  static inline const QString k_NoTransformGeometryText =
+    QStringLiteral("Cannot create an Apply Transformation filter from %1 because no parent "
+                   "geometry could be found.");
+  static inline const QString k_IdentityTransformText = QStringLiteral(
+    "%1 has no transform (translation 0, rotation 0, scale 1): there is nothing to hand to the "
+    "host.");
 
   /** The settings group of a data view class:
    * VisualizationSettings/RepresentationSettings/<typeName>. */
@@ -148,6 +168,15 @@ public Q_SLOTS:
   void setTranslation(const std::array<double, 3>& translation);
   void setRotation(const std::array<double, 3>& rotation);
   void setScale(const std::array<double, 3>& scale);
+  /** Shows or hides the transform box tool in this view. */
+  void setShowBoxTool(bool show);
+  /**
+   * Asks the host to move its own geometry by this data view's local transform: the geometry
+   * of the parent data source and the 4x4 matrix go out through
+   * VXPipeline::createApplyTransformationGeometryFilter. Without a host geometry the user is
+   * told so and nothing goes out.
+   */
+  void createApplyTransformationGeometryFilter();
   void setNumberOfDimensions(std::array<int, 3> dimensions);
   void setUseInputPoints(bool use);
   void setUseFeatureEdges(bool use);
@@ -172,8 +201,13 @@ protected:
   void setPropVisibility(vtkProp* prop, vtkProp* highlight, bool visible, bool initialized);
   /** Shows @p highlight in the view while the data view is selected and visible. */
   void setPropHighlighted(vtkProp* highlight, bool highlighted);
-  /** The page's scale, rotations (x, y, z) and translation, in that order, onto @p props. */
+  /** The local transform onto @p props (a copy each, so a later change never moves them). */
   void applyTransformTo(std::initializer_list<vtkProp3D*> props);
+  /** The transform widget, created (without a parent) if missing; pages put it in their
+   * "Transform" section. */
+  VXFTransformFilterWidget* ensureTransformWidget();
+  /** Deletes the transform widget and its box tool, as the data view leaves the view. */
+  void releaseTransformWidget();
   /** A button of the settings page with a theme icon (null: none), added to @p row. */
   static QPushButton* addPageButton(QBoxLayout* row, const char* icon, const QString& text,
                                     const QString& objectName);
@@ -214,6 +248,7 @@ protected:
   std::array<double, 3> m_Translation = { 0.0, 0.0, 0.0 };
   std::array<double, 3> m_Rotation = { 0.0, 0.0, 0.0 };
   std::array<double, 3> m_Scale = { 1.0, 1.0, 1.0 };
+  QPointer<VXFTransformFilterWidget> m_TransformWidget;
   QString m_HelpUrl;
   int m_SplitId = 1;
   bool m_Linked = false;

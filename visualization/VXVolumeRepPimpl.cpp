@@ -294,6 +294,7 @@ bool VXVolumeRepPimpl::initialize(vtkAlgorithmOutput* port)
   if (VXVisualizationWidget* widget = visualizationWidget(); widget != nullptr && m_Visible)
     widget->addActor(m_Volume);
   setupGridAxes();
+  ensureTransformWidget();
   applyTransform();
   if (vtkRenderer* ren = renderer())
     ren->ResetCamera();
@@ -308,6 +309,7 @@ bool VXVolumeRepPimpl::finalize()
     m_ScalarBarWidget->SetEnabled(0);
   if (m_View == nullptr || ren == nullptr || !ren->HasViewProp(m_Volume))
     return false;
+  releaseTransformWidget();
   visualizationWidget()->removeActor(m_Volume);
   if (m_HighlightActor != nullptr)
     ren->RemoveViewProp(m_HighlightActor);
@@ -1023,7 +1025,7 @@ void VXVolumeRepPimpl::buildSettingsPage()
   connect(m_DataGridCheckBox, &QCheckBox::toggled, this,
           &VXRepresentationPimpl::setDataGridVisibility);
   annotations->addRow(m_DataGridCheckBox);
-  section("Transform");
+  section("Transform")->addRow(ensureTransformWidget());
   pageLayout->addStretch(1);
 }
 

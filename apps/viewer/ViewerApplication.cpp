@@ -9,12 +9,23 @@
 #include <visualization/QtWidgets/VXVisualizationWidget.hpp>
 #include <visualization/VXBridgeObject.hpp>
 #include <visualization/VXDataSource.hpp>
+#include <visualization/VXFClip.hpp>
+#include <visualization/VXFSlice.hpp>
+#include <visualization/VXFThreshold.hpp>
+#include <visualization/VXPlane.hpp>
+#include <visualization/VXBox.hpp>
+#include <visualization/VXStateItemFactory.hpp>
 #include <visualization/VXPipeline.hpp>
 #include <visualization/VXPointsRepPimpl.hpp>
 #include <visualization/VXVolumeRepPimpl.hpp>
 #include <visualization/VXUserPrompt.hpp>
 
+#include <vtkAlgorithm.h>
+#include <vtkAlgorithmOutput.h>
 #include <vtkCamera.h>
+#include <vtkCellData.h>
+#include <vtkDataSet.h>
+#include <vtkPointData.h>
 #include <vtkImageData.h>
 #include <vtkRenderer.h>
 
@@ -141,6 +152,8 @@ bool ViewerApplication::load()
   }
   if (!applyRequestedDataView())
     return false;
+  if (!applyFilters())
+    return false;
   if (m_Options.hideEdges)
     hideEdges();
   if (!m_Options.stateFile.isEmpty())
@@ -256,17 +269,171 @@ bool ViewerApplication::applyRequestedDataView()
   return true;
 }
 
+bool ViewerApplication::ParseFilter(const QString& text, FilterRequest* request, QString* error)
+{
+  const QStringList parts = text.split(':');
+  const QString kind = parts.value(0).toLower();
+  auto axisOf = [&](const QString& name)
+  {
+    const int axis = QStringList{ "x", "y", "z" }.indexOf(name.toLower());
+    if (axis < 0)
+      *error = QString("'%1' is no axis (x, y or z)").arg(name);
+    return axis;
+  };
+  *request = FilterRequest();
+  if ((kind == "clip" || kind == "slice") && parts.size() <= 3)
+  {
+    request->typeName = kind == "clip" ? VXFClip::k_TypeName : VXFSlice::k_TypeName;
+    if (kind == "clip" && parts.size() >= 2 && parts[1].toLower() == "box")
+    {
+      request->box = true;
+      bool ok = true;
+      if (parts.size() == 3)
+        request->boxScale = parts[2].toDouble(&ok);
+      if (!ok || request->boxScale <= 0.0)
+      {
+        *error = QString("'%1' is no box scale, a number above 0").arg(parts[2]);
+        return false;
+      }
+      return true;
+    }
+    if (parts.size() == 3)
+    {
+      *error = "a plane takes one axis";
+      return false;
+    }
+    if (parts.size() == 2)
+      request->axis = axisOf(parts[1]);
+    return request->axis >= 0;
+  }
+  if (kind == "threshold" && parts.size() == 4 && !parts[1].isEmpty())
+  {
+    request->typeName = VXFThreshold::k_TypeName;
+    request->array = parts[1];
+    bool okMin = false;
+    bool okMax = false;
+    request->minimum = parts[2].toDouble(&okMin);
+    request->maximum = parts[3].toDouble(&okMax);
+    if (!okMin || !okMax || request->minimum > request->maximum)
+    {
+      *error = QString("'%1:%2' is no range: MIN:MAX with MIN <= MAX").arg(parts[2], parts[3]);
+      return false;
+    }
+    return true;
+  }
+  *error = "expected Clip[:x|y|z], Clip:box[:SCALE], Slice[:x|y|z] or Threshold:ARRAY:MIN:MAX";
+  return false;
+}
+
+bool ViewerApplication::applyFilters()
+{
+  if (m_Options.filters.isEmpty())
+    return true;
+  std::vector<FilterRequest> requests;
+  for (const QString& text : m_Options.filters)
+  {
+    FilterRequest request;
+    QString error;
+    if (!ParseFilter(text, &request, &error))
+    {
+      std::fprintf(stderr, "kxvtk-viewer: invalid --filter '%s': %s\n", qPrintable(text),
+                   qPrintable(error));
+      return false;
+    }
+    requests.push_back(request);
+  }
+  VXPipeline* pipeline = m_Window->module()->pipeline();
+  int chains = 0;
+  for (VXBridgeObject* bridge : pipeline->bridges())
+  {
+    for (VXDataSource* source : bridge->dataSources())
+    {
+      VXCoreObject* parent = source;
+      QString skipped;
+      for (const FilterRequest& request : requests)
+      {
+        // a threshold needs its array in what reaches it
+        vtkAlgorithmOutput* port = parent->outputPort();
+        auto* data = port != nullptr ? vtkDataSet::SafeDownCast(port->GetProducer()->GetOutputDataObject(port->GetIndex())) : nullptr;
+        if (!request.array.isEmpty() && (data == nullptr || data->GetPointData()->GetAbstractArray(qPrintable(request.array)) == nullptr) && (data == nullptr || data->GetCellData()->GetAbstractArray(qPrintable(request.array)) == nullptr))
+        {
+          skipped = request.array;
+          break;
+        }
+        const VXStateItemFactory::Entry* entry = VXStateItemFactory::Find(request.typeName);
+        auto* filter = entry != nullptr ? qobject_cast<VXFilter*>(entry->make(pipeline)) : nullptr;
+        if (filter == nullptr || !pipeline->addFilter(parent, filter))
+        {
+          std::fprintf(stderr, "kxvtk-viewer: cannot add a %s under '%s'\n",
+                       qPrintable(request.typeName), qPrintable(parent->name()));
+          delete filter;
+          return false;
+        }
+        if (auto* clip = qobject_cast<VXFClip*>(filter))
+        {
+          // the picture shows the cut, not the tool that made it
+          clip->setShowClipTool(false);
+          if (request.box)
+          {
+            clip->setClipType(VXFClip::ClipType::Box);
+            clip->box()->setScale({ request.boxScale, request.boxScale, request.boxScale });
+          }
+          else
+          {
+            std::array<double, 3> normal{ 0.0, 0.0, 0.0 };
+            normal[request.axis] = 1.0;
+            clip->plane()->setValues(normal, clip->plane()->getOrigin());
+          }
+        }
+        else if (auto* slice = qobject_cast<VXFSlice*>(filter))
+        {
+          slice->setShowPlaneTool(false);
+          std::array<double, 3> normal{ 0.0, 0.0, 0.0 };
+          normal[request.axis] = 1.0;
+          slice->plane()->setValues(normal, slice->plane()->getOrigin());
+        }
+        else if (auto* threshold = qobject_cast<VXFThreshold*>(filter))
+        {
+          const auto& infos = threshold->activeArrayInfos();
+          for (size_t i = 0; i < infos.size(); ++i)
+          {
+            if (infos[i].displayName == request.array)
+              threshold->setActiveArrayInfoIndex(i);
+          }
+          threshold->setUserRange(request.minimum, request.maximum);
+        }
+        filter->applyFilter();
+        // only the end of the chain shows
+        for (VXRepresentation* shown : parent->findChildren<VXRepresentation*>(
+               QString(), Qt::FindDirectChildrenOnly))
+          shown->setVisibility(false);
+        parent = filter;
+      }
+      if (skipped.isEmpty())
+        ++chains;
+      else
+        std::fprintf(stderr, "kxvtk-viewer: '%s' has no array '%s': its filter chain stops\n",
+                     qPrintable(source->name()), qPrintable(skipped));
+    }
+  }
+  settle();
+  if (chains == 0)
+  {
+    std::fprintf(stderr, "kxvtk-viewer: no data set takes the whole --filter chain\n");
+    return false;
+  }
+  return true;
+}
+
 void ViewerApplication::hideEdges()
 {
   for (VXBridgeObject* bridge : m_Window->module()->pipeline()->bridges())
   {
     for (VXDataSource* source : bridge->dataSources())
     {
-      for (QObject* child : source->children())
+      // the data views of filters too
+      for (VXRepresentation* representation : source->findChildren<VXRepresentation*>())
       {
-        auto* representation = qobject_cast<VXRepresentation*>(child);
-        if (representation == nullptr)
-          continue;
         for (VXRepresentationPimpl* split : representation->getDataViewSplits())
         {
           if (auto* drawn = dynamic_cast<VXOutlineRepPimpl*>(split))
@@ -290,10 +457,9 @@ bool ViewerApplication::applyColoring()
       if (!source->getImportedArrayNames().contains(m_Options.colorBy))
         continue;
       found = true;
-      for (QObject* child : source->children())
+      for (VXRepresentation* representation : source->findChildren<VXRepresentation*>())
       {
-        auto* representation = qobject_cast<VXRepresentation*>(child);
-        if (representation == nullptr)
+        if (!representation->isVisible())
           continue;
         for (VXRepresentationPimpl* split : representation->getDataViewSplits())
         {

@@ -35,6 +35,23 @@ public:
   void fitViewsToRequestedSize();
   ViewerMainWindow* window() const { return m_Window.get(); }
 
+  /** One --filter value, read. */
+  struct FilterRequest
+  {
+    /** "VXFClip", "VXFSlice" or "VXFThreshold". */
+    QString typeName;
+    /** Plane normal axis (0 x, 1 y, 2 z) of a plane clip or a slice. */
+    int axis = 0;
+    /** A box clip: the box about the centre of the data, each side SCALE of the data's. */
+    bool box = false;
+    double boxScale = 0.5;
+    QString array;
+    double minimum = 0.0;
+    double maximum = 0.0;
+  };
+  /** Reads a --filter value; false with the reason in @p error when it is not one. */
+  static bool ParseFilter(const QString& text, FilterRequest* request, QString* error);
+
 private:
   bool applyRepresentation();
   /** Gives every data source the data view asked for, replacing the default where it differs. */
@@ -42,6 +59,9 @@ private:
   /** Turns the cell edges of every data view off. */
   void hideEdges();
   bool applyColoring();
+  /** Adds the --filter chain under every data set and applies it; the data sets' own data views
+   * are hidden so that the filtered result shows. */
+  bool applyFilters();
   /** Points every view's camera obliquely at the whole scene. */
   void frameViews();
 

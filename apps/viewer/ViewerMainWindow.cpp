@@ -2,14 +2,15 @@
 
 #include <KXComponents/QtKXSettings.hpp>
 
-#include <MicrostructureGenerator.hpp>
-
 #include <visualization/FileToVXBridge.hpp>
 #include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/QtWidgets/VXVisualizationModuleWidget.hpp>
 #include <visualization/VXDataSource.hpp>
 #include <visualization/VXPipeline.hpp>
+#include <visualization/VXFilter.hpp>
 #include <visualization/VXPipelineModel.hpp>
+#include <visualization/VXStateItemFactory.hpp>
+#include <visualization/VXRepresentationPimpl.hpp>
 #include <visualization/VXUserPrompt.hpp>
 
 #include <vtkDataSet.h>
@@ -27,9 +28,6 @@
 
 namespace
 {
-// big enough to look like a microstructure, small enough to build in a blink
-constexpr kx::core::usize k_HostSampleSize = 48;
-
 using Getter = VXRepresentation::Type (*)();
 using Setter = void (*)(VXRepresentation::Type);
 // the pipeline's defaults by kind of data set, in one order for saving and restoring
@@ -77,6 +75,11 @@ ViewerMainWindow::ViewerMainWindow(QWidget* parent)
 
   connect(m_Module, &VXVisualizationModuleWidget::printOutput, this,
           &ViewerMainWindow::appendOutput);
+  // the requests to the host: this host runs them in its sample pipeline
+  connect(m_Module, &VXVisualizationModuleWidget::createMultiThresholdObjectsFilter, this,
+          &ViewerMainWindow::createMultiThresholdObjectsFilter);
+  connect(m_Module, &VXVisualizationModuleWidget::createApplyTransformationGeometryFilter, this,
+          &ViewerMainWindow::createApplyTransformationGeometryFilter);
 
   for (std::size_t i = 0; i < k_Defaults.size(); ++i)
     m_PreviousDefaults[i] = k_Defaults[i].first();
@@ -238,9 +241,44 @@ void ViewerMainWindow::createMenus()
                          m_Module->importPresets(path);
                      });
 
+  QMenu* filters = menuBar()->addMenu("F&ilters");
+  for (const auto& [label, typeName] :
+       { std::pair{ "&Clip", "VXFClip" }, std::pair{ "&Slice", "VXFSlice" },
+         std::pair{ "&Threshold", "VXFThreshold" } })
+  {
+    const QString type = typeName;
+    filters->addAction(label, this, [this, type] { addFilterToSelection(type); });
+  }
+
   QMenu* host = menuBar()->addMenu("&Host Pipeline");
   host->addAction("&Run Sample Pipeline", this, &ViewerMainWindow::runHostPipeline);
   host->addAction("Run Again with &New Values", this, &ViewerMainWindow::rerunHostPipeline);
+}
+
+VXFilter* ViewerMainWindow::addFilterToSelection(const QString& typeName)
+{
+  VXInfoWidget* tree = m_Module->getInfoWidget();
+  VXPipelineModel* model = m_Module->pipelineModel();
+  const QModelIndex index = tree->currentIndex();
+  const VXStateItemFactory::Entry* entry = VXStateItemFactory::Find(typeName);
+  if (!model->canAddFilter(index) || entry == nullptr)
+  {
+    appendOutput("Select a data source or a filter in the pipeline browser to add a filter under "
+                 "it.");
+    return nullptr;
+  }
+  auto* filter = qobject_cast<VXFilter*>(entry->make(m_Module->pipeline()));
+  const QModelIndex added = filter != nullptr ? model->addFilter(index, filter) : QModelIndex();
+  if (!added.isValid())
+  {
+    delete filter;
+    appendOutput(QString("The %1 could not be added.").arg(typeName));
+    return nullptr;
+  }
+  // the menu shows the result at once; the filter's page changes it from there
+  filter->applyFilter();
+  tree->setCurrentIndex(added);
+  return filter;
 }
 
 void ViewerMainWindow::openFiles()
@@ -256,13 +294,13 @@ void ViewerMainWindow::openFiles()
 
 void ViewerMainWindow::runHostPipeline()
 {
-  kxvtk::sample::MicrostructureGenerator generator(k_HostSampleSize);
-  m_HostData = std::make_shared<kx::core::DataStructure>(generator.generate());
   m_HostRun = 0;
+  SamplePipelineController::Output output = m_Controller.execute(k_HostSampleSize, m_HostRun);
+  m_HostData = std::make_shared<kx::core::DataStructure>(std::move(output.data));
   if (m_Module->pipeline()->importPipelineOutput(&m_Controller, m_HostData))
     appendOutput(QString("%1: %2 grains shown from memory")
                    .arg(m_Controller.getPipelineName())
-                   .arg(generator.summary().grains));
+                   .arg(output.grains));
 }
 
 void ViewerMainWindow::rerunHostPipeline()
@@ -274,13 +312,84 @@ void ViewerMainWindow::rerunHostPipeline()
   }
   // same geometry names, new grain layout: the shown data sources are updated in place
   ++m_HostRun;
-  kxvtk::sample::MicrostructureGenerator generator(k_HostSampleSize, 20240611u + m_HostRun);
-  m_HostData = std::make_shared<kx::core::DataStructure>(generator.generate());
+  SamplePipelineController::Output output = m_Controller.execute(k_HostSampleSize, m_HostRun);
+  m_HostData = std::make_shared<kx::core::DataStructure>(std::move(output.data));
   if (m_Module->pipeline()->reloadPipelineOutput(&m_Controller, m_HostData))
     appendOutput(QString("%1: run %2, %3 grains")
                    .arg(m_Controller.getPipelineName())
                    .arg(m_HostRun + 1)
-                   .arg(generator.summary().grains));
+                   .arg(output.grains));
+}
+
+bool ViewerMainWindow::hostHolds(const kx::core::DataPath& path) const
+{
+  return m_HostData && !path.empty() && m_HostData->getData(path) != nullptr;
+}
+
+bool ViewerMainWindow::runHostStep(SamplePipelineController::Step step)
+{
+  m_Controller.addStep(std::move(step));
+  SamplePipelineController::Output output = m_Controller.execute(k_HostSampleSize, m_HostRun);
+  const QString message = output.messages.back();
+  if (!output.succeeded.back())
+  {
+    m_Controller.removeLastStep();
+    appendOutput(QString("%1: the step was not added. %2")
+                   .arg(m_Controller.getPipelineName(), message));
+    return false;
+  }
+  m_HostData = std::make_shared<kx::core::DataStructure>(std::move(output.data));
+  m_Module->pipeline()->reloadPipelineOutput(&m_Controller, m_HostData);
+  appendOutput(QString("%1: added %2").arg(m_Controller.getPipelineName(), message));
+  return true;
+}
+
+void ViewerMainWindow::createMultiThresholdObjectsFilter(
+  kx::core::DataPath geometryPath, std::vector<KX::ArrayThresholdRange> ranges)
+{
+  if (!hostHolds(geometryPath))
+  {
+    QStringList texts;
+    for (const KX::ArrayThresholdRange& range : ranges)
+      texts << QString("%1 in [%2, %3]")
+                 .arg(QString::fromStdString(range.arrayPath))
+                 .arg(range.lowerBound)
+                 .arg(range.upperBound);
+    appendOutput(QString("Multi-Threshold Objects filter requested on %1 (%2). No host pipeline "
+                         "holds this geometry, so the viewer only reports the request.")
+                   .arg(QString::fromStdString(geometryPath.toString("/")), texts.join(", ")));
+    return;
+  }
+  runHostStep(SamplePipelineController::MultiThresholdStep{ geometryPath, std::move(ranges) });
+}
+
+void ViewerMainWindow::createApplyTransformationGeometryFilter(
+  kx::core::DataPath geometryPath, const std::array<std::array<double, 4>, 4>& matrix)
+{
+  if (!hostHolds(geometryPath))
+  {
+    QStringList rows;
+    for (const auto& row : matrix)
+      rows << QString("%1 %2 %3 %4").arg(row[0]).arg(row[1]).arg(row[2]).arg(row[3]);
+    appendOutput(QString("Apply Transformation filter requested on %1 with the matrix [%2]. No "
+                         "host pipeline holds this geometry, so the viewer only reports the "
+                         "request.")
+                   .arg(QString::fromStdString(geometryPath.toString("/")), rows.join("; ")));
+    return;
+  }
+  if (!runHostStep(SamplePipelineController::TransformStep{ geometryPath, matrix }))
+    return;
+  // the data has moved: the data views that showed the move drop it, or it would count twice
+  for (VXDataSource* source : m_Module->pipeline()->findChildren<VXDataSource*>())
+  {
+    if (source->importedDataPath() != geometryPath)
+      continue;
+    for (VXRepresentation* view : source->findChildren<VXRepresentation*>())
+    {
+      for (VXRepresentationPimpl* split : view->getDataViewSplits())
+        split->setTransform({ 0.0, 0.0, 0.0 }, { 0.0, 0.0, 0.0 }, { 1.0, 1.0, 1.0 });
+    }
+  }
 }
 
 void ViewerMainWindow::appendOutput(const QString& message)

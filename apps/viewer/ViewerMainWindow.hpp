@@ -10,10 +10,12 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 class QDockWidget;
 class QPlainTextEdit;
 class VXDataSource;
+class VXFilter;
 class VXVisualizationModuleWidget;
 
 /**
@@ -44,6 +46,9 @@ public:
   static constexpr const char* k_SurfaceEdgesKey =
     "VisualizationSettings/RepresentationSettings/VXSurfaceRep/edge_visibility";
 
+  /** Cells a side of the sample pipeline's microstructure. */
+  static constexpr kx::core::usize k_HostSampleSize = 48;
+
   explicit ViewerMainWindow(QWidget* parent = nullptr);
   ~ViewerMainWindow() override;
 
@@ -61,7 +66,26 @@ public Q_SLOTS:
   void runHostPipeline();
   /** Runs it again with another grain layout; the module updates what it shows. */
   void rerunHostPipeline();
+  /**
+   * The module asks its host for a Multi-Threshold Objects filter: on a geometry of the sample
+   * pipeline the step is added, the pipeline runs and the module reloads its output, which now
+   * holds the mask array. Any other geometry (a file's) gets the request reported in the output.
+   */
+  void createMultiThresholdObjectsFilter(kx::core::DataPath geometryPath,
+                                         std::vector<KX::ArrayThresholdRange> ranges);
+  /**
+   * The same for an Apply Transformation filter: the host moves its geometry by @p matrix, and
+   * the data views of that geometry drop their own transform, which now lives in the data.
+   */
+  void createApplyTransformationGeometryFilter(kx::core::DataPath geometryPath,
+                                               const std::array<std::array<double, 4>, 4>& matrix);
   void appendOutput(const QString& message);
+  /**
+   * The "Filters" menu: adds the filter of @p typeName ("VXFClip", "VXFSlice", "VXFThreshold")
+   * under the selected data source or filter, applies it and selects it. Null (with a line in
+   * the output) when nothing that takes a filter is selected.
+   */
+  VXFilter* addFilterToSelection(const QString& typeName);
 
 protected:
   /** The first time: the output dock takes a few lines, the module the rest. */
@@ -69,6 +93,10 @@ protected:
 
 private:
   void createMenus();
+  /** Adds @p step to the sample pipeline and runs it; the step is dropped again if it fails. */
+  bool runHostStep(SamplePipelineController::Step step);
+  /** Whether the last output of the sample pipeline holds @p path. */
+  bool hostHolds(const kx::core::DataPath& path) const;
   /** Just before the pipeline picks a data view for @p source: grids by their size. */
   void chooseGridDataView(VXDataSource* source);
 

@@ -15,6 +15,11 @@ struct ViewerOptions
   bool sizeGiven = false;
   QString representation;
   QString colorBy;
+  /**
+   * Visual filters, each under the one before, on every data set: "Clip[:x|y|z]",
+   * "Clip:box[:SCALE]", "Slice[:x|y|z]", "Threshold:ARRAY:MIN:MAX".
+   */
+  QStringList filters;
   /** Faces without their cell edges (a voxel surface otherwise shows a moire of edges). */
   bool hideEdges = false;
 

@@ -2,7 +2,8 @@
 // them to a PNG / saves their state without a window.
 //
 //   kxvtk-viewer [--state FILE] [--save-state FILE] [--screenshot OUT.png] [--size WxH]
-//                [--representation NAME] [--color-by ARRAY] [--no-edges] [--print-frames] FILE...
+//                [--representation NAME] [--color-by ARRAY] [--filter SPEC]... [--no-edges]
+//                [--print-frames] FILE...
 #include "ViewFrameCounter.hpp"
 #include "ViewerApplication.hpp"
 
@@ -35,11 +36,18 @@ int main(int argc, char** argv)
     "representation", "Data view for every data set: Outline, Points, Wireframe, Surface, ...",
     "NAME");
   const QCommandLineOption colorBy("color-by", "Colour by this point or cell array.", "ARRAY");
+  const QCommandLineOption filter(
+    "filter",
+    "Add a visual filter under every data set; repeat to chain, each under the one before: "
+    "Clip[:x|y|z] (plane through the centre), Clip:box[:SCALE] (keeps a box of SCALE times "
+    "the data about its centre, 0.5 if not given), Slice[:x|y|z], Threshold:ARRAY:MIN:MAX. "
+    "Only the end of the chain is shown.",
+    "SPEC");
   const QCommandLineOption noEdges("no-edges", "Draw surfaces without their cell edges.");
   const QCommandLineOption printFrames(
     "print-frames", "Before exiting, print how many frames each view drew (to stderr).");
   parser.addOptions(
-    { state, saveState, screenshot, size, representation, colorBy, noEdges, printFrames });
+    { state, saveState, screenshot, size, representation, colorBy, filter, noEdges, printFrames });
   parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "[FILE...]");
   parser.process(app);
 
@@ -50,6 +58,7 @@ int main(int argc, char** argv)
   options.screenshotPath = parser.value(screenshot);
   options.representation = parser.value(representation);
   options.colorBy = parser.value(colorBy);
+  options.filters = parser.values(filter);
   options.hideEdges = parser.isSet(noEdges);
   if (parser.isSet(size))
   {

@@ -15,18 +15,6 @@ using namespace dataviewtest;
 
 namespace
 {
-/** A fixed, slightly oblique camera on everything in the view. */
-void frameCamera(Scene& scene, double azimuth = 30.0, double elevation = 20.0)
-{
-  vtkRenderer* renderer = scene.renderer();
-  renderer->GetActiveCamera()->SetPosition(0, 0, 1);
-  renderer->GetActiveCamera()->SetFocalPoint(0, 0, 0);
-  renderer->GetActiveCamera()->SetViewUp(0, 1, 0);
-  renderer->GetActiveCamera()->Azimuth(azimuth);
-  renderer->GetActiveCamera()->Elevation(elevation);
-  renderer->ResetCamera();
-}
-
 class DataViewImage : public ::testing::Test
 {
 protected:
@@ -43,7 +31,7 @@ TEST_F(DataViewImage, OutlineOfBunny)
   ASSERT_TRUE(scene.renderer()->HasViewProp(outline->actor()));
   outline->setSolidColor(QColor(255, 200, 0));
   outline->lineSizeEdited("3");
-  frameCamera(scene);
+  FrameCamera(scene);
   CompareWithBaseline(scene, "outline_bunny");
 }
 
@@ -55,7 +43,7 @@ TEST_F(DataViewImage, PointsOfDiskColouredByTemperature)
   points->setActiveArray("Temp");
   points->pointSizeEdited("3");
   EXPECT_EQ(points->legendTitle(), "Temp");
-  frameCamera(scene);
+  FrameCamera(scene);
   CompareWithBaseline(scene, "points_disk_temp");
 }
 
@@ -69,7 +57,7 @@ TEST_F(DataViewImage, WireframeOfDiskColouredByVelocityComponentWithLegend)
   wireframe->setScalarBarVisibility(true);
   EXPECT_EQ(wireframe->legendTitle(), "V\n(Comp 2)");
   EXPECT_EQ(wireframe->actor()->GetProperty()->GetRepresentation(), VTK_WIREFRAME);
-  frameCamera(scene);
+  FrameCamera(scene);
   CompareWithBaseline(scene, "wireframe_disk_v_comp2_legend");
 }
 
@@ -85,7 +73,7 @@ TEST_F(DataViewImage, SurfaceOfDiskColouredByVelocityMagnitudeWithLegendAndGrid)
   EXPECT_EQ(surface->legendTitle(), "V\nMagnitude");
   ASSERT_NE(surface->gridAxes(), nullptr);
   EXPECT_TRUE(scene.renderer()->HasViewProp(surface->gridAxes()));
-  frameCamera(scene, 20.0, 30.0);
+  FrameCamera(scene, 20.0, 30.0);
   scene.renderer()->GetActiveCamera()->Zoom(0.8);
   CompareWithBaseline(scene, "surface_disk_v_magnitude_legend_grid");
 }
@@ -99,7 +87,7 @@ TEST_F(DataViewImage, SurfaceOfBunnyInSolidColour)
   surface->setSolidColor(QColor(80, 200, 120));
   EXPECT_EQ(surface->activeArray(), "");
   EXPECT_FALSE(surface->mapper()->GetScalarVisibility());
-  frameCamera(scene, 0.0, 0.0);
+  FrameCamera(scene, 0.0, 0.0);
   CompareWithBaseline(scene, "surface_bunny_solid_green");
 }
 
@@ -113,7 +101,7 @@ TEST_F(DataViewImage, SurfaceOfHexahedronWithItsSingleMaterialCategory)
   surface->setInterpretValuesAsCategories(true);
   surface->setScalarBarVisibility(true);
   EXPECT_TRUE(surface->lookupTable()->getColorTransferFunction()->GetIndexedLookup());
-  frameCamera(scene, 35.0, 25.0);
+  FrameCamera(scene, 35.0, 25.0);
   CompareWithBaseline(scene, "surface_hexahedron_material_single_category");
 }
 
@@ -124,7 +112,7 @@ TEST_F(DataViewImage, SurfaceOfHydrogenImageByScalars)
   ASSERT_NE(surface, nullptr);
   EXPECT_FALSE(surface->activeArray().isEmpty());
   surface->setScalarBarVisibility(true);
-  frameCamera(scene);
+  FrameCamera(scene);
   CompareWithBaseline(scene, "surface_hydrogen_scalars_legend");
 }
 
@@ -142,6 +130,6 @@ TEST_F(DataViewImage, SurfaceOfGeneratedMicrostructureWithCategoricalPhases)
   surface->setScalarBarVisibility(true);
   EXPECT_EQ(surface->legendTitle(), "Phases");
   EXPECT_TRUE(surface->lookupTable()->getColorTransferFunction()->GetIndexedLookup());
-  frameCamera(scene);
+  FrameCamera(scene);
   CompareWithBaseline(scene, "surface_sample_phases_categories");
 }

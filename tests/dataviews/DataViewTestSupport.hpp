@@ -229,6 +229,18 @@ inline QImage ToQImage(vtkImageData* image)
 }
 
 /** Compares the view against tests/baselines/dataviews/<name>.png. */
+/** A fixed, slightly oblique camera on everything in the view. */
+inline void FrameCamera(Scene& scene, double azimuth = 30.0, double elevation = 20.0)
+{
+  vtkRenderer* renderer = scene.renderer();
+  renderer->GetActiveCamera()->SetPosition(0, 0, 1);
+  renderer->GetActiveCamera()->SetFocalPoint(0, 0, 0);
+  renderer->GetActiveCamera()->SetViewUp(0, 1, 0);
+  renderer->GetActiveCamera()->Azimuth(azimuth);
+  renderer->GetActiveCamera()->Elevation(elevation);
+  renderer->ResetCamera();
+}
+
 inline void CompareWithBaseline(Scene& scene, const std::string& name)
 {
   const QImage image = ToQImage(Capture(scene));

@@ -1,5 +1,8 @@
 #include "StateTestSupport.hpp"
 
+#include <visualization/VXFClip.hpp>
+#include <visualization/VXFThreshold.hpp>
+#include <visualization/VXPlane.hpp>
 #include <visualization/VXPointsRepPimpl.hpp>
 #include <visualization/VXSurfaceRepPimpl.hpp>
 
@@ -212,4 +215,84 @@ TEST_F(RoundTripFixture, SavedSceneLoadsIntoAFreshModuleAndSavesTheSameDocumentA
   ASSERT_EQ(after.size(), before.size());
   EXPECT_LT(RmsDifference(before, after), 2.0);
   compareWithBaseline(after, "round_trip_two_views");
+}
+
+TEST_F(RoundTripFixture, FilterChainWithDataViewsInTwoViewsLoadsAsSaved)
+{
+  VXVisualizationModuleWidget* module = m_Module.get();
+  m_SavedDefault = VXPipeline::getDefaultRepType();
+  VXPipeline::setDefaultRepType(VXRepresentation::None);
+  module->pipeline()->importFile(qpath(pipelinetest::writeSample(m_Dir)));
+  pump();
+  VXAbstractViewWidget* left = grid()->allViews().front();
+  grid()->addColumn(left);
+  pump();
+  ASSERT_EQ(grid()->viewCount(), 2);
+  VXAbstractViewWidget* right = grid()->allViews().at(1);
+  left->mousePressed();
+  pump();
+
+  // a clip across y, and under it a threshold that keeps phase 1, each shown in the left view
+  auto* clip = new VXFClip();
+  const QModelIndex clipIndex = model()->addFilter(sourceNamed("Microstructure"), clip);
+  ASSERT_TRUE(clipIndex.isValid());
+  clip->setShowClipTool(false);
+  clip->plane()->setValues({ 0.0, 1.0, 0.0 }, { 6.0, 6.0, 6.0 });
+  clip->applyFilter();
+  auto* threshold = new VXFThreshold();
+  const QModelIndex thresholdIndex = model()->addFilter(clipIndex, threshold);
+  ASSERT_TRUE(thresholdIndex.isValid());
+  const auto& infos = threshold->activeArrayInfos();
+  for (size_t i = 0; i < infos.size(); ++i)
+  {
+    if (infos[i].displayName == "Phases")
+      threshold->setActiveArrayInfoIndex(i);
+  }
+  threshold->setUserRange(1.0, 1.0);
+  threshold->applyFilter();
+  auto* leftView = dynamic_cast<VXPointsRepPimpl*>(
+    threshold->findChild<VXRepresentation*>()->implementation(left));
+  ASSERT_NE(leftView, nullptr);
+  leftView->setActiveArray("FeatureIds");
+  leftView->setTranslation({ 0.0, 3.0, 0.0 });
+  clip->findChild<VXRepresentation*>()->setVisibility(false);
+
+  // the right view shows the threshold's result as a wireframe of its own
+  right->mousePressed();
+  pump();
+  VXPointsRepPimpl* rightView = addView(thresholdIndex, VXRepresentation::Wireframe);
+  ASSERT_NE(rightView, nullptr);
+  rightView->setActiveArray("Phases");
+  left->mousePressed();
+  pump();
+  const QStringList linesBefore = treeLines();
+  const QImage before = settledImage(module);
+
+  const auto path = m_Dir / "chain.vlxstate";
+  m_Dialogs.saveAnswer = qpath(path);
+  module->saveState();
+  const nlohmann::json first = nlohmann::json::parse(ReadBytes(path));
+
+  freshModule();
+  m_Module->loadState(qpath(path));
+  pump();
+  EXPECT_TRUE(output.isEmpty()) << output.join('\n').toStdString();
+  EXPECT_EQ(treeLines(), linesBefore);
+  VXFThreshold* loaded = m_Module->pipeline()->findChild<VXFThreshold*>();
+  ASSERT_NE(loaded, nullptr);
+  auto* loadedClip = qobject_cast<VXFClip*>(loaded->parent());
+  ASSERT_NE(loadedClip, nullptr);
+  EXPECT_EQ(loadedClip->plane()->getNormal(), (std::array<double, 3>{ 0.0, 1.0, 0.0 }));
+  EXPECT_EQ(loaded->activeArrayInfos().at(loaded->activeArrayInfoIndex()).displayName, "Phases");
+  EXPECT_EQ(loaded->activeArrayInfos().at(loaded->activeArrayInfoIndex()).userMax, 1.0);
+  // both views of the threshold's data view come back, each with its own settings
+  const auto splits = loaded->findChildren<VXRepresentation*>();
+  ASSERT_EQ(splits.size(), 2);
+  nlohmann::json second;
+  m_Module->saveState(second);
+  EXPECT_TRUE(sameDocument(second, first)) << differingPaths(first, second);
+  const QImage after = settledImage(m_Module.get());
+  ASSERT_EQ(after.size(), before.size());
+  EXPECT_LT(RmsDifference(before, after), 2.0);
+  compareWithBaseline(after, "round_trip_filter_chain_two_views");
 }

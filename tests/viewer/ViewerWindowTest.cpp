@@ -9,7 +9,12 @@
 #include "ViewerMainWindow.hpp"
 
 #include <visualization/KXToVXBridge.hpp>
+#include <visualization/QtWidgets/VXFTransformFilterWidget.hpp>
+#include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/VXDataSource.hpp>
+#include <visualization/VXFThreshold.hpp>
+#include <visualization/VXPipelineModel.hpp>
+#include <visualization/VXRepresentationPimpl.hpp>
 
 #include <kxcore/DataArray.hpp>
 #include <kxcore/DataPath.hpp>
@@ -21,6 +26,9 @@
 #include <vtkCamera.h>
 #include <vtkCellData.h>
 #include <vtkDataArray.h>
+#include <vtkDataSet.h>
+#include <vtkAlgorithm.h>
+#include <vtkAlgorithmOutput.h>
 #include <vtkRenderWindowInteractor.h>
 #include <vtkRenderer.h>
 
@@ -28,6 +36,7 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QPushButton>
 
 #include <algorithm>
 #include <array>
@@ -417,4 +426,135 @@ TEST_F(ViewerFixture, PictureCostsOneFrameAndAStartDrawsEachViewOnce)
         << counter.summary().toStdString();
     m_Viewer.reset();
   }
+}
+
+TEST_F(ViewerFixture, FiltersMenuAndHostRequestsRoundTripThroughTheSamplePipeline)
+{
+  // a file has no host pipeline behind it: its request is only reported
+  ViewerOptions options;
+  options.files << moduletest::qpath(pipelinetest::writeSample(m_Dir));
+  start(options);
+  VXDataSource* fileVolume = findSource(module()->pipeline(), "Microstructure");
+  ASSERT_NE(fileVolume, nullptr);
+  QAction* thresholdAction = menuAction(window(), "Filters", "Threshold");
+  ASSERT_NE(thresholdAction, nullptr);
+  ASSERT_NE(menuAction(window(), "Filters", "Clip"), nullptr);
+  ASSERT_NE(menuAction(window(), "Filters", "Slice"), nullptr);
+  // nothing selected: the menu says what it needs
+  module()->getInfoWidget()->setCurrentIndex(QModelIndex());
+  thresholdAction->trigger();
+  EXPECT_TRUE(outputText().contains("Select a data source or a filter in the pipeline browser"));
+  module()->getInfoWidget()->setCurrentIndex(module()->pipelineModel()->helperIndex(fileVolume));
+  auto* fileThreshold = qobject_cast<VXFThreshold*>(window()->addFilterToSelection("VXFThreshold"));
+  ASSERT_NE(fileThreshold, nullptr);
+  EXPECT_EQ(fileThreshold->parent(), fileVolume);
+  EXPECT_EQ(module()->getInfoWidget()->currentIndex(),
+            module()->pipelineModel()->helperIndex(fileThreshold));
+  EXPECT_EQ(fileThreshold->findChildren<VXRepresentation*>().size(), 1);
+  fileThreshold->createMultiThresholdObjectsFilter();
+  pump();
+  EXPECT_TRUE(outputText().contains("Multi-Threshold Objects filter requested on Microstructure"))
+    << outputText().toStdString();
+  EXPECT_TRUE(outputText().contains("No host pipeline holds this geometry"));
+
+  // the sample pipeline marks the cells of phase 2 in a mask, and the module shows it
+  menuAction(window(), "Host Pipeline", "Run Sample Pipeline")->trigger();
+  pump();
+  auto* bridge = qobject_cast<KXToVXBridge*>(module()->pipeline()->bridges().last());
+  ASSERT_NE(bridge, nullptr);
+  VXDataSource* volume = nullptr;
+  VXDataSource* boundaries = nullptr;
+  for (VXDataSource* source : bridge->dataSources())
+  {
+    if (source->baseName() == "Microstructure")
+      volume = source;
+    if (source->baseName() == "Grain Boundaries")
+      boundaries = source;
+  }
+  ASSERT_NE(volume, nullptr);
+  ASSERT_NE(boundaries, nullptr);
+  module()->getInfoWidget()->setCurrentIndex(module()->pipelineModel()->helperIndex(volume));
+  thresholdAction->trigger();
+  pump();
+  VXFThreshold* threshold = volume->findChild<VXFThreshold*>();
+  ASSERT_NE(threshold, nullptr);
+  const auto& infos = threshold->activeArrayInfos();
+  for (size_t i = 0; i < infos.size(); ++i)
+  {
+    if (infos[i].displayName == "Phases")
+      threshold->setActiveArrayInfoIndex(i);
+  }
+  threshold->setUserRange(2.0, 2.0);
+  threshold->applyFilter();
+  const vtkIdType shownCells =
+    vtkDataSet::SafeDownCast(threshold->outputPort()->GetProducer()->GetOutputDataObject(0))
+      ->GetNumberOfCells();
+  ASSERT_GT(shownCells, 0);
+  threshold->createMultiThresholdObjectsFilter();
+  pump();
+  auto* mask = window()->hostData()->getDataAs<kx::core::UInt8Array>(
+    kx::core::DataPath({ "Microstructure", "Cell Data", "Mask" }));
+  ASSERT_NE(mask, nullptr);
+  auto* phases = window()->hostData()->getDataAs<kx::core::Int32Array>(
+    kx::core::DataPath({ "Microstructure", "Cell Data", "Phases" }));
+  ASSERT_NE(phases, nullptr);
+  vtkIdType marked = 0;
+  for (kx::core::usize i = 0; i < mask->getNumberOfTuples(); ++i)
+  {
+    EXPECT_EQ((*mask)[i] == 1, (*phases)[i] == 2);
+    marked += (*mask)[i];
+  }
+  // the host marked exactly the cells that the visual threshold kept
+  EXPECT_EQ(marked, shownCells);
+  vtkDataArray* shownMask = volume->getOutput()->GetCellData()->GetArray("Mask");
+  ASSERT_NE(shownMask, nullptr);
+  EXPECT_EQ(shownMask->GetRange()[1], 1.0);
+  EXPECT_TRUE(outputText().contains(
+    QString("Sample Microstructure Pipeline: added Multi-Threshold Objects on Microstructure "
+            "(Phases in [2, 2]): %1 of 110592 tuples marked in \"Mask\".")
+      .arg(marked)))
+    << outputText().toStdString();
+  // the tree stays, and the threshold can now pick the mask
+  EXPECT_EQ(volume->findChild<VXFThreshold*>(), threshold);
+  EXPECT_TRUE(std::any_of(threshold->activeArrayInfos().begin(),
+                          threshold->activeArrayInfos().end(),
+                          [](const auto& info) { return info.displayName == "Mask"; }));
+
+  // the surface moves by its data view's transform; the data view drops it once the host has it
+  auto* surface = boundaries->findChild<VXRepresentation*>();
+  ASSERT_NE(surface, nullptr);
+  VXRepresentationPimpl* split = surface->getDataViewSplits().front();
+  const float before = window()->hostData()
+                         ->getDataAs<kx::core::Float32Array>(
+                           kx::core::DataPath({ "Grain Boundaries", "SharedVertexList" }))
+                         ->at(2);
+  const double top = boundaries->getOutput()->GetBounds()[5];
+  split->setTranslation({ 0.0, 0.0, 10.0 });
+  split->transformWidget()->hostButton()->click();
+  pump();
+  auto* vertices = window()->hostData()->getDataAs<kx::core::Float32Array>(
+    kx::core::DataPath({ "Grain Boundaries", "SharedVertexList" }));
+  ASSERT_NE(vertices, nullptr);
+  EXPECT_FLOAT_EQ(vertices->at(2), before + 10.0f);
+  EXPECT_EQ(split->translation(), (std::array<double, 3>{ 0.0, 0.0, 0.0 }));
+  EXPECT_DOUBLE_EQ(boundaries->getOutput()->GetBounds()[5], top + 10.0);
+  EXPECT_TRUE(outputText().contains("added Apply Transformation on Grain Boundaries"));
+
+  // a grid can't turn: the host refuses and keeps its steps
+  VXRepresentationPimpl* volumeView = volume->findChild<VXRepresentation*>()->getDataViewSplits().front();
+  volumeView->setRotation({ 0.0, 0.0, 30.0 });
+  volumeView->createApplyTransformationGeometryFilter();
+  pump();
+  EXPECT_TRUE(outputText().contains("the step was not added. Apply Transformation: Microstructure "
+                                    "is an image grid, which can be moved and scaled along its "
+                                    "axes but not rotated."))
+    << outputText().toStdString();
+
+  // a new run keeps both steps
+  menuAction(window(), "Host Pipeline", "Run Again with New Values")->trigger();
+  pump();
+  ASSERT_NE(window()->hostData()->getDataAs<kx::core::UInt8Array>(
+              kx::core::DataPath({ "Microstructure", "Cell Data", "Mask" })),
+            nullptr);
+  EXPECT_DOUBLE_EQ(boundaries->getOutput()->GetBounds()[5], top + 10.0);
 }
