@@ -1,6 +1,7 @@
 #include "visualization/VXOutlineRepPimpl.hpp"
 
 #include "utils/KXVtkModuleUtils.hpp"
+#include "visualization/QtWidgets/VXFTransformFilterWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXOutlineRep.hpp"

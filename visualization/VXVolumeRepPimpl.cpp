@@ -5,6 +5,7 @@
 #include "visualization/QtWidgets/VXCustomRangeDialog.hpp"
 #include "visualization/QtWidgets/VXColorMapEditorWidget.hpp"
 #include "visualization/QtWidgets/VXHistogramOpacityWidget.hpp"
+#include "visualization/QtWidgets/VXFTransformFilterWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXLookupTable.hpp"

@@ -4,9 +4,12 @@
 
 #include <kxcore/AttributeMatrix.hpp>
 #include <kxcore/DataArray.hpp>
+#include <kxcore/DataStore.hpp>
 #include <kxcore/INodeGeometry0D.hpp>
 #include <kxcore/IGeometry.hpp>
 #include <kxcore/ImageGeom.hpp>
+
+#include <QtCore/QStringList>
 
 #include <cmath>
 #include <memory>
@@ -69,7 +72,8 @@ bool RunMultiThreshold(const SamplePipelineController::MultiThresholdStep& step,
   auto* geometry = data.getDataAs<IGeometry>(step.geometry);
   if (geometry == nullptr)
   {
-    *message = QString("Multi-Threshold Objects: there is no geometry %1.").arg(PathText(step.geometry));
+    *message =
+      QString("Multi-Threshold Objects: there is no geometry %1.").arg(PathText(step.geometry));
     return false;
   }
   if (step.ranges.empty())
@@ -155,10 +159,12 @@ bool RunTransform(const SamplePipelineController::TransformStep& step, DataStruc
   auto* geometry = data.getDataAs<IGeometry>(step.geometry);
   if (geometry == nullptr)
   {
-    *message = QString("Apply Transformation: there is no geometry %1.").arg(PathText(step.geometry));
+    *message =
+      QString("Apply Transformation: there is no geometry %1.").arg(PathText(step.geometry));
     return false;
   }
-  if (auto* nodes = dynamic_cast<INodeGeometry0D*>(geometry); nodes != nullptr && nodes->getVertices())
+  if (auto* nodes = dynamic_cast<INodeGeometry0D*>(geometry);
+      nodes != nullptr && nodes->getVertices())
   {
     Float32Array* vertices = nodes->getVertices();
     auto& store = vertices->getDataStoreRefTyped();

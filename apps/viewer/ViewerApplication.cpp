@@ -354,8 +354,15 @@ bool ViewerApplication::applyFilters()
       {
         // a threshold needs its array in what reaches it
         vtkAlgorithmOutput* port = parent->outputPort();
-        auto* data = port != nullptr ? vtkDataSet::SafeDownCast(port->GetProducer()->GetOutputDataObject(port->GetIndex())) : nullptr;
-        if (!request.array.isEmpty() && (data == nullptr || data->GetPointData()->GetAbstractArray(qPrintable(request.array)) == nullptr) && (data == nullptr || data->GetCellData()->GetAbstractArray(qPrintable(request.array)) == nullptr))
+        auto* data =
+          port != nullptr
+            ? vtkDataSet::SafeDownCast(port->GetProducer()->GetOutputDataObject(port->GetIndex()))
+            : nullptr;
+        if (!request.array.isEmpty() &&
+            (data == nullptr ||
+             data->GetPointData()->GetAbstractArray(qPrintable(request.array)) == nullptr) &&
+            (data == nullptr ||
+             data->GetCellData()->GetAbstractArray(qPrintable(request.array)) == nullptr))
         {
           skipped = request.array;
           break;
@@ -404,8 +411,8 @@ bool ViewerApplication::applyFilters()
         }
         filter->applyFilter();
         // only the end of the chain shows
-        for (VXRepresentation* shown : parent->findChildren<VXRepresentation*>(
-               QString(), Qt::FindDirectChildrenOnly))
+        for (VXRepresentation* shown :
+             parent->findChildren<VXRepresentation*>(QString(), Qt::FindDirectChildrenOnly))
           shown->setVisibility(false);
         parent = filter;
       }

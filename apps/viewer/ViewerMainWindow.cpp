@@ -334,8 +334,8 @@ bool ViewerMainWindow::runHostStep(SamplePipelineController::Step step)
   if (!output.succeeded.back())
   {
     m_Controller.removeLastStep();
-    appendOutput(QString("%1: the step was not added. %2")
-                   .arg(m_Controller.getPipelineName(), message));
+    appendOutput(
+      QString("%1: the step was not added. %2").arg(m_Controller.getPipelineName(), message));
     return false;
   }
   m_HostData = std::make_shared<kx::core::DataStructure>(std::move(output.data));

@@ -39,10 +39,12 @@ protected:
   /** The data view that the first apply of @p filter added, in the scene's view. */
   VXPointsRepPimpl* viewOf(VXFilter* filter)
   {
-    const auto views = filter->findChildren<VXRepresentation*>(QString(), Qt::FindDirectChildrenOnly);
+    const auto views =
+      filter->findChildren<VXRepresentation*>(QString(), Qt::FindDirectChildrenOnly);
     EXPECT_EQ(views.size(), 1);
-    return views.isEmpty() ? nullptr
-                           : dynamic_cast<VXPointsRepPimpl*>(views.first()->implementation(scene.view.get()));
+    return views.isEmpty()
+             ? nullptr
+             : dynamic_cast<VXPointsRepPimpl*>(views.first()->implementation(scene.view.get()));
   }
 
   /** Selects the record of @p name on @p threshold and keeps [@p minimum, @p maximum]. */
@@ -87,8 +89,9 @@ TEST_F(FilterImage, HydrogenClippedByAPlaneAndByABox)
   clip->box()->setValues({ 16.0, 16.0, 16.0 }, { 0.0, 0.0, 0.0 }, { 0.5, 0.5, 0.5 });
   clip->applyFilter();
   clip->clipFilter()->GetOutput()->GetBounds(bounds);
-  EXPECT_EQ((std::array<double, 6>{ bounds[0], bounds[1], bounds[2], bounds[3], bounds[4], bounds[5] }),
-            (std::array<double, 6>{ 0, 63, 0, 63, 0, 63 }));
+  EXPECT_EQ(
+    (std::array<double, 6>{ bounds[0], bounds[1], bounds[2], bounds[3], bounds[4], bounds[5] }),
+    (std::array<double, 6>{ 0, 63, 0, 63, 0, 63 }));
   // the 32^3 points of the corner box are gone, less the box's own faces
   EXPECT_LT(clip->clipFilter()->GetOutput()->GetNumberOfPoints(), 64 * 64 * 64 - 31 * 31 * 31);
   FrameCamera(scene, 30.0, 35.0);

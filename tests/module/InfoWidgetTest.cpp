@@ -99,6 +99,18 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
   const int last = model()->rowCount(sourceIndex(0)) - 1;
   EXPECT_EQ(model()->getCoreObject(model()->index(last, 0, sourceIndex(0))),
             source->findChildren<VXFClip*>().front());
+  // a filter takes filters and data views under it too: a threshold under the clip
+  const QModelIndex clipIndex = model()->index(last, 0, sourceIndex(0));
+  std::unique_ptr<QMenu> clipMenu(info()->createContextMenu(clipIndex));
+  ASSERT_NE(submenu(clipMenu.get(), "Add Data View"), nullptr);
+  QMenu* clipFilters = submenu(clipMenu.get(), "Add Visual Filter");
+  ASSERT_NE(clipFilters, nullptr);
+  for (const char* entry : { "Clip", "Slice", "Threshold" })
+    EXPECT_TRUE(action(clipFilters, entry)->isEnabled()) << entry;
+  action(clipFilters, "Threshold")->trigger();
+  ASSERT_EQ(model()->rowCount(clipIndex), 1);
+  EXPECT_EQ(model()->getCoreObject(model()->index(0, 0, clipIndex))->parent(),
+            source->findChildren<VXFClip*>().front());
   for (const char* entry : { "Show Data Set Information", "Copy Settings", "Paste Settings",
                              "Save as Visualization Preset...", "Rename", "Remove" })
     EXPECT_NE(action(sourceMenu.get(), entry), nullptr) << entry;

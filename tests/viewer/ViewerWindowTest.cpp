@@ -524,7 +524,8 @@ TEST_F(ViewerFixture, FiltersMenuAndHostRequestsRoundTripThroughTheSamplePipelin
   auto* surface = boundaries->findChild<VXRepresentation*>();
   ASSERT_NE(surface, nullptr);
   VXRepresentationPimpl* split = surface->getDataViewSplits().front();
-  const float before = window()->hostData()
+  const float before = window()
+                         ->hostData()
                          ->getDataAs<kx::core::Float32Array>(
                            kx::core::DataPath({ "Grain Boundaries", "SharedVertexList" }))
                          ->at(2);
@@ -541,7 +542,8 @@ TEST_F(ViewerFixture, FiltersMenuAndHostRequestsRoundTripThroughTheSamplePipelin
   EXPECT_TRUE(outputText().contains("added Apply Transformation on Grain Boundaries"));
 
   // a grid can't turn: the host refuses and keeps its steps
-  VXRepresentationPimpl* volumeView = volume->findChild<VXRepresentation*>()->getDataViewSplits().front();
+  VXRepresentationPimpl* volumeView =
+    volume->findChild<VXRepresentation*>()->getDataViewSplits().front();
   volumeView->setRotation({ 0.0, 0.0, 30.0 });
   volumeView->createApplyTransformationGeometryFilter();
   pump();
