@@ -176,6 +176,7 @@ bool VXPointsRepPimpl::initialize(vtkAlgorithmOutput* port)
   m_HighlightActor->GetProperty()->SetColor(colors->GetColor3d("Magenta").GetData());
   m_HighlightActor->GetProperty()->SetRepresentationToWireframe();
   m_HighlightActor->GetProperty()->SetLineWidth(3.0f);
+  ensureTransformWidget();
   applyTransform();
 
   if (m_LookupTable == nullptr)
