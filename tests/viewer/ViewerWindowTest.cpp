@@ -448,7 +448,7 @@ TEST_F(ViewerFixture, FiltersMenuAndHostRequestsRoundTripThroughTheSamplePipelin
   auto* fileThreshold = qobject_cast<VXFThreshold*>(window()->addFilterToSelection("VXFThreshold"));
   ASSERT_NE(fileThreshold, nullptr);
   EXPECT_EQ(fileThreshold->parent(), fileVolume);
-  EXPECT_EQ(module()->getInfoWidget()->currentIndex(),
+  EXPECT_EQ(module()->getInfoWidget()->currentIndex().siblingAtColumn(0),
             module()->pipelineModel()->helperIndex(fileThreshold));
   EXPECT_EQ(fileThreshold->findChildren<VXRepresentation*>().size(), 1);
   fileThreshold->createMultiThresholdObjectsFilter();
