@@ -119,8 +119,18 @@ void VXFThreshold::setUserRange(double minimum, double maximum)
 
 void VXFThreshold::applyFilter()
 {
-  if (m_ActiveArrayInfoIndex >= m_ActiveArrayInfos.size())
+  if (!configureThreshold())
     return;
+  m_Threshold->Update();
+  addRepresentationAfterApply();
+  updateDownstreamGridAxesBounds();
+  Q_EMIT requestRenderAll();
+}
+
+bool VXFThreshold::configureThreshold()
+{
+  if (m_ActiveArrayInfoIndex >= m_ActiveArrayInfos.size())
+    return false;
   const ActiveArrayInfo& info = m_ActiveArrayInfos[m_ActiveArrayInfoIndex];
   m_Threshold->SetLowerThreshold(info.userMin);
   m_Threshold->SetUpperThreshold(info.userMax);
@@ -129,10 +139,7 @@ void VXFThreshold::applyFilter()
   m_Threshold->SetSelectedComponent(info.component);
   m_Threshold->SetInputArrayToProcess(0, 0, 0, vtkDataObject::FIELD_ASSOCIATION_POINTS_THEN_CELLS,
                                       info.arrayName.toLocal8Bit().constData());
-  m_Threshold->Update();
-  addRepresentationAfterApply();
-  updateDownstreamGridAxesBounds();
-  Q_EMIT requestRenderAll();
+  return true;
 }
 
 void VXFThreshold::receivePipelineOutputReloaded()
@@ -190,6 +197,8 @@ void VXFThreshold::readValues(const nlohmann::json& input)
     const int64_t index = it->get<int64_t>();
     setActiveArrayInfoIndex(index < 0 ? m_ActiveArrayInfos.size() : static_cast<size_t>(index));
   }
+  // the data views under a loaded threshold show what it kept when it was saved
+  configureThreshold();
   Q_EMIT activeArrayInfosChanged();
 }
 

@@ -92,6 +92,8 @@ Q_SIGNALS:
 
 private:
   void rebuildActiveArrayInfos();
+  /** Hands the active record's range, component and array to the algorithm; false without one. */
+  bool configureThreshold();
   void writeValues(nlohmann::json& output) const override;
   void readValues(const nlohmann::json& input) override;
 

@@ -265,6 +265,16 @@ TEST_F(RoundTripFixture, FilterChainWithDataViewsInTwoViewsLoadsAsSaved)
   rightView->setActiveArray("Phases");
   left->mousePressed();
   pump();
+  // both views look at the whole scene from the same oblique side
+  for (int view = 0; view < 2; ++view)
+  {
+    vtkRenderer* renderer = grid()->allViews().at(view)->getVisualizationWidget()->getRenderer();
+    renderer->ResetCamera();
+    camera(view)->Azimuth(35.0);
+    camera(view)->Elevation(25.0);
+    camera(view)->OrthogonalizeViewUp();
+    renderer->ResetCamera();
+  }
   const QStringList linesBefore = treeLines();
   const QImage before = settledImage(module);
 
