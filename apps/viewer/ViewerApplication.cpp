@@ -417,10 +417,15 @@ bool ViewerApplication::applyFilters()
         parent = filter;
       }
       if (skipped.isEmpty())
+      {
         ++chains;
-      else
-        std::fprintf(stderr, "kxvtk-viewer: '%s' has no array '%s': its filter chain stops\n",
-                     qPrintable(source->name()), qPrintable(skipped));
+        continue;
+      }
+      std::fprintf(stderr, "kxvtk-viewer: '%s' has no array '%s': it is hidden\n",
+                   qPrintable(source->name()), qPrintable(skipped));
+      // the picture is of the filtered data: a data set the chain can't take stays out of it
+      for (VXRepresentation* shown : source->findChildren<VXRepresentation*>())
+        shown->setVisibility(false);
     }
   }
   settle();
