@@ -42,6 +42,8 @@ private:
   /** Turns the cell edges of every data view off. */
   void hideEdges();
   bool applyColoring();
+  /** Shows the slice of --slice in every image slice data view, the camera facing it. */
+  bool applySlice();
   /** Points every view's camera obliquely at the whole scene. */
   void frameViews();
 

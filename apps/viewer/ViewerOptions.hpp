@@ -15,6 +15,8 @@ struct ViewerOptions
   bool sizeGiven = false;
   QString representation;
   QString colorBy;
+  /** The image slice to show, "DIR:N" with DIR one of XY, YZ, XZ; empty keeps the views' own. */
+  QString slice;
   /** Faces without their cell edges (a voxel surface otherwise shows a moire of edges). */
   bool hideEdges = false;
 

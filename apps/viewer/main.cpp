@@ -2,7 +2,8 @@
 // them to a PNG / saves their state without a window.
 //
 //   kxvtk-viewer [--state FILE] [--save-state FILE] [--screenshot OUT.png] [--size WxH]
-//                [--representation NAME] [--color-by ARRAY] [--no-edges] [--print-frames] FILE...
+//                [--representation NAME] [--color-by ARRAY] [--slice DIR:N] [--no-edges]
+//                [--print-frames] FILE...
 #include "ViewFrameCounter.hpp"
 #include "ViewerApplication.hpp"
 
@@ -35,11 +36,14 @@ int main(int argc, char** argv)
     "representation", "Data view for every data set: Outline, Points, Wireframe, Surface, ...",
     "NAME");
   const QCommandLineOption colorBy("color-by", "Colour by this point or cell array.", "ARRAY");
+  const QCommandLineOption slice(
+    "slice", "Image slice to show: DIR:N, DIR one of XY, YZ, XZ (with --representation ImageSlice).",
+    "DIR:N");
   const QCommandLineOption noEdges("no-edges", "Draw surfaces without their cell edges.");
   const QCommandLineOption printFrames(
     "print-frames", "Before exiting, print how many frames each view drew (to stderr).");
   parser.addOptions(
-    { state, saveState, screenshot, size, representation, colorBy, noEdges, printFrames });
+    { state, saveState, screenshot, size, representation, colorBy, slice, noEdges, printFrames });
   parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "[FILE...]");
   parser.process(app);
 
@@ -50,6 +54,7 @@ int main(int argc, char** argv)
   options.screenshotPath = parser.value(screenshot);
   options.representation = parser.value(representation);
   options.colorBy = parser.value(colorBy);
+  options.slice = parser.value(slice);
   options.hideEdges = parser.isSet(noEdges);
   if (parser.isSet(size))
   {
