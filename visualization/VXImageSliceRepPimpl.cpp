@@ -228,6 +228,7 @@ bool VXImageSliceRepPimpl::initialize(vtkAlgorithmOutput* port)
         scalars != nullptr && scalars->GetName() != nullptr)
       m_Coloring.activeArray = QString::fromUtf8(scalars->GetName());
   }
+  applyRgbPreset();
   {
     // the active array must not reset a custom range read before
     const int component = m_Coloring.activeComponent;
@@ -236,8 +237,6 @@ bool VXImageSliceRepPimpl::initialize(vtkAlgorithmOutput* port)
   }
   if (m_Coloring.valuesAsCategories)
     setInterpretValuesAsCategories(true);
-  else
-    applyRgbPreset();
   applyColoring();
   applySlice();
 
@@ -601,6 +600,9 @@ void VXImageSliceRepPimpl::OnTimerEvent(vtkObject*, unsigned long eventId, void*
     return;
   if (eventId == k_StopTimerEvent)
   {
+    // the same number is the interactor's request for a platform timer, which carries the id
+    if (callData != nullptr)
+      return;
     if (self->m_TimerId >= 0 && self->m_Interactor != nullptr)
       self->m_Interactor->DestroyTimer(self->m_TimerId);
     self->m_TimerId = -1;

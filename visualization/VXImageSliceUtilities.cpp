@@ -9,6 +9,8 @@
 #include <vtkStreamingDemandDrivenPipeline.h>
 #include <vtkStructuredData.h>
 
+#include <algorithm>
+
 namespace image_slice_utilities
 {
 vtkStandardNewMacro(VXImageSliceData);

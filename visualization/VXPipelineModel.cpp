@@ -516,6 +516,19 @@ void VXPipelineModel::representationAdded(VXRepresentation* representation)
 {
   if (representation == nullptr || findItem(representation) != nullptr)
     return;
+  // slices link through this model even where a host made the data source without a row
+  if (representation->type() == VXRepresentation::ImageSlice)
+  {
+    connect(representation, &VXRepresentation::requestLinkViews, this,
+            &VXPipelineModel::linkImageSliceSlices, Qt::UniqueConnection);
+    connect(representation, &VXRepresentation::requestUnlinkViews, this,
+            &VXPipelineModel::unlinkImageSliceSlices, Qt::UniqueConnection);
+    for (VXRepresentationPimpl* implementation : representation->getDataViewSplits())
+    {
+      if (implementation != nullptr && implementation->isLinked())
+        linkImageSliceSlices(implementation);
+    }
+  }
   TreeItem* parentItem = findItem(representation->parent());
   if (parentItem == nullptr)
     return;
@@ -528,17 +541,6 @@ void VXPipelineModel::representationAdded(VXRepresentation* representation)
   }
   insertItem(parentItem, k_RepresentationKind, representation);
   connectCoreObject(representation);
-  if (representation->type() != VXRepresentation::ImageSlice)
-    return;
-  connect(representation, &VXRepresentation::requestLinkViews, this,
-          &VXPipelineModel::linkImageSliceSlices, Qt::UniqueConnection);
-  connect(representation, &VXRepresentation::requestUnlinkViews, this,
-          &VXPipelineModel::unlinkImageSliceSlices, Qt::UniqueConnection);
-  for (VXRepresentationPimpl* implementation : representation->getDataViewSplits())
-  {
-    if (implementation != nullptr && implementation->isLinked())
-      linkImageSliceSlices(implementation);
-  }
 }
 
 QModelIndex VXPipelineModel::addBridgeObject(VXBridgeObject* bridge)

@@ -20,6 +20,7 @@
 #include <vtkCamera.h>
 #include <vtkCellData.h>
 #include <vtkFloatArray.h>
+#include <vtkImageProperty.h>
 #include <vtkIntArray.h>
 #include <vtkPointData.h>
 
@@ -29,8 +30,9 @@ using dataviewtest::Scene;
 using dataviewtest::ScopedSettings;
 using SliceDirection = KXVtkModule::constants::SliceDirection;
 
-/** An image of nx * ny * nz cells with the cell array "Ids" (the cell index) and "Half" (id / 2),
- * starting at index @p start on every axis. */
+/** An image of nx * ny * nz cells with the cell arrays "Ids" (the cell index), "Half" (id / 2)
+ * and "Field" (x + z + 8 y at the cell's centre, whatever the spacing), starting at index @p start
+ * on every axis. */
 vtkSmartPointer<vtkImageData> CellImage(int nx, int ny, int nz, double spacing = 1.0,
                                         int start = 0)
 {
@@ -41,12 +43,19 @@ vtkSmartPointer<vtkImageData> CellImage(int nx, int ny, int nz, double spacing =
   ids->SetName("Ids");
   vtkNew<vtkFloatArray> half;
   half->SetName("Half");
+  vtkNew<vtkFloatArray> field;
+  field->SetName("Field");
   for (int i = 0; i < nx * ny * nz; ++i)
   {
     ids->InsertNextValue(i);
     half->InsertNextValue(static_cast<float>(i) / 2.0f);
+    const double x = (i % nx + 0.5) * spacing;
+    const double y = ((i / nx) % ny + 0.5) * spacing;
+    const double z = (i / (nx * ny) + 0.5) * spacing;
+    field->InsertNextValue(static_cast<float>(x + z + 8.0 * y));
   }
   image->GetCellData()->AddArray(half);
+  image->GetCellData()->AddArray(field);
   image->GetCellData()->SetScalars(ids);
   return image;
 }
@@ -336,7 +345,7 @@ TEST(ImageSliceDataView, TwoLinkedImagesOfDifferentSpacingShowTheSameWorldPositi
   ScopedSettings settings;
   Scene scene;
   VXPipelineModel model(scene.pipeline.get(), nullptr);
-  // the same ramp along z, at spacing 1 and 0.5; the fine one stands to the right
+  // one field at spacing 1 and 0.5; the fine one stands to the right
   auto* coarse = AddSlice(scene, CellImage(16, 16, 16, 1.0));
   auto* fine = AddSlice(scene, CellImage(32, 32, 32, 0.5));
   ASSERT_TRUE(coarse != nullptr && fine != nullptr);
@@ -344,8 +353,8 @@ TEST(ImageSliceDataView, TwoLinkedImagesOfDifferentSpacingShowTheSameWorldPositi
   for (VXImageSliceRepPimpl* view : { coarse, fine })
   {
     view->control<QPushButton>("linkSlicesButton")->click();
-    view->setActiveArray("Half");
-    view->rescaleToCustomRange(0.0, 2048.0);
+    view->setActiveArray("Field");
+    view->rescaleToCustomRange(0.0, 160.0);
   }
   coarse->control<QCheckBox>("m_LinkPhysicalCheckBox")->setChecked(true);
   coarse->control<QComboBox>("m_DirectionCombo")->setCurrentIndex(1);
