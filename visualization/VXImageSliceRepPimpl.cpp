@@ -63,19 +63,19 @@ int AxisOf(SliceDirection direction)
 {
   switch (direction)
   {
-  case KXVtkModule::constants::YZ:
-    return 0;
-  case KXVtkModule::constants::XZ:
-    return 1;
-  default:
-    return 2;
+    case KXVtkModule::constants::YZ:
+      return 0;
+    case KXVtkModule::constants::XZ:
+      return 1;
+    default:
+      return 2;
   }
 }
 
 /** The direction combo lists "XYPlane", "XZPlane", "YZPlane". */
-constexpr std::array<SliceDirection, 3> k_ComboDirections = {
-  KXVtkModule::constants::XY, KXVtkModule::constants::XZ, KXVtkModule::constants::YZ
-};
+constexpr std::array<SliceDirection, 3> k_ComboDirections = { KXVtkModule::constants::XY,
+                                                              KXVtkModule::constants::XZ,
+                                                              KXVtkModule::constants::YZ };
 
 int ComboIndexOf(SliceDirection direction)
 {
@@ -353,7 +353,7 @@ void VXImageSliceRepPimpl::applySlice()
   extent[2 * axis] = index;
   extent[2 * axis + 1] = index;
   m_ImageActor->SetDisplayExtent(extent);
-  updateGridAxesBounds();
+  // the transform sets the grid to the new bounds as well
   applyTransform();
 }
 
@@ -760,9 +760,9 @@ void VXImageSliceRepPimpl::setUseSolidColor(bool checked)
 {
   m_Coloring.useSolidColor = checked;
   const int component = m_Coloring.activeComponent;
-  setActiveArray(checked ? QString()
-                         : (m_ArrayCombo != nullptr ? m_ArrayCombo->currentText()
-                                                    : m_Coloring.activeArray));
+  setActiveArray(
+    checked ? QString()
+            : (m_ArrayCombo != nullptr ? m_ArrayCombo->currentText() : m_Coloring.activeArray));
   m_Coloring.activeComponent = component;
   if (m_SolidColorCheckBox != nullptr)
   {
@@ -907,8 +907,8 @@ void VXImageSliceRepPimpl::connectParentColorSignals(bool trigger)
   if (source == nullptr)
     return;
   disconnectParentColorSignals();
-  m_ParentColorConnections.append(connect(source, &VXDataSource::solidColorChanged, this,
-                                          &VXImageSliceRepPimpl::setSolidColor));
+  m_ParentColorConnections.append(
+    connect(source, &VXDataSource::solidColorChanged, this, &VXImageSliceRepPimpl::setSolidColor));
   m_ParentColorConnections.append(
     connect(source, &VXDataSource::nanColorChanged, this, &VXImageSliceRepPimpl::setNanColor));
   m_ParentColorConnections.append(connect(source, &VXDataSource::loadPresetColors, this,
@@ -1126,8 +1126,9 @@ void VXImageSliceRepPimpl::read(const nlohmann::json& input)
     m_Opacity = std::clamp(input.at("opacity_percent").get<double>() / 100.0, 0.0, 1.0);
   if (input.contains("solid_color_r") && input.contains("solid_color_g") &&
       input.contains("solid_color_b"))
-    m_SolidColor = QColor(input.at("solid_color_r").get<int>(),
-                          input.at("solid_color_g").get<int>(), input.at("solid_color_b").get<int>());
+    m_SolidColor =
+      QColor(input.at("solid_color_r").get<int>(), input.at("solid_color_g").get<int>(),
+             input.at("solid_color_b").get<int>());
   if (input.contains("slice_dir"))
     m_SliceDirection = DirectionFromInt(input.at("slice_dir").get<int>());
   if (input.contains("slice_num"))
@@ -1265,8 +1266,8 @@ void VXImageSliceRepPimpl::refillComponentCombo()
   if (VXDataSource* source = parentDataSource())
     m_ComponentCombo->addItems(source->getComponentNames(m_Coloring.activeArray));
   const int magnitude = m_ComponentCombo->findText("Magnitude");
-  m_ComponentCombo->setCurrentIndex(
-    m_Coloring.activeComponent < 0 ? std::max(magnitude, 0) : m_Coloring.activeComponent);
+  m_ComponentCombo->setCurrentIndex(m_Coloring.activeComponent < 0 ? std::max(magnitude, 0)
+                                                                   : m_Coloring.activeComponent);
 }
 
 void VXImageSliceRepPimpl::arrayNameComboIndexChanged(int index)
@@ -1454,8 +1455,7 @@ void VXImageSliceRepPimpl::buildSettingsPage()
           });
   connect(m_DurationSpinBox, &QDoubleSpinBox::valueChanged, this,
           &VXImageSliceRepPimpl::setAnimationDuration);
-  connect(m_PlayAllButton, &QPushButton::toggled, this,
-          &VXImageSliceRepPimpl::startStopAnimation);
+  connect(m_PlayAllButton, &QPushButton::toggled, this, &VXImageSliceRepPimpl::startStopAnimation);
   connect(m_FlickerButton, &QPushButton::toggled, this, &VXImageSliceRepPimpl::startStopFlicker);
   connect(m_ToggleButton, &QPushButton::clicked, this, &VXImageSliceRepPimpl::toggleSlices);
   connect(m_ToggleLeftSpinBox, &QSpinBox::valueChanged, this,
@@ -1470,8 +1470,7 @@ void VXImageSliceRepPimpl::buildSettingsPage()
           &VXImageSliceRepPimpl::arrayNameComboIndexChanged);
   connect(m_ComponentCombo, &QComboBox::currentIndexChanged, this,
           &VXImageSliceRepPimpl::arrayComponentComboChanged);
-  connect(m_SolidColorCheckBox, &QCheckBox::toggled, this,
-          &VXImageSliceRepPimpl::setUseSolidColor);
+  connect(m_SolidColorCheckBox, &QCheckBox::toggled, this, &VXImageSliceRepPimpl::setUseSolidColor);
   connect(m_CategoriesCheckBox, &QCheckBox::toggled, this,
           &VXImageSliceRepPimpl::setInterpretValuesAsCategories);
   connect(m_ColorPresetButton, &QPushButton::clicked, this,

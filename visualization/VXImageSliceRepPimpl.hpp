@@ -80,10 +80,7 @@ public:
   bool isInitialized() const override { return m_Initialized; }
 
   vtkImageActor* imageActor() const { return m_ImageActor; }
-  image_slice_utilities::VXImageSliceFilter* imageSliceFilter() const
-  {
-    return m_ImageSliceFilter;
-  }
+  image_slice_utilities::VXImageSliceFilter* imageSliceFilter() const { return m_ImageSliceFilter; }
   /** The image the actor slices: the filter's output, null before initialize. */
   vtkImageData* sliceImage() const;
   SliceDirection sliceDirection() const { return m_SliceDirection; }

@@ -634,7 +634,8 @@ void VXPipelineModel::linkImageSliceSlices(VXRepresentationPimpl* representation
   auto* view = qobject_cast<VXImageSliceRepPimpl*>(representation);
   if (view == nullptr)
     return;
-  m_LinkedViews.removeIf([](const QPointer<VXImageSliceRepPimpl>& entry) { return entry.isNull(); });
+  m_LinkedViews.removeIf([](const QPointer<VXImageSliceRepPimpl>& entry)
+                         { return entry.isNull(); });
   if (!m_LinkedViews.contains(view))
     m_LinkedViews.append(view);
   view->setLinked(true);
@@ -668,7 +669,8 @@ void VXPipelineModel::updateLinkedSlices(int sliceNumber, VXImageSliceRepPimpl* 
 {
   if (sourceView == nullptr)
     return;
-  m_LinkedViews.removeIf([](const QPointer<VXImageSliceRepPimpl>& entry) { return entry.isNull(); });
+  m_LinkedViews.removeIf([](const QPointer<VXImageSliceRepPimpl>& entry)
+                         { return entry.isNull(); });
   const double position = sourceView->physicalPosition(sliceNumber);
   for (const QPointer<VXImageSliceRepPimpl>& entry : m_LinkedViews)
   {

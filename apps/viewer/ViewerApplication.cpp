@@ -242,9 +242,8 @@ bool ViewerApplication::applySlice()
   }
   if (sliced == 0)
   {
-    std::fprintf(stderr,
-                 "kxvtk-viewer: --slice needs an image slice data view (--representation "
-                 "ImageSlice)\n");
+    std::fprintf(stderr, "kxvtk-viewer: --slice needs an image slice data view (--representation "
+                         "ImageSlice)\n");
     return false;
   }
   // face the slice: the camera looks along the slice's normal

@@ -37,7 +37,8 @@ int main(int argc, char** argv)
     "NAME");
   const QCommandLineOption colorBy("color-by", "Colour by this point or cell array.", "ARRAY");
   const QCommandLineOption slice(
-    "slice", "Image slice to show: DIR:N, DIR one of XY, YZ, XZ (with --representation ImageSlice).",
+    "slice",
+    "Image slice to show: DIR:N, DIR one of XY, YZ, XZ (with --representation ImageSlice).",
     "DIR:N");
   const QCommandLineOption noEdges("no-edges", "Draw surfaces without their cell edges.");
   const QCommandLineOption printFrames(

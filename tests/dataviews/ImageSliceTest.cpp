@@ -33,8 +33,7 @@ using SliceDirection = KXVtkModule::constants::SliceDirection;
 /** An image of nx * ny * nz cells with the cell arrays "Ids" (the cell index), "Half" (id / 2)
  * and "Field" (x + z + 8 y at the cell's centre, whatever the spacing), starting at index @p start
  * on every axis. */
-vtkSmartPointer<vtkImageData> CellImage(int nx, int ny, int nz, double spacing = 1.0,
-                                        int start = 0)
+vtkSmartPointer<vtkImageData> CellImage(int nx, int ny, int nz, double spacing = 1.0, int start = 0)
 {
   auto image = vtkSmartPointer<vtkImageData>::New();
   image->SetExtent(start, start + nx, start, start + ny, start, start + nz);

@@ -83,8 +83,8 @@ TEST_F(LoadRulesFixture, UnknownAndNotYetAvailableTypesUnderASourceAreReportedAn
   // the unknown items' children never load; the known sisters do, in order
   const QModelIndex source = sourceNamed("Microstructure");
   ASSERT_TRUE(source.isValid());
-  EXPECT_EQ(childTypes(source), (QStringList{ "VXPointsRep", "VXImageSliceRep ",
-                                              "VXImageSliceRep ", "VXOutlineRep" }));
+  EXPECT_EQ(childTypes(source),
+            (QStringList{ "VXPointsRep", "VXImageSliceRep ", "VXImageSliceRep ", "VXOutlineRep" }));
   // the sample's other geometries are not named by the state: they are gone
   EXPECT_EQ(dataSources().size(), 1);
 }
