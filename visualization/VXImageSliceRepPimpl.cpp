@@ -538,58 +538,42 @@ void VXImageSliceRepPimpl::setAnimationControlsEnabled(bool enabled, bool flicke
 
 void VXImageSliceRepPimpl::startStopAnimation(bool checked)
 {
-  if (m_Interactor == nullptr || m_TimerCallback == nullptr)
-    return;
-  if (m_PlayAllButton != nullptr)
-  {
-    const QSignalBlocker blocker(m_PlayAllButton);
-    m_PlayAllButton->setChecked(checked);
-  }
-  if (checked == m_PlayAllRunning)
-    return;
-  m_PlayAllRunning = checked;
-  if (checked)
-  {
-    setAnimationControlsEnabled(false, false);
-    if (m_TimerId < 0)
-      m_TimerId = m_Interactor->CreateRepeatingTimer(
-        static_cast<unsigned long>(static_cast<int>(m_AnimationDuration * 1000.0)));
-    m_Interactor->InvokeEvent(k_TimerEvent, &m_TimerId);
-  }
-  else
-  {
-    if (!m_FlickerRunning)
-      m_Interactor->InvokeEvent(k_StopTimerEvent, nullptr);
-    setAnimationControlsEnabled(true, false);
-  }
+  startStopTimer(checked, false);
 }
 
 void VXImageSliceRepPimpl::startStopFlicker(bool checked)
 {
+  startStopTimer(checked, true);
+}
+
+void VXImageSliceRepPimpl::startStopTimer(bool checked, bool flicker)
+{
   if (m_Interactor == nullptr || m_TimerCallback == nullptr)
     return;
-  if (m_FlickerButton != nullptr)
+  QPushButton* button = flicker ? m_FlickerButton.data() : m_PlayAllButton.data();
+  if (button != nullptr)
   {
-    const QSignalBlocker blocker(m_FlickerButton);
-    m_FlickerButton->setChecked(checked);
+    const QSignalBlocker blocker(button);
+    button->setChecked(checked);
   }
-  if (checked == m_FlickerRunning)
+  bool& running = flicker ? m_FlickerRunning : m_PlayAllRunning;
+  if (checked == running)
     return;
-  m_FlickerRunning = checked;
+  running = checked;
   if (checked)
   {
-    setAnimationControlsEnabled(false, true);
+    setAnimationControlsEnabled(false, flicker);
     if (m_TimerId < 0)
       m_TimerId = m_Interactor->CreateRepeatingTimer(
         static_cast<unsigned long>(static_cast<int>(m_AnimationDuration * 1000.0)));
+    // the first step does not wait for the timer
     m_Interactor->InvokeEvent(k_TimerEvent, &m_TimerId);
+    return;
   }
-  else
-  {
-    if (!m_PlayAllRunning)
-      m_Interactor->InvokeEvent(k_StopTimerEvent, nullptr);
-    setAnimationControlsEnabled(true, true);
-  }
+  // one timer serves both animations: it stops with the last of them
+  if (!m_FlickerRunning && !m_PlayAllRunning)
+    m_Interactor->InvokeEvent(k_StopTimerEvent, nullptr);
+  setAnimationControlsEnabled(true, flicker);
 }
 
 void VXImageSliceRepPimpl::OnTimerEvent(vtkObject*, unsigned long eventId, void* clientData,

@@ -170,6 +170,8 @@ private:
   static void OnTimerEvent(vtkObject* caller, unsigned long eventId, void* clientData,
                            void* callData);
   void timerTick();
+  /** Starts or stops "Play All" or "Flicker" on the interactor's repeating timer. */
+  void startStopTimer(bool checked, bool flicker);
   /** Display extent, grid bounds, transform: the slice of the present number on screen. */
   void applySlice();
   /** Slider, spin box and toggle boxes get the range and, signals blocked, the values. */
