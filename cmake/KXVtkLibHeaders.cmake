@@ -9,6 +9,7 @@ set(KXVTK_INSTALLED_HEADERS
   utils/ColorUtils.hpp
   utils/DataSetReaders.hpp
   utils/GridAxesUtils.hpp
+  utils/KXVtkModuleConstants.hpp
   utils/KXVtkModuleUtils.hpp
   utils/PipelineUtils.hpp
   utils/PopulateHistogram.hpp
@@ -25,6 +26,9 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXFSlice.hpp
   visualization/VXFThreshold.hpp
   visualization/VXGlobalSource.hpp
+  visualization/VXImageSliceRep.hpp
+  visualization/VXImageSliceRepPimpl.hpp
+  visualization/VXImageSliceUtilities.hpp
   visualization/VXLookupTable.hpp
   visualization/VXLookupTableModel.hpp
   visualization/VXOutlineRep.hpp

@@ -7,6 +7,7 @@
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXFilter.hpp"
 #include "visualization/VXGlobalSource.hpp"
+#include "visualization/VXImageSliceRepPimpl.hpp"
 #include "visualization/VXPipeline.hpp"
 
 #include <KXComponents/KXStyle.hpp>
@@ -181,6 +182,8 @@ VXPipelineModel::VXPipelineModel(VXPipeline* pipeline, QObject* parent)
   connect(pipeline, &VXPipeline::removeDataSource, this, &VXPipelineModel::removeDataSource);
   connect(pipeline, &VXPipeline::representationViewInstanceAdded, this,
           &VXPipelineModel::representationViewInstanceAdded);
+  // the module hears of linked data views through its pipeline
+  connect(this, &VXPipelineModel::linkingDataViews, pipeline, &VXPipeline::linkingDataViews);
   // a model that outlives its pipeline must not call into it while the pipeline's children go
   connect(pipeline, &QObject::destroyed, this, [this]() { m_Pipeline = nullptr; });
 }
@@ -513,6 +516,19 @@ void VXPipelineModel::representationAdded(VXRepresentation* representation)
 {
   if (representation == nullptr || findItem(representation) != nullptr)
     return;
+  // slices link through this model even where a host made the data source without a row
+  if (representation->type() == VXRepresentation::ImageSlice)
+  {
+    connect(representation, &VXRepresentation::requestLinkViews, this,
+            &VXPipelineModel::linkImageSliceSlices, Qt::UniqueConnection);
+    connect(representation, &VXRepresentation::requestUnlinkViews, this,
+            &VXPipelineModel::unlinkImageSliceSlices, Qt::UniqueConnection);
+    for (VXRepresentationPimpl* implementation : representation->getDataViewSplits())
+    {
+      if (implementation != nullptr && implementation->isLinked())
+        linkImageSliceSlices(implementation);
+    }
+  }
   TreeItem* parentItem = findItem(representation->parent());
   if (parentItem == nullptr)
     return;
@@ -525,8 +541,6 @@ void VXPipelineModel::representationAdded(VXRepresentation* representation)
   }
   insertItem(parentItem, k_RepresentationKind, representation);
   connectCoreObject(representation);
-  // Image slice data views link their slices through this model; they join once that view type
-  // exists.
 }
 
 QModelIndex VXPipelineModel::addBridgeObject(VXBridgeObject* bridge)
@@ -588,8 +602,118 @@ QModelIndex VXPipelineModel::loadRepresentation(const QModelIndex& parent,
 
 void VXPipelineModel::linkLoadedRepresentations()
 {
-  // drop links whose implementation has gone; only image slice views put any here
   m_LinkedViews.removeIf([](const QPointer<VXImageSliceRepPimpl>& view) { return view.isNull(); });
+  for (VXRepresentation* representation : getAllRepresentations())
+  {
+    if (representation == nullptr || representation->type() != VXRepresentation::ImageSlice)
+      continue;
+    for (VXRepresentationPimpl* implementation : representation->getDataViewSplits())
+    {
+      if (implementation != nullptr && implementation->isLinked())
+        linkImageSliceSlices(implementation);
+    }
+  }
+}
+
+QList<VXImageSliceRepPimpl*> VXPipelineModel::linkedViews() const
+{
+  QList<VXImageSliceRepPimpl*> views;
+  for (const QPointer<VXImageSliceRepPimpl>& view : m_LinkedViews)
+  {
+    if (!view.isNull())
+      views.append(view.data());
+  }
+  return views;
+}
+
+// ---------------------------------------------------------------------------
+// Linked image slices
+
+void VXPipelineModel::linkImageSliceSlices(VXRepresentationPimpl* representation)
+{
+  auto* view = qobject_cast<VXImageSliceRepPimpl*>(representation);
+  if (view == nullptr)
+    return;
+  m_LinkedViews.removeIf([](const QPointer<VXImageSliceRepPimpl>& entry)
+                         { return entry.isNull(); });
+  if (!m_LinkedViews.contains(view))
+    m_LinkedViews.append(view);
+  view->setLinked(true);
+  connect(view, &VXImageSliceRepPimpl::sliceNumberChanged, this,
+          &VXPipelineModel::updateLinkedSlices, Qt::UniqueConnection);
+  connect(view, &VXImageSliceRepPimpl::linkPhysicalUnitsChanged, this,
+          &VXPipelineModel::updateLinkedPhysicalUnits, Qt::UniqueConnection);
+  connect(view, &VXImageSliceRepPimpl::sliceDirectionChanged, this,
+          &VXPipelineModel::updateLinkedSliceDirections, Qt::UniqueConnection);
+  Q_EMIT linkingDataViews(m_LinkedViews.size() > 1);
+}
+
+void VXPipelineModel::unlinkImageSliceSlices(VXRepresentationPimpl* representation)
+{
+  auto* view = qobject_cast<VXImageSliceRepPimpl*>(representation);
+  if (view == nullptr)
+    return;
+  view->setLinked(false);
+  disconnect(view, &VXImageSliceRepPimpl::sliceNumberChanged, this,
+             &VXPipelineModel::updateLinkedSlices);
+  disconnect(view, &VXImageSliceRepPimpl::linkPhysicalUnitsChanged, this,
+             &VXPipelineModel::updateLinkedPhysicalUnits);
+  disconnect(view, &VXImageSliceRepPimpl::sliceDirectionChanged, this,
+             &VXPipelineModel::updateLinkedSliceDirections);
+  m_LinkedViews.removeIf([view](const QPointer<VXImageSliceRepPimpl>& entry)
+                         { return entry.isNull() || entry.data() == view; });
+  Q_EMIT linkingDataViews(m_LinkedViews.size() > 1);
+}
+
+void VXPipelineModel::updateLinkedSlices(int sliceNumber, VXImageSliceRepPimpl* sourceView)
+{
+  if (sourceView == nullptr)
+    return;
+  m_LinkedViews.removeIf([](const QPointer<VXImageSliceRepPimpl>& entry)
+                         { return entry.isNull(); });
+  const double position = sourceView->physicalPosition(sliceNumber);
+  for (const QPointer<VXImageSliceRepPimpl>& entry : m_LinkedViews)
+  {
+    VXImageSliceRepPimpl* view = entry.data();
+    if (view == sourceView)
+      continue;
+    // a follower must not answer with its own change, or the views would chase each other
+    const QSignalBlocker blocker(view);
+    int number = sliceNumber;
+    if (view->linkPhysicalUnits())
+    {
+      const int physical = view->sliceNumberAt(position);
+      if (physical >= 0)
+        number = physical;
+    }
+    view->followSliceNumber(number);
+  }
+}
+
+void VXPipelineModel::updateLinkedPhysicalUnits(bool linkPhysicalUnits,
+                                                VXImageSliceRepPimpl* sourceView)
+{
+  for (const QPointer<VXImageSliceRepPimpl>& entry : m_LinkedViews)
+  {
+    if (entry.isNull() || entry.data() == sourceView)
+      continue;
+    const QSignalBlocker blocker(entry.data());
+    entry->setLinkPhysicalUnits(linkPhysicalUnits);
+  }
+}
+
+void VXPipelineModel::updateLinkedSliceDirections(KXVtkModule::constants::SliceDirection direction,
+                                                  VXImageSliceRepPimpl* sourceView)
+{
+  if (sourceView == nullptr || !sourceView->linkPhysicalUnits())
+    return;
+  for (const QPointer<VXImageSliceRepPimpl>& entry : m_LinkedViews)
+  {
+    if (entry.isNull() || entry.data() == sourceView)
+      continue;
+    const QSignalBlocker blocker(entry.data());
+    entry->followSliceDirection(direction);
+  }
 }
 
 // ---------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "KXVtkLib_export.h"
+#include "utils/KXVtkModuleConstants.hpp"
 #include "visualization/VXRepresentation.hpp"
 
 #include <QtCore/QAbstractItemModel>
@@ -129,10 +130,13 @@ public:
   void showInfoWidget(const QModelIndex& index);
 
   /**
-   * Joins the image slice data views read from a state file again. Only image
-   * slice views link; with none of them in the tree there is nothing to join.
+   * Joins the image slice data views read from a state file again: every
+   * implementation whose link flag the file set follows the others.
    */
   void linkLoadedRepresentations();
+
+  /** The image slice implementations whose slices follow each other, dead ones left out. */
+  QList<VXImageSliceRepPimpl*> linkedViews() const;
 
   /** The smallest free suffix for the base name among the bridges: 0 if unused, else the first gap
    * from 1. */
@@ -162,6 +166,14 @@ Q_SIGNALS:
   void selectIndexRequest(QModelIndex indexToSelect);
   void itemVisibilityChanged(QModelIndex index, bool visibility);
   void linkingDataViews(bool isLinking);
+
+private Q_SLOTS:
+  void linkImageSliceSlices(VXRepresentationPimpl* representation);
+  void unlinkImageSliceSlices(VXRepresentationPimpl* representation);
+  void updateLinkedSlices(int sliceNumber, VXImageSliceRepPimpl* sourceView);
+  void updateLinkedPhysicalUnits(bool linkPhysicalUnits, VXImageSliceRepPimpl* sourceView);
+  void updateLinkedSliceDirections(KXVtkModule::constants::SliceDirection direction,
+                                   VXImageSliceRepPimpl* sourceView);
 
 private:
   class TreeItem;

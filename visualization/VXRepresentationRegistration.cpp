@@ -1,3 +1,4 @@
+#include "visualization/VXImageSliceRep.hpp"
 #include "visualization/VXOutlineRep.hpp"
 #include "visualization/VXPointsRep.hpp"
 #include "visualization/VXSurfaceRep.hpp"
@@ -11,6 +12,7 @@ void VXRepresentation::RegisterBuiltInRepresentations()
   RegisterType(Wireframe, [](VXPipeline* pipeline) { return new VXWireframeRep(pipeline); });
   RegisterType(Surface, [](VXPipeline* pipeline) { return new VXSurfaceRep(pipeline); });
   RegisterType(Volume, [](VXPipeline* pipeline) { return new VXVolumeRep(pipeline); });
+  RegisterType(ImageSlice, [](VXPipeline* pipeline) { return new VXImageSliceRep(pipeline); });
 }
 
 namespace

@@ -15,6 +15,8 @@
 #include <visualization/VXPlane.hpp>
 #include <visualization/VXBox.hpp>
 #include <visualization/VXStateItemFactory.hpp>
+#include <visualization/VXImageSliceRep.hpp>
+#include <visualization/VXImageSliceRepPimpl.hpp>
 #include <visualization/VXPipeline.hpp>
 #include <visualization/VXPointsRepPimpl.hpp>
 #include <visualization/VXVolumeRepPimpl.hpp>
@@ -42,6 +44,20 @@
 
 namespace
 {
+/** The data view of a --representation name: the registry's names, and "ImageSlice". */
+bool RepresentationFor(const QString& name, VXRepresentation::Type* type)
+{
+  if (name == QStringLiteral("ImageSlice"))
+  {
+    *type = VXRepresentation::ImageSlice;
+    return true;
+  }
+  if (!VXRepresentation::k_RepresentationStringToType.contains(name))
+    return false;
+  *type = VXRepresentation::k_RepresentationStringToType.value(name);
+  return true;
+}
+
 void settle()
 {
   for (int i = 0; i < 10; ++i)
@@ -186,6 +202,83 @@ bool ViewerApplication::load()
   // a state file brings its own cameras; otherwise an oblique view shows three faces of a volume
   if (m_Options.stateFile.isEmpty())
     frameViews();
+  return applySlice();
+}
+
+bool ViewerApplication::applySlice()
+{
+  if (m_Options.slice.isEmpty())
+    return true;
+  using KXVtkModule::constants::SliceDirection;
+  // the combo's rows: "XYPlane", "XZPlane", "YZPlane"
+  const QMap<QString, std::pair<int, SliceDirection>> directions = {
+    { "XY", { 0, KXVtkModule::constants::XY } },
+    { "XZ", { 1, KXVtkModule::constants::XZ } },
+    { "YZ", { 2, KXVtkModule::constants::YZ } }
+  };
+  const QStringList parts = m_Options.slice.split(':');
+  bool numberOk = false;
+  const int number = parts.size() == 2 ? parts[1].toInt(&numberOk) : -1;
+  if (parts.size() != 2 || !directions.contains(parts[0].toUpper()) || !numberOk || number < 0)
+  {
+    std::fprintf(stderr,
+                 "kxvtk-viewer: invalid --slice '%s', expected DIR:N with DIR one of XY, YZ, XZ "
+                 "and N a slice number from 0\n",
+                 qPrintable(m_Options.slice));
+    return false;
+  }
+  const auto [comboIndex, direction] = directions.value(parts[0].toUpper());
+  int sliced = 0;
+  for (VXBridgeObject* bridge : m_Window->module()->pipeline()->bridges())
+  {
+    for (VXDataSource* source : bridge->dataSources())
+    {
+      for (VXImageSliceRep* representation : source->findChildren<VXImageSliceRep*>())
+      {
+        for (VXRepresentationPimpl* split : representation->getDataViewSplits())
+        {
+          auto* slice = dynamic_cast<VXImageSliceRepPimpl*>(split);
+          if (slice == nullptr)
+            continue;
+          slice->sliceDirectionComboChanged(comboIndex);
+          if (number > slice->sliceMaximum())
+          {
+            std::fprintf(stderr, "kxvtk-viewer: slice %d of '%s' is outside 0..%d\n", number,
+                         qPrintable(source->name()), slice->sliceMaximum());
+            return false;
+          }
+          slice->sliceSpinBoxValueChanged(number);
+          ++sliced;
+        }
+      }
+    }
+  }
+  if (sliced == 0)
+  {
+    std::fprintf(stderr, "kxvtk-viewer: --slice needs an image slice data view (--representation "
+                         "ImageSlice)\n");
+    return false;
+  }
+  // face the slice: the camera looks along the slice's normal
+  for (VXAbstractViewWidget* view : m_Window->module()->getAllViewWidgets())
+  {
+    vtkRenderer* renderer = view->getVisualizationWidget()->getRenderer();
+    vtkCamera* camera = renderer->GetActiveCamera();
+    camera->SetFocalPoint(0.0, 0.0, 0.0);
+    if (direction == KXVtkModule::constants::XY)
+    {
+      camera->SetPosition(0.0, 0.0, 1.0);
+      camera->SetViewUp(0.0, 1.0, 0.0);
+    }
+    else
+    {
+      camera->SetPosition(direction == KXVtkModule::constants::YZ ? 1.0 : 0.0,
+                          direction == KXVtkModule::constants::XZ ? -1.0 : 0.0, 0.0);
+      camera->SetViewUp(0.0, 0.0, 1.0);
+    }
+    renderer->ResetCamera();
+  }
+  settle();
   return true;
 }
 
@@ -206,15 +299,14 @@ bool ViewerApplication::applyRepresentation()
 {
   if (m_Options.representation.isEmpty())
     return true;
-  if (!VXRepresentation::k_RepresentationStringToType.contains(m_Options.representation))
+  VXRepresentation::Type type = VXRepresentation::None;
+  if (!RepresentationFor(m_Options.representation, &type))
   {
-    std::fprintf(stderr, "kxvtk-viewer: unknown representation '%s'; one of: %s\n",
+    std::fprintf(stderr, "kxvtk-viewer: unknown representation '%s'; one of: %s, ImageSlice\n",
                  qPrintable(m_Options.representation),
                  qPrintable(VXRepresentation::k_RepresentationStringToType.keys().join(", ")));
     return false;
   }
-  const VXRepresentation::Type type =
-    VXRepresentation::k_RepresentationStringToType.value(m_Options.representation);
   // every kind of data set gets the chosen data view as its default
   m_Window->setDataViewForAll(type);
   return true;
@@ -224,8 +316,8 @@ bool ViewerApplication::applyRequestedDataView()
 {
   if (m_Options.representation.isEmpty())
     return true;
-  const VXRepresentation::Type type =
-    VXRepresentation::k_RepresentationStringToType.value(m_Options.representation);
+  VXRepresentation::Type type = VXRepresentation::None;
+  RepresentationFor(m_Options.representation, &type);
   const QString typeName = VXRepresentation::k_RepresentationTypeToString.value(type);
   VXPipeline* pipeline = m_Window->module()->pipeline();
   // the pipeline's defaults cover the common data sets; structured grids, triangle strips and
@@ -246,8 +338,10 @@ bool ViewerApplication::applyRequestedDataView()
             others << representation;
         }
       }
-      // a volume is ray cast through an image: other data sets have no voxels to sample
-      if (type == VXRepresentation::Volume && !vtkImageData::SafeDownCast(source->getOutput()))
+      // a volume is ray cast through an image and a slice cuts one: other data sets have no
+      // voxels
+      if ((type == VXRepresentation::Volume || type == VXRepresentation::ImageSlice) &&
+          !vtkImageData::SafeDownCast(source->getOutput()))
       {
         std::fprintf(stderr, "kxvtk-viewer: cannot show '%s' as %s: it is not image data\n",
                      qPrintable(source->name()), qPrintable(typeName));
@@ -484,6 +578,11 @@ bool ViewerApplication::applyColoring()
           else if (auto* volume = dynamic_cast<VXVolumeRepPimpl*>(split))
           {
             volume->setActiveArray(m_Options.colorBy);
+            ++coloredViews;
+          }
+          else if (auto* slice = dynamic_cast<VXImageSliceRepPimpl*>(split))
+          {
+            slice->setActiveArray(m_Options.colorBy);
             ++coloredViews;
           }
           else

@@ -62,6 +62,8 @@ private:
   /** Adds the --filter chain under every data set and applies it; the data sets' own data views
    * are hidden so that the filtered result shows. */
   bool applyFilters();
+  /** Shows the slice of --slice in every image slice data view, the camera facing it. */
+  bool applySlice();
   /** Points every view's camera obliquely at the whole scene. */
   void frameViews();
 

@@ -20,6 +20,8 @@ struct ViewerOptions
    * "Clip:box[:SCALE]", "Slice[:x|y|z]", "Threshold:ARRAY:MIN:MAX".
    */
   QStringList filters;
+  /** The image slice to show, "DIR:N" with DIR one of XY, YZ, XZ; empty keeps the views' own. */
+  QString slice;
   /** Faces without their cell edges (a voxel surface otherwise shows a moire of edges). */
   bool hideEdges = false;
 

@@ -2,8 +2,8 @@
 // them to a PNG / saves their state without a window.
 //
 //   kxvtk-viewer [--state FILE] [--save-state FILE] [--screenshot OUT.png] [--size WxH]
-//                [--representation NAME] [--color-by ARRAY] [--filter SPEC]... [--no-edges]
-//                [--print-frames] FILE...
+//                [--representation NAME] [--color-by ARRAY] [--filter SPEC]... [--slice DIR:N]
+//                [--no-edges] [--print-frames] FILE...
 #include "ViewFrameCounter.hpp"
 #include "ViewerApplication.hpp"
 
@@ -43,11 +43,16 @@ int main(int argc, char** argv)
     "the data about its centre, 0.5 if not given), Slice[:x|y|z], Threshold:ARRAY:MIN:MAX. "
     "Only the end of the chain is shown.",
     "SPEC");
+  const QCommandLineOption slice(
+    "slice",
+    "Image slice to show: DIR:N, DIR one of XY, YZ, XZ (with --representation ImageSlice).",
+    "DIR:N");
   const QCommandLineOption noEdges("no-edges", "Draw surfaces without their cell edges.");
   const QCommandLineOption printFrames(
     "print-frames", "Before exiting, print how many frames each view drew (to stderr).");
   parser.addOptions(
-    { state, saveState, screenshot, size, representation, colorBy, filter, noEdges, printFrames });
+    { state, saveState, screenshot, size, representation, colorBy, filter, slice, noEdges,
+      printFrames });
   parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "[FILE...]");
   parser.process(app);
 
@@ -59,6 +64,7 @@ int main(int argc, char** argv)
   options.representation = parser.value(representation);
   options.colorBy = parser.value(colorBy);
   options.filters = parser.values(filter);
+  options.slice = parser.value(slice);
   options.hideEdges = parser.isSet(noEdges);
   if (parser.isSet(size))
   {

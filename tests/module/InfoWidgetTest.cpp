@@ -71,8 +71,9 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
   std::unique_ptr<QMenu> sourceMenu(info()->createContextMenu(sourceIndex(0)));
   QMenu* views = submenu(sourceMenu.get(), "Add Data View");
   ASSERT_NE(views, nullptr);
-  EXPECT_EQ(texts(views), (QStringList{ "Outline", "Points", "Wireframe", "Surface", "Volume" }));
-  // the volume is offered for images only
+  EXPECT_EQ(texts(views), (QStringList{ "Outline", "Points", "Wireframe", "Surface",
+                                        "2D Image/Slice", "Volume" }));
+  // the volume and the image slice are offered for images only
   int images = 0;
   int others = 0;
   for (int row = 0; row < model()->rowCount(bridgeIndex()); ++row)
@@ -82,6 +83,7 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
       vtkImageData::SafeDownCast(port->GetProducer()->GetOutputDataObject(port->GetIndex()));
     std::unique_ptr<QMenu> menu(info()->createContextMenu(sourceIndex(row)));
     EXPECT_EQ(action(submenu(menu.get(), "Add Data View"), "Volume")->isEnabled(), image);
+    EXPECT_EQ(action(submenu(menu.get(), "Add Data View"), "2D Image/Slice")->isEnabled(), image);
     ++(image ? images : others);
   }
   EXPECT_GT(images, 0);

@@ -691,7 +691,8 @@ QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
     if (m_Model->canAddRepresentation(index))
     {
       QMenu* views = menu->addMenu("Add Data View");
-      // a volume is ray cast through voxels: only image data has them
+      // a volume is ray cast through voxels and a slice cuts through them: only image data has
+      // them
       VXCoreObject* item = m_Model->getCoreObject(index);
       vtkAlgorithmOutput* port = item != nullptr ? item->outputPort() : nullptr;
       const bool isImage = port != nullptr && port->GetProducer() != nullptr &&
@@ -704,7 +705,8 @@ QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
         if (type == VXRepresentation::None || !VXRepresentation::IsRegistered(type))
           continue;
         QAction* action = views->addAction(iter.value());
-        action->setEnabled(type != VXRepresentation::Volume || isImage);
+        action->setEnabled(
+          (type != VXRepresentation::Volume && type != VXRepresentation::ImageSlice) || isImage);
         connect(action, &QAction::triggered, this,
                 [this, index, type]
                 {

@@ -201,6 +201,17 @@ void VXViewWidget::setSplitIdOverlayHintVisibility(bool visible)
 void VXViewWidget::setLinkingDataViews(bool isLinking)
 {
   m_LinkingDataViews = isLinking;
+  if (m_LinkIndicator == nullptr && isLinking)
+  {
+    // made on first use: most views never link
+    m_LinkIndicator = new QLabel(m_Form.buttonRow);
+    m_LinkIndicator->setObjectName(QStringLiteral("linkIndicator"));
+    m_LinkIndicator->setPixmap(KXStyle::generateThemeIconFromName("target").pixmap(16, 16));
+    m_LinkIndicator->setToolTip(QStringLiteral("Image slices are linked between the views"));
+    m_Form.buttonLayout->insertWidget(0, m_LinkIndicator);
+  }
+  if (m_LinkIndicator != nullptr)
+    m_LinkIndicator->setVisible(isLinking);
 }
 
 void VXViewWidget::splitHorizontally()

@@ -47,14 +47,15 @@ public:
   void setSplitIdOverlayHintVisibility(bool visible) override;
 
   /**
-   * Turns the linking of data views across frames on or off. Only image slice
-   * data views link across views, and none exists yet, so the frame only
-   * remembers the state (a no-op for the scene).
+   * Turns the linking of data views across frames on or off: while image slice
+   * data views of several views follow each other, the strip shows a link mark.
    */
   virtual void setLinkingDataViews(bool isLinking);
   bool isLinkingDataViews() const { return m_LinkingDataViews; }
 
   QLabel* statusLabel() const { return m_Form.statusLabel; }
+  /** The link mark of the strip; null until the views first link. */
+  QLabel* linkIndicator() const { return m_LinkIndicator; }
   QPushButton* splitHorizontalButton() const { return m_Form.splitHorizontalButton; }
   QPushButton* splitVerticalButton() const { return m_Form.splitVerticalButton; }
   QPushButton* closeButton() const { return m_Form.closeButton; }
@@ -103,4 +104,6 @@ private:
   QGraphicsBlurEffect* m_BlurEffect = nullptr;
   QGraphicsOpacityEffect* m_OpacityEffect = nullptr;
   bool m_LinkingDataViews = false;
+  /** The link mark in the strip, shown while image slices are linked between views. */
+  QLabel* m_LinkIndicator = nullptr;
 };
