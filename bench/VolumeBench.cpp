@@ -41,8 +41,8 @@ namespace
 {
 constexpr int k_Side = kxbench::k_VolumeSide;
 constexpr int k_Size = 600;
-constexpr int k_Rounds = 5;
-constexpr int k_FramesPerRound = 2;
+constexpr int k_Rounds = 9;
+constexpr int k_FramesPerRound = 3;
 
 /** The resident memory of this process in MiB. */
 double residentMiB()

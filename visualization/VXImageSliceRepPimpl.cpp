@@ -3,6 +3,7 @@
 #include "utils/KXVtkModuleUtils.hpp"
 #include "visualization/QtWidgets/VXArrayHistogramWidget.hpp"
 #include "visualization/QtWidgets/VXCustomRangeDialog.hpp"
+#include "visualization/QtWidgets/VXFTransformFilterWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXImageSliceRep.hpp"
@@ -238,6 +239,7 @@ bool VXImageSliceRepPimpl::initialize(vtkAlgorithmOutput* port)
   if (m_Coloring.valuesAsCategories)
     setInterpretValuesAsCategories(true);
   applyColoring();
+  ensureTransformWidget();
   applySlice();
 
   if (VXVisualizationWidget* widget = visualizationWidget(); widget != nullptr && m_Visible)
@@ -288,6 +290,7 @@ bool VXImageSliceRepPimpl::finalize()
   vtkRenderer* ren = renderer();
   if (m_View == nullptr || ren == nullptr || !ren->HasViewProp(m_ImageActor))
     return false;
+  releaseTransformWidget();
   visualizationWidget()->removeActor(m_ImageActor);
   if (m_HighlightActor != nullptr)
     ren->RemoveViewProp(m_HighlightActor);
@@ -1410,7 +1413,7 @@ void VXImageSliceRepPimpl::buildSettingsPage()
   m_LegendCheckBox = new QCheckBox("Show Legend", m_PageContent);
   m_LegendCheckBox->setObjectName("m_LegendCheckBox");
   annotations->addRow(m_LegendCheckBox);
-  section("Transform");
+  section("Transform")->addRow(ensureTransformWidget());
 
   QFormLayout* histogram = section("Array Histogram");
   m_HistogramCombo = new QComboBox(m_PageContent);

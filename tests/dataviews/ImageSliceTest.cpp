@@ -8,10 +8,12 @@
 #include <visualization/VXImageSliceRepPimpl.hpp>
 #include <visualization/VXImageSliceUtilities.hpp>
 #include <visualization/VXPipelineModel.hpp>
+#include <visualization/QtWidgets/VXFTransformFilterWidget.hpp>
 
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QDoubleSpinBox>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
@@ -22,6 +24,7 @@
 #include <vtkFloatArray.h>
 #include <vtkImageProperty.h>
 #include <vtkIntArray.h>
+#include <vtkMatrix4x4.h>
 #include <vtkPointData.h>
 
 namespace
@@ -141,6 +144,12 @@ TEST(ImageSliceDataView, ChoosesDirectionAndNumberThroughItsControls)
   auto* histogram = slice->control<QComboBox>("m_HistogramCombo");
   ASSERT_NE(histogram, nullptr);
   EXPECT_EQ(histogram->itemText(2), "Generate Visible Data Histogram");
+  // the "Transform" section moves the slice like any data view
+  auto* transform = slice->settingsWidget()->findChild<VXFTransformFilterWidget*>();
+  ASSERT_NE(transform, nullptr);
+  transform->findChild<QDoubleSpinBox*>("translateXSpinBox")->setValue(3.0);
+  EXPECT_DOUBLE_EQ(slice->imageActor()->GetMatrix()->GetElement(0, 3), 3.0);
+  transform->findChild<QDoubleSpinBox*>("translateXSpinBox")->setValue(0.0);
 
   // XY: slices along z, 4 cells deep: 0 to 3; the spin box drives the slider and the actor
   auto* slider = slice->control<QSlider>("m_SliceSlider");
