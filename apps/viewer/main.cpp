@@ -50,9 +50,8 @@ int main(int argc, char** argv)
   const QCommandLineOption noEdges("no-edges", "Draw surfaces without their cell edges.");
   const QCommandLineOption printFrames(
     "print-frames", "Before exiting, print how many frames each view drew (to stderr).");
-  parser.addOptions(
-    { state, saveState, screenshot, size, representation, colorBy, filter, slice, noEdges,
-      printFrames });
+  parser.addOptions({ state, saveState, screenshot, size, representation, colorBy, filter, slice,
+                      noEdges, printFrames });
   parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "[FILE...]");
   parser.process(app);
 
