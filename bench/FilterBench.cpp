@@ -187,7 +187,7 @@ int main(int argc, char** argv)
       ->UseRealTime()
       ->MeasureProcessCPUTime()
       ->Iterations(1)
-      ->Repetitions(5);
+      ->Repetitions(9);
   }
   kxbench::MedianRecordingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
