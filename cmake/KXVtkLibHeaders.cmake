@@ -39,6 +39,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXPipelineModel.hpp
   visualization/VXPointsRep.hpp
   visualization/VXPointsRepPimpl.hpp
+  visualization/VXScalarColoring.hpp
   visualization/VXRepresentation.hpp
   visualization/VXRepresentationPimpl.hpp
   visualization/VXSurfaceRep.hpp

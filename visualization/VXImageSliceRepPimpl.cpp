@@ -105,24 +105,9 @@ VXImageSliceRepPimpl::VXImageSliceRepPimpl(VXAbstractViewWidget* view, VXReprese
 {
   m_HelpUrl += "#d-image-slice-representation";
   m_ImageActor = vtkSmartPointer<vtkImageActor>::New();
-  m_LookupTable = QSharedPointer<VXLookupTable>(new VXLookupTable());
-  m_ScalarBarWidget = vtkSmartPointer<vtkScalarBarWidget>::New();
-  m_ColorPresetsDialog =
-    QSharedPointer<ColorPresetsDialog>(new ColorPresetsDialog(), &QObject::deleteLater);
   VXUserPrompt::routeColorButton(m_ColorPresetsDialog->nanColorButton(),
                                  QStringLiteral("Select NaN Color"));
-  connect(m_ColorPresetsDialog.data(), &ColorPresetsDialog::presetSelected, this,
-          [this](const ColorPreset& preset)
-          {
-            if (m_Coloring.valuesAsCategories)
-              loadIndexedPresetColors(preset);
-            else
-              loadRGBPresetColors(preset);
-          });
-  m_CustomRangeDialog =
-    QSharedPointer<VXCustomRangeDialog>(new VXCustomRangeDialog(), &QObject::deleteLater);
-  connect(m_CustomRangeDialog.data(), &VXCustomRangeDialog::rangeAccepted, this,
-          &VXImageSliceRepPimpl::rescaleToCustomRange);
+  connectColoringDialogs(this);
   if (owner != nullptr)
   {
     QtKXSettings settings;
@@ -142,11 +127,6 @@ VXImageSliceRepPimpl::~VXImageSliceRepPimpl()
       m_Interactor->RemoveObserver(m_TimerObserverTag);
     if (m_StopObserverTag != 0)
       m_Interactor->RemoveObserver(m_StopObserverTag);
-  }
-  if (m_ScalarBarWidget != nullptr)
-  {
-    m_ScalarBarWidget->SetEnabled(0);
-    m_ScalarBarWidget->SetInteractor(nullptr);
   }
 }
 
@@ -631,8 +611,14 @@ void VXImageSliceRepPimpl::setActiveArray(const QString& arrayName)
     return;
   const bool colouring = !m_Coloring.useSolidColor;
   m_Coloring.activeArray = colouring ? arrayName : QString("");
-  if (m_ComponentCombo != nullptr)
-    m_ComponentCombo->setEnabled(colouring);
+  for (QWidget* control : { static_cast<QWidget*>(m_ComponentCombo.data()),
+                            static_cast<QWidget*>(m_EditColorMapButton.data()) })
+  {
+    if (control != nullptr)
+      control->setEnabled(colouring);
+  }
+  if (m_LUTEditor != nullptr)
+    m_LUTEditor->setLookupTable(m_LookupTable.data(), m_Coloring.activeArray);
   if (!m_Coloring.activeArray.isEmpty())
   {
     const std::string name = m_Coloring.activeArray.toStdString();
@@ -653,43 +639,8 @@ void VXImageSliceRepPimpl::setActiveComponent(int component)
   vtkDataArray* array = activeDataArray();
   if (array == nullptr)
     return;
-  const int c = std::max(component, -1);
-  const int n = array->GetNumberOfComponents();
-  vtkColorTransferFunction* table = m_LookupTable->getColorTransferFunction();
-  if (n == 1)
-  {
-    table->SetVectorModeToComponent();
-    m_LegendTitle = m_Coloring.activeArray;
-  }
-  else if (c == -1)
-  {
-    table->SetVectorModeToMagnitude();
-    m_LegendTitle = m_Coloring.activeArray + "\nMagnitude";
-  }
-  else if (c < n)
-  {
-    table->SetVectorModeToComponent();
-    table->SetVectorComponent(c);
-    m_LegendTitle = m_Coloring.activeArray + "\n(Comp " + QString::number(c) + ")";
-  }
-  m_Coloring.activeComponent = c;
-  if (m_ScalarBarRepresentation != nullptr)
-    m_ScalarBarWidget->GetScalarBarActor()->SetTitle(m_LegendTitle.toStdString().c_str());
-  if (!m_Coloring.useSolidColor)
-  {
-    m_BlockHistogram = true;
-    if (m_Coloring.usingCustomRange)
-    {
-      m_LookupTable->setRange(m_Coloring.customRange[0], m_Coloring.customRange[1]);
-      double dataRange[2] = { 0.0, 1.0 };
-      array->GetFiniteRange(dataRange, c);
-      m_CustomRangeDialog->setRangeAndValues({ dataRange[0], dataRange[1] },
-                                             m_Coloring.customRange);
-    }
-    else
-      rescaleToDataRange();
-    m_BlockHistogram = false;
-  }
+  applyComponent(m_LookupTable->getColorTransferFunction(), array, component);
+  applyRangeOfActiveComponent(array);
   if (m_Coloring.valuesAsCategories)
     applyIndexedPreset();
   updateHistogram();
@@ -709,32 +660,20 @@ void VXImageSliceRepPimpl::applyColoring()
   else
   {
     property->SetLookupTable(m_LookupTable->getColorTransferFunction());
+    KXVtkModule::utils::UpdateColorMode(m_Coloring.scalarMapping, m_Owner, m_ImageActor,
+                                        m_Coloring.activeArray, &m_Coloring.scalarMapping);
   }
   setupScalarBar();
 }
 
 void VXImageSliceRepPimpl::rescaleToDataRange()
 {
-  double range[2] = { 0.0, 1.0 };
-  if (vtkDataArray* array = activeDataArray())
-    array->GetFiniteRange(range, m_Coloring.activeComponent);
-  else if (vtkImageData* image = sliceImage())
-    image->GetScalarRange(range);
-  m_LookupTable->setRange(range[0], range[1]);
-  m_CustomRangeDialog->setRange(range[0], range[1]);
-  m_Coloring.usingCustomRange = false;
-  updateHistogram();
-  requestRender();
+  rescaleColoringToData();
 }
 
 void VXImageSliceRepPimpl::rescaleToCustomRange(double min, double max)
 {
-  m_Coloring.customRange = { min, max };
-  m_LookupTable->setRange(min, max);
-  m_CustomRangeDialog->setRangeAndValues(m_CustomRangeDialog->dataRange(), { min, max });
-  m_Coloring.usingCustomRange = true;
-  updateHistogram();
-  requestRender();
+  rescaleColoringToCustom(min, max);
 }
 
 void VXImageSliceRepPimpl::openCustomRangeDialog()
@@ -774,111 +713,95 @@ void VXImageSliceRepPimpl::setSolidColor(QColor color)
 
 void VXImageSliceRepPimpl::setNanColor(QColor color)
 {
-  m_LookupTable->setNANColor(color);
-  m_Coloring.nanColor = { color.redF(), color.greenF(), color.blueF() };
+  setNanColorOfTable(color);
   requestRender();
-}
-
-void VXImageSliceRepPimpl::applyNanColor()
-{
-  const auto& nan = m_Coloring.nanColor;
-  m_LookupTable->setNANColor(QColor::fromRgbF(
-    static_cast<float>(nan[0]), static_cast<float>(nan[1]), static_cast<float>(nan[2])));
-}
-
-void VXImageSliceRepPimpl::applyRgbPreset()
-{
-  if (m_LookupTable->isInverted())
-    m_LookupTable->invert();
-  if (m_Coloring.usingDefaultPreset)
-    m_LookupTable->createDefaultRgbColorTransferFunction();
-  else
-    m_LookupTable->parseRgbJson(m_Coloring.colorPreset);
-  if (m_Coloring.colorMapInverted)
-    m_LookupTable->invert();
-}
-
-void VXImageSliceRepPimpl::applyIndexedPreset()
-{
-  const ColorPreset preset = m_Coloring.usingDefaultIndexedPreset
-                               ? KXPreferences::getDefaultIndexedColorPreset()
-                               : m_Coloring.indexedColorPreset;
-  const std::set<double> values =
-    VXLookupTable::computeUniqueValues(activeDataArray(), m_Coloring.activeComponent);
-  const int presetColors = static_cast<int>(preset.indexedColors.size() / 3);
-  VXLookupTable::checkIndexedValueCount(static_cast<int>(values.size()), presetColors,
-                                        m_Coloring.activeArray);
-  m_LookupTable->parseIndexedJson(preset, values);
 }
 
 void VXImageSliceRepPimpl::setInterpretValuesAsCategories(bool categories)
 {
-  m_Coloring.valuesAsCategories = categories;
-  if (categories)
-  {
-    applyIndexedPreset();
-  }
-  else
-  {
-    applyRgbPreset();
-    if (m_Coloring.usingCustomRange)
-      m_LookupTable->setRange(m_Coloring.customRange[0], m_Coloring.customRange[1]);
-    else
-      rescaleToDataRange();
-  }
+  applyCategories(categories);
   if (m_CategoriesCheckBox != nullptr)
   {
     const QSignalBlocker blocker(m_CategoriesCheckBox);
     m_CategoriesCheckBox->setChecked(categories);
   }
+  requestRender();
+}
+
+void VXImageSliceRepPimpl::updateColorMode(int index)
+{
+  // the table comes back first: a change from direct colours to mapped ones needs it
+  if (!m_Coloring.useSolidColor && activeDataArray() != nullptr)
+    m_ImageActor->GetProperty()->SetLookupTable(m_LookupTable->getColorTransferFunction());
+  // as in the points family, the combo's choice lands in the active component field
+  KXVtkModule::utils::UpdateColorMode(index, m_Owner, m_ImageActor, m_Coloring.activeArray,
+                                      &m_Coloring.activeComponent);
+  requestRender();
+}
+
+void VXImageSliceRepPimpl::editColorsButtonClicked()
+{
+  openColorMapEditor(this);
+}
+
+void VXImageSliceRepPimpl::onColorMapEdited()
+{
+  // a view that followed its parent's colours detaches, or the parent's next change undoes the edit
+  if (!m_DetachColorSettings)
+    onDetachColorSettings(true);
+  recordEditedColorMap();
+  requestRender();
+}
+
+vtkDataSet* VXImageSliceRepPimpl::coloringDataSet() const
+{
+  return sliceImage();
+}
+
+void VXImageSliceRepPimpl::coloringTableChanged()
+{
   applyColoring();
+}
+
+void VXImageSliceRepPimpl::coloringHistogramChanged()
+{
+  updateHistogram();
+}
+
+void VXImageSliceRepPimpl::coloringRender()
+{
   requestRender();
 }
 
 void VXImageSliceRepPimpl::loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset)
 {
-  m_Coloring.colorPreset = preset;
-  m_Coloring.usingDefaultPreset = false;
-  applyRgbPreset();
+  chooseRgbPreset(&preset);
   requestRender();
 }
 
 void VXImageSliceRepPimpl::restoreDefaultRgbPresetColors()
 {
-  m_Coloring.usingDefaultPreset = true;
-  m_Coloring.colorPreset = KXPreferences::getDefaultColorPreset();
-  applyRgbPreset();
+  chooseRgbPreset(nullptr);
   requestRender();
 }
 
 void VXImageSliceRepPimpl::loadIndexedPresetColors(
   kx::core::ColorTableUtilities::ColorPreset preset)
 {
-  m_Coloring.indexedColorPreset = preset;
-  m_Coloring.usingDefaultIndexedPreset = false;
-  applyIndexedPreset();
-  if (m_Coloring.colorMapInverted)
-    m_LookupTable->invert();
+  chooseIndexedPreset(&preset);
   requestRender();
 }
 
 void VXImageSliceRepPimpl::restoreDefaultIndexedPresetColors()
 {
-  m_Coloring.usingDefaultIndexedPreset = true;
-  m_Coloring.indexedColorPreset = KXPreferences::getDefaultIndexedColorPreset();
-  applyIndexedPreset();
-  if (m_Coloring.colorMapInverted)
-    m_LookupTable->invert();
+  chooseIndexedPreset(nullptr);
   requestRender();
 }
 
 void VXImageSliceRepPimpl::setColorMapInverted(bool inverted)
 {
-  if (inverted == m_Coloring.colorMapInverted)
-    return;
-  m_Coloring.colorMapInverted = inverted;
-  m_LookupTable->invert();
-  requestRender();
+  if (invertColoring(inverted))
+    requestRender();
 }
 
 void VXImageSliceRepPimpl::setOpacity(int percent)
@@ -896,26 +819,7 @@ void VXImageSliceRepPimpl::connectParentColorSignals(bool trigger)
   disconnectParentColorSignals();
   m_ParentColorConnections.append(
     connect(source, &VXDataSource::solidColorChanged, this, &VXImageSliceRepPimpl::setSolidColor));
-  m_ParentColorConnections.append(
-    connect(source, &VXDataSource::nanColorChanged, this, &VXImageSliceRepPimpl::setNanColor));
-  m_ParentColorConnections.append(connect(source, &VXDataSource::loadPresetColors, this,
-                                          [this](const ColorPreset& preset)
-                                          {
-                                            if (m_Coloring.valuesAsCategories)
-                                              loadIndexedPresetColors(preset);
-                                            else
-                                              loadRGBPresetColors(preset);
-                                          }));
-  m_ParentColorConnections.append(connect(source, &VXDataSource::restoreDefaultPresetColors, this,
-                                          [this]()
-                                          {
-                                            if (m_Coloring.valuesAsCategories)
-                                              restoreDefaultIndexedPresetColors();
-                                            else
-                                              restoreDefaultRgbPresetColors();
-                                          }));
-  m_ParentColorConnections.append(connect(source, &VXDataSource::invertColorMap, this,
-                                          &VXImageSliceRepPimpl::setColorMapInverted));
+  connectParentColoring(this, source, m_ParentColorConnections);
   if (trigger)
     source->triggerColorSettingsChange();
 }
@@ -960,24 +864,8 @@ void VXImageSliceRepPimpl::onSyncColorMapToParentGeometry()
 
 void VXImageSliceRepPimpl::setupScalarBar()
 {
-  if (m_ScalarBarRepresentation == nullptr)
-  {
-    m_ScalarBarRepresentation = vtkSmartPointer<vtkScalarBarRepresentation>::New();
-    m_ScalarBarRepresentation->SetPosition(m_Coloring.legendPosition.data());
-    m_ScalarBarRepresentation->SetPosition2(m_Coloring.legendPosition2.data());
-    m_ScalarBarWidget->SetRepresentation(m_ScalarBarRepresentation);
-    vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
-    bar->SetNumberOfLabels(5);
-    bar->SetUnconstrainedFontSize(false);
-    bar->SetBarRatio(0.3);
-    bar->SetTitleRatio(0.5);
-    bar->SetTextPad(2);
-    bar->SetTextPositionToPrecedeScalarBar();
-    bar->GetTitleTextProperty()->SetJustificationToCentered();
-    bar->GetTitleTextProperty()->SetColor(0.5, 0.5, 0.0);
-  }
+  setupScalarBarRepresentation();
   vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
-  bar->SetTitle(m_LegendTitle.toStdString().c_str());
   bar->SetLookupTable(m_LookupTable->getColorTransferFunction());
   if (VXVisualizationWidget* widget = visualizationWidget();
       widget != nullptr && m_ScalarBarWidget->GetInteractor() == nullptr &&
@@ -1073,26 +961,10 @@ void VXImageSliceRepPimpl::applyTransform()
 // ---------------------------------------------------------------------------
 // State, clipboard, defaults
 
-VXColoringSettings VXImageSliceRepPimpl::currentColoring() const
-{
-  VXColoringSettings coloring = m_Coloring;
-  const QColor nan = m_LookupTable->getNANColor();
-  coloring.nanColor = { nan.redF(), nan.greenF(), nan.blueF() };
-  coloring.legendPlaced = m_ScalarBarRepresentation != nullptr;
-  if (coloring.legendPlaced)
-  {
-    const double* position = m_ScalarBarRepresentation->GetPosition();
-    const double* position2 = m_ScalarBarRepresentation->GetPosition2();
-    coloring.legendPosition = { position[0], position[1] };
-    coloring.legendPosition2 = { position2[0], position2[1] };
-  }
-  return coloring;
-}
-
 void VXImageSliceRepPimpl::write(nlohmann::json& output) const
 {
   VXRepresentationPimpl::write(output);
-  currentColoring().write(output);
+  currentColoringSettings().write(output);
   output["opacity_percent"] = m_Opacity * 100.0;
   output["solid_color_r"] = m_SolidColor.red();
   output["solid_color_g"] = m_SolidColor.green();
@@ -1107,7 +979,7 @@ void VXImageSliceRepPimpl::write(nlohmann::json& output) const
 void VXImageSliceRepPimpl::read(const nlohmann::json& input)
 {
   VXRepresentationPimpl::read(input);
-  m_Coloring = currentColoring();
+  m_Coloring = currentColoringSettings();
   m_Coloring.read(input);
   if (input.contains("opacity_percent"))
     m_Opacity = std::clamp(input.at("opacity_percent").get<double>() / 100.0, 0.0, 1.0);
@@ -1156,7 +1028,7 @@ void VXImageSliceRepPimpl::copyFrom(VXRepresentationPimpl* other)
   auto* source = dynamic_cast<VXImageSliceRepPimpl*>(other);
   if (source == nullptr)
     return;
-  m_Coloring = source->currentColoring();
+  m_Coloring = source->currentColoringSettings();
   m_SolidColor = source->m_SolidColor;
   m_Opacity = source->m_Opacity;
   m_SliceDirection = source->m_SliceDirection;
@@ -1182,7 +1054,7 @@ void VXImageSliceRepPimpl::pasteSettingsFromClipboard()
 
 void VXImageSliceRepPimpl::loadSliceDefaults(QtKXSettings& settings)
 {
-  m_Coloring = currentColoring();
+  m_Coloring = currentColoringSettings();
   m_Coloring.loadDefaults(settings);
   if (settings.contains("opacity_percent"))
     m_Opacity = std::clamp(settings.value("opacity_percent", 100).toDouble() / 100.0, 0.0, 1.0);
@@ -1216,7 +1088,7 @@ void VXImageSliceRepPimpl::saveDefaultSettings()
   QtKXSettings settings;
   BeginSettingsGroup(settings, m_Owner->typeName());
   saveBaseDefaults(settings);
-  currentColoring().saveDefaults(settings);
+  currentColoringSettings().saveDefaults(settings);
   settings.setValue("opacity_percent", m_Opacity * 100.0);
   settings.setValue("slice_dir", static_cast<int>(m_SliceDirection));
   settings.setValue("slice_num", m_SliceNumber);
@@ -1231,30 +1103,12 @@ void VXImageSliceRepPimpl::saveDefaultSettings()
 
 void VXImageSliceRepPimpl::updateArrayColoringChoices()
 {
-  if (m_ArrayCombo == nullptr)
-    return;
-  const QSignalBlocker blocker(m_ArrayCombo);
-  m_ArrayCombo->clear();
-  if (VXDataSource* source = parentDataSource())
-  {
-    const QMap<QString, QIcon> names = source->getImportedArrayNames();
-    for (auto iter = names.constBegin(); iter != names.constEnd(); ++iter)
-      m_ArrayCombo->addItem(iter.value(), iter.key());
-  }
-  m_ArrayCombo->setCurrentIndex(m_ArrayCombo->findText(m_Coloring.activeArray));
+  fillArrayCombo(m_ArrayCombo, parentDataSource());
 }
 
 void VXImageSliceRepPimpl::refillComponentCombo()
 {
-  if (m_ComponentCombo == nullptr)
-    return;
-  const QSignalBlocker blocker(m_ComponentCombo);
-  m_ComponentCombo->clear();
-  if (VXDataSource* source = parentDataSource())
-    m_ComponentCombo->addItems(source->getComponentNames(m_Coloring.activeArray));
-  const int magnitude = m_ComponentCombo->findText("Magnitude");
-  m_ComponentCombo->setCurrentIndex(m_Coloring.activeComponent < 0 ? std::max(magnitude, 0)
-                                                                   : m_Coloring.activeComponent);
+  fillComponentCombo(m_ComponentCombo, parentDataSource());
 }
 
 void VXImageSliceRepPimpl::arrayNameComboIndexChanged(int index)
@@ -1299,6 +1153,13 @@ void VXImageSliceRepPimpl::syncControls()
     const QSignalBlocker blocker(m_DurationSpinBox);
     m_DurationSpinBox->setValue(m_AnimationDuration);
   }
+  if (m_ScalarMappingCombo != nullptr)
+  {
+    const QSignalBlocker blocker(m_ScalarMappingCombo);
+    m_ScalarMappingCombo->setCurrentIndex(m_Coloring.scalarMapping);
+  }
+  if (m_EditColorMapButton != nullptr)
+    m_EditColorMapButton->setEnabled(!m_Coloring.useSolidColor);
   updateArrayColoringChoices();
   refillComponentCombo();
   refreshSliceControls();
@@ -1394,6 +1255,8 @@ void VXImageSliceRepPimpl::buildSettingsPage()
   buttonLayout->setContentsMargins(0, 0, 0, 0);
   m_ColorPresetButton = addPageButton(buttonLayout, "preset", "Edit", "m_ColorPresetButton");
   m_InvertColorBtn = addPageButton(buttonLayout, "invert", QString(), "m_InvertColorBtn");
+  m_EditColorMapButton =
+    addPageButton(buttonLayout, nullptr, "Edit Color Map", "m_EditColorMapButton");
   m_ScaleToDataButton =
     addPageButton(buttonLayout, "ScaleToData", "Scale to Data", "scaleToDataBtn");
   m_CustomRangeButton =
@@ -1401,6 +1264,10 @@ void VXImageSliceRepPimpl::buildSettingsPage()
   coloring->addRow(buttons);
   m_ColorPresetButton->setEnabled(m_DetachColorSettings);
   m_InvertColorBtn->setEnabled(m_DetachColorSettings);
+  m_ScalarMappingCombo = new QComboBox(m_PageContent);
+  m_ScalarMappingCombo->setObjectName("m_ScalarMappingCombo");
+  m_ScalarMappingCombo->addItems({ "Always ", "Non-Colors", "Never" });
+  coloring->addRow("Map Scalars :", m_ScalarMappingCombo);
 
   QFormLayout* styling = section("Styling");
   m_OpacitySlider = new QSlider(Qt::Horizontal, m_PageContent);
@@ -1466,6 +1333,10 @@ void VXImageSliceRepPimpl::buildSettingsPage()
           [this]() { setColorMapInverted(!m_Coloring.colorMapInverted); });
   connect(m_ScaleToDataButton, &QPushButton::clicked, this,
           &VXImageSliceRepPimpl::rescaleToDataRange);
+  connect(m_EditColorMapButton, &QPushButton::clicked, this,
+          &VXImageSliceRepPimpl::editColorsButtonClicked);
+  connect(m_ScalarMappingCombo, &QComboBox::currentIndexChanged, this,
+          &VXImageSliceRepPimpl::updateColorMode);
   connect(m_CustomRangeButton, &QPushButton::clicked, this,
           &VXImageSliceRepPimpl::openCustomRangeDialog);
   connect(m_OpacitySlider, &QSlider::valueChanged, this, &VXImageSliceRepPimpl::setOpacity);
@@ -1509,6 +1380,8 @@ void VXImageSliceRepPimpl::updateToolTips()
       "Use separate color settings (solid color, presets, & invert) from the parent geometry");
   tip(m_ColorPresetButton, "Edit Color Map");
   tip(m_InvertColorBtn, "Invert the color map");
+  tip(m_EditColorMapButton, "Edit the colors and the range of the color map");
+  tip(m_ScalarMappingCombo, VXScalarColoring::k_MapScalarsToolTip);
   tip(m_CustomRangeButton, "Rescale the color map to a custom range");
   tip(m_ScaleToDataButton, "Rescale the color map to the data's range");
   tip(m_LegendCheckBox, "When checked, show the color legend");

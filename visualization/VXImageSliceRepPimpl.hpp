@@ -4,6 +4,7 @@
 #include "visualization/VXColoringSettings.hpp"
 #include "visualization/VXImageSliceUtilities.hpp"
 #include "visualization/VXRepresentationPimpl.hpp"
+#include "visualization/VXScalarColoring.hpp"
 
 #include <kxcore/ColorPreset.hpp>
 
@@ -41,13 +42,15 @@ class vtkScalarBarRepresentation;
  * direction and number, the "Play All" and "Flicker" animations driven by the interactor's
  * repeating timer, and the link of slices to the other linked image slice views.
  */
-class KXVTKLIB_EXPORT VXImageSliceRepPimpl : public VXRepresentationPimpl
+class KXVTKLIB_EXPORT VXImageSliceRepPimpl
+  : public VXRepresentationPimpl
+  , public VXScalarColoring
 {
   Q_OBJECT
 
 public:
   using SliceDirection = KXVtkModule::constants::SliceDirection;
-  using ColorPreset = kx::core::ColorTableUtilities::ColorPreset;
+  using ColorPreset = VXScalarColoring::ColorPreset;
 
   /** The interactor events the animation timer listens to: a timer tick and the stop request. */
   static constexpr unsigned long k_TimerEvent = 25;
@@ -92,10 +95,7 @@ public:
   bool flickerShowsRight() const { return m_FlickerShowsRight; }
   /** The repeating timer of a running animation, or -1. */
   int animationTimerId() const { return m_TimerId; }
-  const VXColoringSettings& coloringSettings() const { return m_Coloring; }
   VXLookupTable* lookupTable() const { return m_LookupTable.data(); }
-  QString legendTitle() const { return m_LegendTitle; }
-  vtkScalarBarWidget* scalarBarWidget() const { return m_ScalarBarWidget; }
   VXArrayHistogramWidget* histogramWidget() const;
   /** The first and last slice of the direction, from the image's extent; 0, 0 without one. */
   std::array<int, 2> sliceExtent(SliceDirection direction) const;
@@ -147,6 +147,12 @@ public Q_SLOTS:
   void setSolidColor(QColor color);
   void setNanColor(QColor color);
   void setInterpretValuesAsCategories(bool categories);
+  /** "Map Scalars :": through the table, or direct colours for colour arrays or always. */
+  void updateColorMode(int index);
+  /** "Edit Color Map": opens the colour map editor on this view's table. */
+  void editColorsButtonClicked();
+  /** The edited map becomes this view's own preset, as in the points family. */
+  void onColorMapEdited();
   void setScalarBarVisibility(bool visible);
   void setOpacity(int percent);
   /** "Off", "Generate Full Histogram", "Generate Visible Data Histogram". */
@@ -181,16 +187,16 @@ private:
   void setAnimationControlsEnabled(bool enabled, bool flicker);
   VXDataSource* parentDataSource() const;
   vtkDataArray* activeDataArray() const;
-  void applyRgbPreset();
-  void applyIndexedPreset();
   /** The lookup table or the solid colour onto the actor's property. */
   void applyColoring();
   void setupScalarBar();
   void refillComponentCombo();
   void updateArrayColoringChoices();
   void syncControls();
-  VXColoringSettings currentColoring() const;
-  void applyNanColor();
+  vtkDataSet* coloringDataSet() const override;
+  void coloringTableChanged() override;
+  void coloringHistogramChanged() override;
+  void coloringRender() override;
   void loadSliceDefaults(QtKXSettings& settings);
 
   vtkSmartPointer<image_slice_utilities::VXImageSliceFilter> m_ImageSliceFilter;
@@ -204,20 +210,12 @@ private:
   bool m_FlickerShowsRight = false;
   vtkSmartPointer<vtkCallbackCommand> m_TimerCallback;
 
-  VXColoringSettings m_Coloring;
   QColor m_SolidColor = Qt::white;
   double m_Opacity = 1.0;
-  QSharedPointer<VXLookupTable> m_LookupTable;
-  QSharedPointer<ColorPresetsDialog> m_ColorPresetsDialog;
-  QSharedPointer<VXCustomRangeDialog> m_CustomRangeDialog;
-  vtkSmartPointer<vtkScalarBarWidget> m_ScalarBarWidget;
-  vtkSmartPointer<vtkScalarBarRepresentation> m_ScalarBarRepresentation;
   vtkSmartPointer<vtkActor> m_HighlightActor;
-  QString m_LegendTitle;
   QList<QMetaObject::Connection> m_ParentColorConnections;
   bool m_Initialized = false;
   bool m_Highlighted = false;
-  bool m_BlockHistogram = false;
   bool m_PlayAllRunning = false;
   bool m_FlickerRunning = false;
   bool m_VisibleDataHistogram = false;
@@ -245,6 +243,8 @@ private:
   QPointer<QCheckBox> m_CategoriesCheckBox;
   QPointer<QPushButton> m_ColorPresetButton;
   QPointer<QPushButton> m_InvertColorBtn;
+  QPointer<QPushButton> m_EditColorMapButton;
+  QPointer<QComboBox> m_ScalarMappingCombo;
   QPointer<QPushButton> m_ScaleToDataButton;
   QPointer<QPushButton> m_CustomRangeButton;
   QPointer<QSlider> m_OpacitySlider;

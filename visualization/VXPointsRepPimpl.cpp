@@ -57,14 +57,6 @@ using KXVtkModule::utils::HtmlToolTip;
 
 namespace
 {
-const QString k_MapScalarsToolTip =
-  "Controls how data values are mapped to colors.\n\nAlways: Always map scalar values through the "
-  "color lookup table, "
-  "even for color arrays (RGB/RGBA).\n\nNon-Colors: Map scalars through the color lookup table "
-  "only when the data is "
-  "not already a color array. Color arrays (RGB/RGBA) are rendered directly.\n\nNever: Never map "
-  "scalars through the "
-  "color lookup table. Always interpret scalar values as direct colors.";
 
 QColor nanColorFromPreferences()
 {
@@ -76,25 +68,9 @@ VXPointsRepPimpl::VXPointsRepPimpl(VXAbstractViewWidget* view, VXRepresentation*
   : VXOutlineRepPimpl(view, owner)
 {
   m_HelpAnchor = "#points-representation";
-  m_LookupTable = QSharedPointer<VXLookupTable>(new VXLookupTable());
-  m_ColorPresetsDialog =
-    QSharedPointer<ColorPresetsDialog>(new ColorPresetsDialog(), &QObject::deleteLater);
   VXUserPrompt::routeColorButton(m_ColorPresetsDialog->nanColorButton(),
                                  QStringLiteral("Select NaN Color"));
-  connect(m_ColorPresetsDialog.data(), &ColorPresetsDialog::presetSelected, this,
-          [this](const ColorPreset& preset)
-          {
-            if (m_Coloring.valuesAsCategories)
-              loadIndexedPresetColors(preset);
-            else
-              loadRGBPresetColors(preset);
-            requestRender();
-          });
-  m_CustomRangeDialog =
-    QSharedPointer<VXCustomRangeDialog>(new VXCustomRangeDialog(), &QObject::deleteLater);
-  connect(m_CustomRangeDialog.data(), &VXCustomRangeDialog::rangeAccepted, this,
-          &VXPointsRepPimpl::rescaleToCustomRange);
-  m_ScalarBarWidget = vtkSmartPointer<vtkScalarBarWidget>::New();
+  connectColoringDialogs(this);
   m_LookupTable->setNANColor(nanColorFromPreferences());
   if (owner != nullptr)
   {
@@ -104,14 +80,7 @@ VXPointsRepPimpl::VXPointsRepPimpl(VXAbstractViewWidget* view, VXRepresentation*
   }
 }
 
-VXPointsRepPimpl::~VXPointsRepPimpl()
-{
-  if (m_ScalarBarWidget != nullptr)
-  {
-    m_ScalarBarWidget->SetEnabled(0);
-    m_ScalarBarWidget->SetInteractor(nullptr);
-  }
-}
+VXPointsRepPimpl::~VXPointsRepPimpl() = default;
 
 vtkDataSet* VXPointsRepPimpl::inputDataSet() const
 {
@@ -325,46 +294,8 @@ void VXPointsRepPimpl::setActiveComponent(int component)
   m_Mapper->ColorByArrayComponent(name.c_str(), c);
   KXVtkModule::utils::UpdateColorMode(m_Coloring.scalarMapping, m_Owner, m_Actor, m_Mapper,
                                       m_Coloring.activeArray, &m_Coloring.scalarMapping, false);
-  const int n = array->GetNumberOfComponents();
-  vtkScalarsToColors* table = m_Mapper->GetLookupTable();
-  if (n == 1)
-  {
-    if (table != nullptr)
-      table->SetVectorModeToComponent();
-    m_LegendTitle = m_Coloring.activeArray;
-  }
-  else if (c == -1)
-  {
-    if (table != nullptr)
-      table->SetVectorModeToMagnitude();
-    m_LegendTitle = m_Coloring.activeArray + "\nMagnitude";
-  }
-  else if (c < n)
-  {
-    if (table != nullptr)
-    {
-      table->SetVectorModeToComponent();
-      table->SetVectorComponent(c);
-    }
-    m_LegendTitle = m_Coloring.activeArray + "\n(Comp " + QString::number(c) + ")";
-  }
-  m_Coloring.activeComponent = c;
-  setScalarBarTitleText(m_LegendTitle);
-  if (!m_Coloring.activeArray.isEmpty() && !m_Coloring.useSolidColor)
-  {
-    m_BlockHistogram = true;
-    if (m_Coloring.usingCustomRange)
-    {
-      m_LookupTable->setRange(m_Coloring.customRange[0], m_Coloring.customRange[1]);
-      double dataRange[2] = { 0.0, 1.0 };
-      array->GetFiniteRange(dataRange, c);
-      m_CustomRangeDialog->setRangeAndValues({ dataRange[0], dataRange[1] },
-                                             m_Coloring.customRange);
-    }
-    else
-      rescaleToDataRange();
-    m_BlockHistogram = false;
-  }
+  applyComponent(m_Mapper->GetLookupTable(), array, c);
+  applyRangeOfActiveComponent(array);
   if (m_Coloring.valuesAsCategories)
     setInterpretValuesAsCategories(true);
   updateHistogram();
@@ -372,29 +303,12 @@ void VXPointsRepPimpl::setActiveComponent(int component)
 
 void VXPointsRepPimpl::rescaleToDataRange()
 {
-  vtkDataSet* data = inputDataSet();
-  if (data == nullptr)
-    return;
-  double range[2] = { 0.0, 1.0 };
-  if (vtkDataArray* array = KXVtkModule::utils::GetActiveDataArray(data, m_Coloring.activeArray))
-    array->GetFiniteRange(range, m_Coloring.activeComponent);
-  else
-    data->GetScalarRange(range);
-  m_LookupTable->setRange(range[0], range[1]);
-  m_CustomRangeDialog->setRange(range[0], range[1]);
-  m_Coloring.usingCustomRange = false;
-  updateHistogram();
-  requestRender();
+  rescaleColoringToData();
 }
 
 void VXPointsRepPimpl::rescaleToCustomRange(double min, double max)
 {
-  m_Coloring.customRange = { min, max };
-  m_LookupTable->setRange(min, max);
-  m_CustomRangeDialog->setRangeAndValues(m_CustomRangeDialog->dataRange(), { min, max });
-  m_Coloring.usingCustomRange = true;
-  updateHistogram();
-  requestRender();
+  rescaleColoringToCustom(min, max);
 }
 
 void VXPointsRepPimpl::openCustomRangeDialog()
@@ -444,76 +358,9 @@ void VXPointsRepPimpl::updateColorMode(int index)
 // ---------------------------------------------------------------------------
 // Categories and presets
 
-std::set<double> VXPointsRepPimpl::computeUniqueValues(const QString& arrayName, int component)
-{
-  auto& perArray = m_UniqueValues[arrayName];
-  auto found = perArray.find(component);
-  if (found != perArray.end())
-    return found->second;
-  std::set<double> values;
-  vtkDataArray* array = KXVtkModule::utils::GetActiveDataArray(inputDataSet(), arrayName);
-  if (array != nullptr)
-  {
-    const int n = array->GetNumberOfComponents();
-    const vtkIdType tuples = array->GetNumberOfTuples();
-    for (vtkIdType t = 0; t < tuples; t++)
-    {
-      double value = 0.0;
-      if (component >= 0 && component < n)
-        value = array->GetComponent(t, component);
-      else if (n == 1)
-        value = array->GetComponent(t, 0);
-      else
-      {
-        double sum = 0.0;
-        for (int k = 0; k < n; k++)
-          sum += array->GetComponent(t, k) * array->GetComponent(t, k);
-        value = std::sqrt(sum);
-      }
-      values.insert(value);
-      // past the categorical limit the set is useless: give up and remember that
-      if (values.size() > static_cast<std::size_t>(VXLookupTable::k_MaxNumberIndexedColors))
-      {
-        values.clear();
-        break;
-      }
-    }
-  }
-  perArray[component] = values;
-  return values;
-}
-
-void VXPointsRepPimpl::applyIndexedPreset()
-{
-  const ColorPreset preset = m_Coloring.usingDefaultIndexedPreset
-                               ? KXPreferences::getDefaultIndexedColorPreset()
-                               : m_Coloring.indexedColorPreset;
-  const std::set<double> values =
-    computeUniqueValues(m_Coloring.activeArray, m_Coloring.activeComponent);
-  const int presetColors = static_cast<int>(preset.indexedColors.size() / 3);
-  VXLookupTable::checkIndexedValueCount(static_cast<int>(values.size()), presetColors,
-                                        m_Coloring.activeArray);
-  m_LookupTable->parseIndexedJson(preset, values);
-}
-
 void VXPointsRepPimpl::setInterpretValuesAsCategories(bool categories)
 {
-  m_Coloring.valuesAsCategories = categories;
-  if (categories)
-  {
-    applyIndexedPreset();
-  }
-  else
-  {
-    applyRgbPreset();
-    if (m_Coloring.usingCustomRange)
-      m_LookupTable->setRange(m_Coloring.customRange[0], m_Coloring.customRange[1]);
-    else
-      rescaleToDataRange();
-  }
-  if (m_Mapper != nullptr)
-    m_Mapper->SetLookupTable(m_LookupTable->getColorTransferFunction());
-  updateLegendTextSide();
+  applyCategories(categories);
   if (m_CategoriesCheckBox != nullptr)
   {
     const QSignalBlocker blocker(m_CategoriesCheckBox);
@@ -522,92 +369,67 @@ void VXPointsRepPimpl::setInterpretValuesAsCategories(bool categories)
   requestRender();
 }
 
-void VXPointsRepPimpl::applyRgbPreset()
+void VXPointsRepPimpl::coloringTableChanged()
 {
-  // a preset is parsed in its own order: start upright so that the inverted flag stays true
-  if (m_LookupTable->isInverted())
-    m_LookupTable->invert();
-  if (m_Coloring.usingDefaultPreset)
-    m_LookupTable->createDefaultRgbColorTransferFunction();
-  else
-    m_LookupTable->parseRgbJson(m_Coloring.colorPreset);
-  if (m_Coloring.colorMapInverted)
-    m_LookupTable->invert();
+  if (m_Mapper != nullptr)
+    m_Mapper->SetLookupTable(m_LookupTable->getColorTransferFunction());
+}
+
+vtkDataSet* VXPointsRepPimpl::coloringDataSet() const
+{
+  return inputDataSet();
+}
+
+void VXPointsRepPimpl::coloringHistogramChanged()
+{
+  updateHistogram();
+}
+
+void VXPointsRepPimpl::coloringRender()
+{
+  requestRender();
 }
 
 void VXPointsRepPimpl::loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset)
 {
-  m_Coloring.colorPreset = preset;
-  m_Coloring.usingDefaultPreset = false;
-  applyRgbPreset();
+  chooseRgbPreset(&preset);
   requestRender();
 }
 
 void VXPointsRepPimpl::restoreDefaultRgbPresetColors()
 {
-  m_Coloring.usingDefaultPreset = true;
-  m_Coloring.colorPreset = KXPreferences::getDefaultColorPreset();
-  applyRgbPreset();
+  chooseRgbPreset(nullptr);
   requestRender();
 }
 
 void VXPointsRepPimpl::loadIndexedPresetColors(kx::core::ColorTableUtilities::ColorPreset preset)
 {
-  m_Coloring.indexedColorPreset = preset;
-  m_Coloring.usingDefaultIndexedPreset = false;
-  applyIndexedPreset();
-  if (m_Coloring.colorMapInverted)
-    m_LookupTable->invert();
+  chooseIndexedPreset(&preset);
   requestRender();
 }
 
 void VXPointsRepPimpl::restoreDefaultIndexedPresetColors()
 {
-  m_Coloring.usingDefaultIndexedPreset = true;
-  m_Coloring.indexedColorPreset = KXPreferences::getDefaultIndexedColorPreset();
-  applyIndexedPreset();
-  if (m_Coloring.colorMapInverted)
-    m_LookupTable->invert();
+  chooseIndexedPreset(nullptr);
   requestRender();
 }
 
 void VXPointsRepPimpl::setColorMapInverted(bool inverted)
 {
-  if (inverted == m_Coloring.colorMapInverted)
-    return;
-  m_Coloring.colorMapInverted = inverted;
-  m_LookupTable->invert();
-  requestRender();
+  if (invertColoring(inverted))
+    requestRender();
 }
 
 void VXPointsRepPimpl::setNanColor(QColor color)
 {
-  m_LookupTable->setNANColor(color);
+  setNanColorOfTable(color);
   requestRender();
 }
 
 void VXPointsRepPimpl::editColorsButtonClicked()
 {
   Q_EMIT editColorMapRequested(m_LookupTable.data());
-  if (m_LUTEditor == nullptr)
-  {
-    m_LUTEditor = QSharedPointer<VXLUTEditor>(new VXLUTEditor(), &QObject::deleteLater);
-    connect(m_LUTEditor.data(), &VXLUTEditor::colorMapEdited, this,
-            &VXPointsRepPimpl::onColorMapEdited);
-    connect(m_LUTEditor.data(), &VXLUTEditor::invertRequested, this,
-            [this]() { setColorMapInverted(!m_Coloring.colorMapInverted); });
-    connect(m_LUTEditor.data(), &VXLUTEditor::presetsRequested, this,
-            [this]()
-            {
-              m_ColorPresetsDialog->show();
-              m_ColorPresetsDialog->raise();
-            });
-    connect(m_LUTEditor.data(), &VXLUTEditor::nanColorChanged, this,
-            &VXPointsRepPimpl::setNanColor);
-  }
-  m_LUTEditor->setLookupTable(m_LookupTable.data(), m_Coloring.activeArray);
-  m_LUTEditor->show();
-  m_LUTEditor->raise();
+  openColorMapEditor(this);
 }
 
 void VXPointsRepPimpl::onColorMapEdited()
@@ -617,25 +439,7 @@ void VXPointsRepPimpl::onColorMapEdited()
     m_SavedSolidColor = m_SolidColor;
     onDetachColorSettings(true);
   }
-  const ColorPreset edited = m_LookupTable->toColorPreset(k_EditedPresetName);
-  if (m_Coloring.valuesAsCategories)
-  {
-    m_Coloring.indexedColorPreset = edited;
-    m_Coloring.usingDefaultIndexedPreset = false;
-  }
-  else
-  {
-    m_Coloring.colorPreset = edited;
-    m_Coloring.usingDefaultPreset = false;
-    const std::array<double, 2> range = m_LookupTable->getRange();
-    const std::array<double, 2> dataRange = m_CustomRangeDialog->dataRange();
-    if (m_Coloring.usingCustomRange || range != dataRange)
-    {
-      m_Coloring.usingCustomRange = true;
-      m_Coloring.customRange = range;
-      m_CustomRangeDialog->setRangeAndValues(dataRange, range);
-    }
-  }
+  recordEditedColorMap();
   requestRender();
 }
 
@@ -650,26 +454,7 @@ void VXPointsRepPimpl::connectParentColorSignals(bool trigger)
   disconnectParentColorSignals();
   m_ParentColorConnections.append(
     connect(source, &VXDataSource::solidColorChanged, this, &VXOutlineRepPimpl::setSolidColor));
-  m_ParentColorConnections.append(
-    connect(source, &VXDataSource::nanColorChanged, this, &VXPointsRepPimpl::setNanColor));
-  m_ParentColorConnections.append(connect(source, &VXDataSource::loadPresetColors, this,
-                                          [this](const ColorPreset& preset)
-                                          {
-                                            if (m_Coloring.valuesAsCategories)
-                                              loadIndexedPresetColors(preset);
-                                            else
-                                              loadRGBPresetColors(preset);
-                                          }));
-  m_ParentColorConnections.append(connect(source, &VXDataSource::restoreDefaultPresetColors, this,
-                                          [this]()
-                                          {
-                                            if (m_Coloring.valuesAsCategories)
-                                              restoreDefaultIndexedPresetColors();
-                                            else
-                                              restoreDefaultRgbPresetColors();
-                                          }));
-  m_ParentColorConnections.append(
-    connect(source, &VXDataSource::invertColorMap, this, &VXPointsRepPimpl::setColorMapInverted));
+  connectParentColoring(this, source, m_ParentColorConnections);
   if (trigger)
     source->triggerColorSettingsChange();
 }
@@ -702,26 +487,8 @@ void VXPointsRepPimpl::onSyncColorMapToParentGeometry()
 
 void VXPointsRepPimpl::setupScalarBar()
 {
-  if (m_ScalarBarRepresentation == nullptr)
-  {
-    m_ScalarBarRepresentation = vtkSmartPointer<vtkScalarBarRepresentation>::New();
-    m_ScalarBarRepresentation->SetPosition(m_Coloring.legendPosition.data());
-    m_ScalarBarRepresentation->SetPosition2(m_Coloring.legendPosition2.data());
-    m_ScalarBarWidget->SetRepresentation(m_ScalarBarRepresentation);
-    vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
-    bar->SetNumberOfLabels(5);
-    // title, labels and annotations are sized to fit the box instead of running out of the view
-    bar->SetUnconstrainedFontSize(false);
-    bar->SetAnnotationTextScaling(true);
-    bar->SetBarRatio(0.3);
-    bar->SetTitleRatio(0.5);
-    bar->SetTextPad(2);
-    bar->GetTitleTextProperty()->SetJustificationToCentered();
-    bar->GetTitleTextProperty()->SetColor(0.5, 0.5, 0.0);
-  }
+  setupScalarBarRepresentation();
   vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
-  updateLegendTextSide();
-  bar->SetTitle(m_LegendTitle.toStdString().c_str());
   if (m_Mapper != nullptr)
     bar->SetLookupTable(m_Mapper->GetLookupTable());
   if (VXVisualizationWidget* widget = visualizationWidget())
@@ -736,19 +503,6 @@ void VXPointsRepPimpl::setupScalarBar()
   if (m_ScalarBarWidget->GetInteractor() != nullptr)
     m_ScalarBarWidget->SetEnabled(
       m_Coloring.showLegend && m_Visible && !m_Coloring.useSolidColor ? 1 : 0);
-}
-
-void VXPointsRepPimpl::updateLegendTextSide()
-{
-  if (m_ScalarBarRepresentation == nullptr)
-    return;
-  // the box ends at the right edge of the view: the text goes on its left side, which is where
-  // the tick labels precede the bar and where the category annotations go when labels succeed it
-  vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
-  if (m_Coloring.valuesAsCategories)
-    bar->SetTextPositionToSucceedScalarBar();
-  else
-    bar->SetTextPositionToPrecedeScalarBar();
 }
 
 void VXPointsRepPimpl::setScalarBarVisibility(bool visible)
@@ -766,9 +520,7 @@ void VXPointsRepPimpl::setScalarBarVisibility(bool visible)
 
 void VXPointsRepPimpl::setScalarBarTitleText(QString arrayName)
 {
-  m_LegendTitle = arrayName;
-  if (m_ScalarBarRepresentation != nullptr)
-    m_ScalarBarWidget->GetScalarBarActor()->SetTitle(arrayName.toStdString().c_str());
+  setScalarBarTitle(arrayName);
 }
 
 void VXPointsRepPimpl::setVisibility(bool visible)
@@ -917,30 +669,12 @@ void VXPointsRepPimpl::receivePipelineOutputReloaded()
 
 void VXPointsRepPimpl::updateArrayColoringChoices()
 {
-  if (m_ArrayCombo == nullptr)
-    return;
-  const QSignalBlocker blocker(m_ArrayCombo);
-  m_ArrayCombo->clear();
-  if (VXDataSource* source = parentDataSource())
-  {
-    const QMap<QString, QIcon> names = source->getImportedArrayNames();
-    for (auto iter = names.constBegin(); iter != names.constEnd(); ++iter)
-      m_ArrayCombo->addItem(iter.value(), iter.key());
-  }
-  m_ArrayCombo->setCurrentIndex(m_ArrayCombo->findText(m_Coloring.activeArray));
+  fillArrayCombo(m_ArrayCombo, parentDataSource());
 }
 
 void VXPointsRepPimpl::refillComponentCombo()
 {
-  if (m_ComponentCombo == nullptr)
-    return;
-  const QSignalBlocker blocker(m_ComponentCombo);
-  m_ComponentCombo->clear();
-  if (VXDataSource* source = parentDataSource())
-    m_ComponentCombo->addItems(source->getComponentNames(m_Coloring.activeArray));
-  const int magnitude = m_ComponentCombo->findText("Magnitude");
-  m_ComponentCombo->setCurrentIndex(
-    m_Coloring.activeComponent < 0 ? (magnitude >= 0 ? magnitude : 0) : m_Coloring.activeComponent);
+  fillComponentCombo(m_ComponentCombo, parentDataSource());
 }
 
 void VXPointsRepPimpl::arrayNameComboTextChanged(QString text)
@@ -965,27 +699,10 @@ void VXPointsRepPimpl::arrayComponentComboChanged(int index)
 // ---------------------------------------------------------------------------
 // State
 
-VXColoringSettings VXPointsRepPimpl::currentColoring() const
-{
-  // the lookup table and the legend hold what the user changed since: they are the truth
-  VXColoringSettings coloring = m_Coloring;
-  const QColor nan = m_LookupTable->getNANColor();
-  coloring.nanColor = { nan.redF(), nan.greenF(), nan.blueF() };
-  coloring.legendPlaced = m_ScalarBarRepresentation != nullptr;
-  if (coloring.legendPlaced)
-  {
-    const double* position = m_ScalarBarRepresentation->GetPosition();
-    const double* position2 = m_ScalarBarRepresentation->GetPosition2();
-    coloring.legendPosition = { position[0], position[1] };
-    coloring.legendPosition2 = { position2[0], position2[1] };
-  }
-  return coloring;
-}
-
 void VXPointsRepPimpl::write(nlohmann::json& output) const
 {
   VXOutlineRepPimpl::write(output);
-  currentColoring().write(output);
+  currentColoringSettings().write(output);
   output["point_size"] = m_PointSize;
   output["render_points_as_spheres"] = m_RenderPointsAsSpheres;
 }
@@ -993,7 +710,7 @@ void VXPointsRepPimpl::write(nlohmann::json& output) const
 void VXPointsRepPimpl::read(const nlohmann::json& input)
 {
   VXOutlineRepPimpl::read(input);
-  m_Coloring = currentColoring();
+  m_Coloring = currentColoringSettings();
   m_Coloring.read(input);
   if (input.contains("point_size"))
     m_PointSize = input.at("point_size").get<int>();
@@ -1057,7 +774,7 @@ void VXPointsRepPimpl::pasteSettingsFromClipboard()
 
 void VXPointsRepPimpl::loadPointsDefaults(QtKXSettings& settings)
 {
-  m_Coloring = currentColoring();
+  m_Coloring = currentColoringSettings();
   m_Coloring.loadDefaults(settings);
   applyNanColor();
   if (settings.contains("point_size"))
@@ -1068,16 +785,9 @@ void VXPointsRepPimpl::loadPointsDefaults(QtKXSettings& settings)
 
 void VXPointsRepPimpl::savePointsDefaults(QtKXSettings& settings) const
 {
-  currentColoring().saveDefaults(settings);
+  currentColoringSettings().saveDefaults(settings);
   settings.setValue("point_size", m_PointSize);
   settings.setValue("render_points_as_spheres", m_RenderPointsAsSpheres);
-}
-
-void VXPointsRepPimpl::applyNanColor()
-{
-  const auto& nan = m_Coloring.nanColor;
-  m_LookupTable->setNANColor(QColor::fromRgbF(
-    static_cast<float>(nan[0]), static_cast<float>(nan[1]), static_cast<float>(nan[2])));
 }
 
 void VXPointsRepPimpl::loadDefaultSettings()
@@ -1263,7 +973,7 @@ void VXPointsRepPimpl::updateToolTips()
   tip(m_InvertColorBtn, "Invert the color map");
   tip(m_CustomRangeButton, "Rescale the color map to a custom range");
   tip(m_ScaleToDataButton, "Rescale the color map to the data's range");
-  tip(m_ScalarMappingCombo, k_MapScalarsToolTip);
+  tip(m_ScalarMappingCombo, VXScalarColoring::k_MapScalarsToolTip);
   tip(m_LegendCheckBox, "When checked, show the color legend");
   tip(m_HistogramCheckBox, "Toggle the generation of the active array histogram on/off. WARNING: "
                            "This may slow down rendering!");

@@ -2,6 +2,7 @@
 
 #include "visualization/VXColoringSettings.hpp"
 #include "visualization/VXOutlineRepPimpl.hpp"
+#include "visualization/VXScalarColoring.hpp"
 
 #include <kxcore/ColorPreset.hpp>
 
@@ -36,14 +37,14 @@ class vtkScalarBarWidget;
  * geometry used while the camera moves. Wireframe and surface derive from it
  * and only change how the actor is drawn.
  */
-class KXVTKLIB_EXPORT VXPointsRepPimpl : public VXOutlineRepPimpl
+class KXVTKLIB_EXPORT VXPointsRepPimpl
+  : public VXOutlineRepPimpl
+  , public VXScalarColoring
 {
   Q_OBJECT
 
 public:
-  using ColorPreset = kx::core::ColorTableUtilities::ColorPreset;
-  /** Distinct values by array name, then by component (-1 the magnitude). */
-  using UniqueValueCache = std::map<QString, std::map<int, std::set<double>>>;
+  using ColorPreset = VXScalarColoring::ColorPreset;
 
   VXPointsRepPimpl(VXAbstractViewWidget* view, VXRepresentation* owner);
   ~VXPointsRepPimpl() override;
@@ -72,44 +73,14 @@ public:
   void setActiveArray(const QString& arrayName);
   /** Colours by a component of the active array; below -1 counts as -1, the magnitude. */
   void setActiveComponent(int component);
-  /** Every colouring field as the state file and the default settings see it. */
-  const VXColoringSettings& coloringSettings() const { return m_Coloring; }
-  QString activeArray() const { return m_Coloring.activeArray; }
-  int activeComponent() const { return m_Coloring.activeComponent; }
-  int scalarMapping() const { return m_Coloring.scalarMapping; }
-  QString legendTitle() const { return m_LegendTitle; }
-  bool showLegend() const { return m_Coloring.showLegend; }
-  bool useSolidColor() const { return m_Coloring.useSolidColor; }
-  bool valuesAsCategories() const { return m_Coloring.valuesAsCategories; }
-  bool usingCustomRange() const { return m_Coloring.usingCustomRange; }
-  std::array<double, 2> customRange() const { return m_Coloring.customRange; }
-  bool colorMapInverted() const { return m_Coloring.colorMapInverted; }
-  ColorPreset colorPreset() const { return m_Coloring.colorPreset; }
-  ColorPreset indexedColorPreset() const { return m_Coloring.indexedColorPreset; }
-  bool usingDefaultPreset() const { return m_Coloring.usingDefaultPreset; }
-  bool usingDefaultIndexedPreset() const { return m_Coloring.usingDefaultIndexedPreset; }
   int pointSize() const { return m_PointSize; }
   bool renderPointsAsSpheres() const { return m_RenderPointsAsSpheres; }
-  bool generateHistogram() const { return m_Coloring.generateHistogram; }
-  const UniqueValueCache& uniqueValues() const { return m_UniqueValues; }
-  VXCustomRangeDialog* customRangeDialog() const { return m_CustomRangeDialog.data(); }
-  /** The colour map editor, null until "Edit Color Map" first opens it. */
-  VXLUTEditor* colorMapEditor() const { return m_LUTEditor.data(); }
-  /** The name under which an edited colour map is kept as this view's preset. */
-  static inline const QString k_EditedPresetName = QStringLiteral("Edited");
   /** The histogram of the settings page, null before the page is built. */
   VXArrayHistogramWidget* histogramWidget() const;
-  vtkScalarBarWidget* scalarBarWidget() const { return m_ScalarBarWidget; }
-  vtkScalarBarRepresentation* scalarBarRepresentation() const { return m_ScalarBarRepresentation; }
   vtkGeometryFilter* geometryFilter() const { return m_GeometryFilter; }
   vtkQuadricClustering* quadricClustering() const { return m_QuadricClustering; }
   /** Whether the mapper shows the decimated copy. */
   bool usingDecimatedGeometry() const { return m_UsingDecimatedGeometry; }
-  /**
-   * The distinct values of an array's component, computed once and cached; a
-   * walk that passes the categorical colour limit leaves an empty set.
-   */
-  std::set<double> computeUniqueValues(const QString& arrayName, int component);
 
 public Q_SLOTS:
   void receivePipelineOutputReloaded() override;
@@ -166,35 +137,19 @@ protected:
   vtkDataArray* activeDataArray() const;
   /** Sets up the legend once and applies title, table and visibility. */
   void setupScalarBar();
-  /** Puts the legend's text on the side of the bar that faces into the view. */
-  void updateLegendTextSide();
-  void applyIndexedPreset();
-  /** The stored RGB preset (or the default one) onto the table, inverted if asked. */
-  void applyRgbPreset();
   void syncControls() override;
+  vtkDataSet* coloringDataSet() const override;
+  void coloringTableChanged() override;
+  void coloringHistogramChanged() override;
+  void coloringRender() override;
   void refillComponentCombo();
   void loadPointsDefaults(QtKXSettings& settings);
   void savePointsDefaults(QtKXSettings& settings) const;
-  /** The colouring settings with the NaN colour and legend place of the table and the bar. */
-  VXColoringSettings currentColoring() const;
-  /** Hands the NaN colour of the colouring settings to the lookup table. */
-  void applyNanColor();
 
   vtkSmartPointer<vtkGeometryFilter> m_GeometryFilter;
-  QSharedPointer<VXLookupTable> m_LookupTable;
-  QSharedPointer<ColorPresetsDialog> m_ColorPresetsDialog;
-  QSharedPointer<VXCustomRangeDialog> m_CustomRangeDialog;
-  QSharedPointer<VXLUTEditor> m_LUTEditor;
-  vtkSmartPointer<vtkScalarBarWidget> m_ScalarBarWidget;
-  vtkSmartPointer<vtkScalarBarRepresentation> m_ScalarBarRepresentation;
-  UniqueValueCache m_UniqueValues;
-  bool m_BlockHistogram = false;
   int m_PointSize = 1;
   bool m_RenderPointsAsSpheres = false;
-  QString m_LegendTitle;
   bool m_UsingDecimatedGeometry = false;
-  /** Array, component, presets, range, legend: declared once in VXColoringSettings. */
-  VXColoringSettings m_Coloring;
 
   QPointer<QComboBox> m_ArrayCombo;
   QPointer<QComboBox> m_ComponentCombo;

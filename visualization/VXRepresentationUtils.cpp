@@ -10,6 +10,9 @@
 #include <vtkDataSet.h>
 #include <vtkImageData.h>
 #include <vtkImageMapToColors.h>
+#include <vtkImageMapper3D.h>
+#include <vtkImageProperty.h>
+#include <vtkImageSlice.h>
 #include <vtkMapper.h>
 #include <vtkNew.h>
 #include <vtkPointData.h>
@@ -63,8 +66,16 @@ void UpdateColorMode(int mode, VXRepresentation* representation, vtkActor* actor
     UpdateTexture(representation, actor, mapper, arrayName);
 }
 
-void UpdateColorMode(int mode, VXRepresentation*, vtkImageSlice*, const QString&, int* storedMode)
+void UpdateColorMode(int mode, VXRepresentation*, vtkImageSlice* slice, const QString& arrayName,
+                     int* storedMode)
 {
+  if (slice == nullptr || slice->GetMapper() == nullptr)
+    return;
+  vtkDataArray* array = GetActiveDataArray(slice->GetMapper()->GetInput(), arrayName);
+  if (array == nullptr)
+    return;
+  if (!(mode == 0 || (mode == 1 && !IsColorArray(array))))
+    slice->GetProperty()->SetLookupTable(nullptr);
   if (storedMode != nullptr)
     *storedMode = mode;
 }

@@ -33,7 +33,11 @@ KXVTKLIB_EXPORT bool IsColorArray(vtkDataArray* array);
 KXVTKLIB_EXPORT void UpdateColorMode(int mode, VXRepresentation* representation, vtkActor* actor,
                                      vtkMapper* mapper, const QString& arrayName, int* storedMode,
                                      bool updateTexture);
-/** The same for an image slice, whose mapper has no colour mode: only the mode is stored. */
+/**
+ * The same for an image slice. Its mapper has no colour mode: mapping means the slice's image
+ * property keeps its lookup table, direct colours mean it has none, so that VTK shows unsigned
+ * char RGB data as its own colours (and other data as grey levels).
+ */
 KXVTKLIB_EXPORT void UpdateColorMode(int mode, VXRepresentation* representation,
                                      vtkImageSlice* slice, const QString& arrayName,
                                      int* storedMode);

@@ -9,6 +9,7 @@
 #include <visualization/VXImageSliceUtilities.hpp>
 #include <visualization/VXPipelineModel.hpp>
 #include <visualization/QtWidgets/VXFTransformFilterWidget.hpp>
+#include <visualization/QtWidgets/VXLUTEditor.hpp>
 
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QCheckBox>
@@ -26,6 +27,7 @@
 #include <vtkIntArray.h>
 #include <vtkMatrix4x4.h>
 #include <vtkPointData.h>
+#include <vtkUnsignedCharArray.h>
 
 namespace
 {
@@ -327,7 +329,55 @@ TEST(ImageSliceDataView, HydrogenInTheThreeDirections)
   }
 }
 
-TEST(ImageSliceDataView, SampleFeatureIdsAsCategories)
+TEST(ImageSliceDataView, EditsItsColorMapAndShowsColorArraysDirectly)
+{
+  ScopedSettings settings;
+  Scene scene;
+  vtkSmartPointer<vtkImageData> image = CellImage(4, 3, 2);
+  vtkNew<vtkUnsignedCharArray> rgb;
+  rgb->SetName("Colors");
+  rgb->SetNumberOfComponents(3);
+  rgb->SetNumberOfTuples(4 * 3 * 2);
+  rgb->Fill(200);
+  image->GetCellData()->AddArray(rgb);
+  auto* slice = AddSlice(scene, image);
+  ASSERT_NE(slice, nullptr);
+  slice->onDetachColorSettings(false); // follows its parent's colours, as a new view does
+
+  // "Edit Color Map" opens the editor on the view's table; an edit becomes the view's preset
+  auto* edit = slice->control<QPushButton>("m_EditColorMapButton");
+  ASSERT_NE(edit, nullptr);
+  EXPECT_TRUE(edit->isEnabled());
+  edit->click();
+  VXLUTEditor* editor = slice->colorMapEditor();
+  ASSERT_NE(editor, nullptr);
+  EXPECT_EQ(editor->windowTitle(), "Color Map Editor - Ids");
+  slice->lookupTable()->setRange(5.0, 9.0);
+  Q_EMIT editor->colorMapEdited();
+  EXPECT_TRUE(slice->detachColorSettings());
+  EXPECT_FALSE(slice->usingDefaultPreset());
+  EXPECT_EQ(slice->colorPreset().name, "Edited");
+  EXPECT_TRUE(slice->usingCustomRange());
+  EXPECT_EQ(slice->customRange(), (std::array<double, 2>{ 5.0, 9.0 }));
+  editor->close();
+
+  // "Map Scalars :": an RGB array shows its own colours unless "Always " maps it
+  auto* mapping = slice->control<QComboBox>("m_ScalarMappingCombo");
+  ASSERT_NE(mapping, nullptr);
+  EXPECT_EQ(mapping->itemText(0), "Always ");
+  slice->setActiveArray("Colors");
+  vtkImageProperty* property = slice->imageActor()->GetProperty();
+  EXPECT_EQ(property->GetLookupTable(), nullptr); // the default, "Non-Colors"
+  mapping->setCurrentIndex(0);
+  EXPECT_EQ(property->GetLookupTable(), slice->lookupTable()->getColorTransferFunction());
+  mapping->setCurrentIndex(2);
+  EXPECT_EQ(property->GetLookupTable(), nullptr);
+  // a scalar array is mapped through the table under "Non-Colors"
+  slice->setActiveArray("Half");
+  EXPECT_EQ(property->GetLookupTable(), slice->lookupTable()->getColorTransferFunction());
+}
+
+TEST(ImageSliceDataView, SampleCategoriesFollowTheDistinctValueLimit)
 {
   ScopedSettings settings;
   dataviewtest::RecordedQuestions questions;
@@ -338,14 +388,22 @@ TEST(ImageSliceDataView, SampleFeatureIdsAsCategories)
   auto* slice = scene.add<VXImageSliceRepPimpl>(source, VXRepresentation::ImageSlice);
   ASSERT_NE(slice, nullptr);
   slice->settingsWidget();
+  // hundreds of grains: too many categories, as for every data view that colours by an array
   slice->setActiveArray("FeatureIds");
   slice->setInterpretValuesAsCategories(true);
+  ASSERT_FALSE(questions.asked.empty());
+  EXPECT_EQ(questions.asked.back().text,
+            "More than 32 unique values were found in the active array (FeatureIds). "
+            "Categorical coloring may not be the best color map to use for this data set");
+  EXPECT_TRUE(slice->uniqueValues().at("FeatureIds").at(-1).empty());
+  // the two phases are categories; the picture shows them on slice 12
+  slice->setActiveArray("Phases");
   slice->control<QSpinBox>("m_SliceSpinBox")->setValue(12);
-  EXPECT_TRUE(slice->coloringSettings().valuesAsCategories);
+  EXPECT_EQ(slice->uniqueValues().at("Phases").at(-1), (std::set<double>{ 1.0, 2.0 }));
   EXPECT_EQ(slice->imageActor()->GetProperty()->GetLookupTable(),
             slice->lookupTable()->getColorTransferFunction());
   scene.renderer()->ResetCamera();
-  dataviewtest::CompareWithBaseline(scene, "slice_sample_featureids_categories");
+  dataviewtest::CompareWithBaseline(scene, "slice_sample_phases_categories");
 }
 
 TEST(ImageSliceDataView, TwoLinkedImagesOfDifferentSpacingShowTheSameWorldPosition)
