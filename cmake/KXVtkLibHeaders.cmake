@@ -71,17 +71,22 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXPickerCallback.hpp
   visualization/QtWidgets/VXScreenshotOptionsDialog.hpp
   visualization/QtWidgets/VXViewActionsController.hpp
+  visualization/QtWidgets/VXViewCubeRepresentation.hpp
   visualization/QtWidgets/VXViewCubeWidget.hpp
   visualization/QtWidgets/VXViewGridWidget.hpp
   visualization/QtWidgets/VXViewWidget.hpp
   visualization/QtWidgets/VXVisualizationModuleWidget.hpp
   visualization/QtWidgets/VXVisualizationToolbarWidget.hpp
   visualization/QtWidgets/VXVisualizationWidget.hpp
+  quadview/VXQuadView.hpp
+  quadview/VXQuadViewControls.hpp
+  quadview/annotations/SliceGeometry.hpp
 )
 
 set(KXVTK_INTERNAL_HEADERS
   bridge/ComputeRangeFunctor.hpp
   bridge/StructuredGridCellIdFunctor.hpp
+  quadview/vtkResliceCursorCallback.hpp
   utils/ExecuteVtkDataFunction.hpp
   utils/GenerateHistogramFunctor.hpp
   utils/GuiProcess.hpp
