@@ -77,6 +77,13 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXVisualizationModuleWidget.hpp
   visualization/QtWidgets/VXVisualizationToolbarWidget.hpp
   visualization/QtWidgets/VXVisualizationWidget.hpp
+  quadview/VXResliceCursorLineRepresentation.hpp
+  quadview/VXResliceCursorRepresentationBase.hpp
+  quadview/VXResliceCursorRepresentationCommon.hpp
+  quadview/VXResliceCursorThickLineRepresentation.hpp
+  quadview/VXResliceImageViewer.hpp
+  quadview/vtkInteractorStyleImageNoWindowLevel.hpp
+  quadview/vtkSnapToClickCallback.hpp
 )
 
 set(KXVTK_INTERNAL_HEADERS
