@@ -81,12 +81,19 @@ set(KXVTK_INSTALLED_HEADERS
   quadview/VXQuadView.hpp
   quadview/VXQuadViewControls.hpp
   quadview/annotations/SliceGeometry.hpp
+  quadview/VXResliceCursorLineRepresentation.hpp
+  quadview/VXResliceCursorRepresentationBase.hpp
+  quadview/VXResliceCursorRepresentationCommon.hpp
+  quadview/VXResliceCursorThickLineRepresentation.hpp
+  quadview/VXResliceImageViewer.hpp
+  quadview/vtkInteractorStyleImageNoWindowLevel.hpp
+  quadview/vtkResliceCursorCallback.hpp
+  quadview/vtkSnapToClickCallback.hpp
 )
 
 set(KXVTK_INTERNAL_HEADERS
   bridge/ComputeRangeFunctor.hpp
   bridge/StructuredGridCellIdFunctor.hpp
-  quadview/vtkResliceCursorCallback.hpp
   utils/ExecuteVtkDataFunction.hpp
   utils/GenerateHistogramFunctor.hpp
   utils/GuiProcess.hpp

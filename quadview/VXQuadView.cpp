@@ -550,7 +550,7 @@ void VXQuadView::setupViewer(vtkImageData* image)
   {
     d->callback->buildPaneOverlay(i, d->viewers[idx(i)]->GetRenderer());
     auto snap = vtkSmartPointer<vtkSnapToClickCallback>::New();
-    snap->setup(i, d->viewers[idx(i)], d->viewers[idx(i)]->GetResliceCursorWidget(), cursor);
+    snap->setPane(i, d->viewers[idx(i)], d->viewers[idx(i)]->GetResliceCursorWidget(), cursor);
     d->paneWidgets[idx(i)]->interactor()->AddObserver(vtkCommand::LeftButtonDoubleClickEvent,
                                                       snap);
     d->snapCallbacks[idx(i)] = snap;
@@ -1932,7 +1932,7 @@ void VXQuadView::clearView()
                                                     ? d->paneWidgets[idx(i)]->interactor()
                                                     : nullptr)
         interactor->RemoveObserver(d->snapCallbacks[idx(i)]);
-      d->snapCallbacks[idx(i)]->setup(-1, nullptr, nullptr, nullptr);
+      d->snapCallbacks[idx(i)]->clear();
       d->snapCallbacks[idx(i)] = nullptr;
     }
   }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KXVtkLib_export.h"
+
 #include <vtkActor2D.h>
 #include <vtkCommand.h>
 #include <vtkLineSource.h>
@@ -22,7 +24,7 @@ class vtkRenderer;
  * quad view's slice planes, outlines and overlays, and renders. During a drag
  * (InteractionEvent) the slow volume pane is left alone until the drag ends.
  */
-class vtkResliceCursorCallback : public vtkCommand
+class KXVTKLIB_EXPORT vtkResliceCursorCallback : public vtkCommand
 {
 public:
   static vtkResliceCursorCallback* New();
