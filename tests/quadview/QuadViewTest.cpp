@@ -1,0 +1,496 @@
+// The quad view as a whole: image preparation, the four panes in step, slice
+// modes, overlays, colour controls, throttling, and pictures of all panes.
+#include "HostDataSupport.hpp"
+#include "ImageCompare.hpp"
+#include "QtTestSupport.hpp"
+#include "TestSupport.hpp"
+
+#include "../dataviews/DataViewTestSupport.hpp"
+
+#include <quadview/VXQuadView.hpp>
+#include <quadview/VXResliceImageViewer.hpp>
+#include <visualization/QtWidgets/VXViewCubeWidget.hpp>
+
+#include <QVTKOpenGLNativeWidget.h>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+#include <QtWidgets/QGridLayout>
+
+#include <vtkCallbackCommand.h>
+#include <vtkCamera.h>
+#include <vtkCellData.h>
+#include <vtkCornerAnnotation.h>
+#include <vtkFloatArray.h>
+#include <vtkImageActor.h>
+#include <vtkImageData.h>
+#include <vtkImageSlice.h>
+#include <vtkPiecewiseFunction.h>
+#include <vtkPointData.h>
+#include <vtkRenderWindow.h>
+#include <vtkRenderer.h>
+#include <vtkResliceCursor.h>
+#include <vtkResliceCursorLineRepresentation.h>
+#include <vtkResliceCursorWidget.h>
+#include <vtkXMLImageDataReader.h>
+
+#include <cmath>
+#include <functional>
+#include <string>
+
+namespace
+{
+/**
+ * An image as the host hands it over: @p nx x @p ny x @p nz voxels whose
+ * values are cell data; @p value gives each component of voxel (i, j, k).
+ */
+vtkSmartPointer<vtkImageData> hostImage(int nx, int ny, int nz, int components,
+                                        const std::function<float(int, int, int, int)>& value,
+                                        const char* name = "values")
+{
+  auto image = vtkSmartPointer<vtkImageData>::New();
+  image->SetDimensions(nx + 1, ny + 1, nz + 1);
+  vtkNew<vtkFloatArray> array;
+  array->SetName(name);
+  array->SetNumberOfComponents(components);
+  array->SetNumberOfTuples(static_cast<vtkIdType>(nx) * ny * nz);
+  vtkIdType id = 0;
+  for (int k = 0; k < nz; ++k)
+    for (int j = 0; j < ny; ++j)
+      for (int i = 0; i < nx; ++i, ++id)
+        for (int c = 0; c < components; ++c)
+          array->SetComponent(id, c, value(i, j, k, c));
+  image->GetCellData()->SetScalars(array);
+  return image;
+}
+
+vtkSmartPointer<vtkImageData> rampImage(int nx, int ny, int nz)
+{
+  // 0 at the first voxel, 100 at the last along x
+  return hostImage(nx, ny, nz, 1, [nx](int i, int, int, int)
+                   { return nx > 1 ? 100.0f * static_cast<float>(i) / (nx - 1) : 0.0f; });
+}
+
+/** hydrogen.vti's point samples made into the voxels of a host image. */
+vtkSmartPointer<vtkImageData> hydrogenAsHostImage()
+{
+  vtkNew<vtkXMLImageDataReader> reader;
+  reader->SetFileName(kxtest::DataFile("hydrogen.vti").string().c_str());
+  reader->Update();
+  vtkImageData* read = reader->GetOutput();
+  int dims[3];
+  read->GetDimensions(dims);
+  EXPECT_EQ(dims[0], 64);
+  auto image = vtkSmartPointer<vtkImageData>::New();
+  image->SetDimensions(dims[0] + 1, dims[1] + 1, dims[2] + 1);
+  image->SetOrigin(-0.5, -0.5, -0.5);
+  image->GetCellData()->SetScalars(read->GetPointData()->GetArray("probability_density"));
+  return image;
+}
+
+/** A shown quad view of 600 by 600 pixels. */
+class Shown
+{
+public:
+  Shown()
+  {
+    view.resize(600, 600);
+    view.show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&view));
+  }
+
+  void show(vtkImageData* image, VXDataSource* source = nullptr)
+  {
+    view.setGeometry(source, image);
+    kxtest::pump(); // the first real size is known only now, and the panes frame themselves
+  }
+
+  std::string overlay(int index) const
+  {
+    vtkCornerAnnotation* corner = view.getCornerAnnotation(index);
+    return corner != nullptr && corner->GetText(2) != nullptr ? corner->GetText(2) : "";
+  }
+
+  /** The cursor moved by a real event through the cursor widget of slice pane 0. */
+  void setCursor(const double center[3], double zDegrees)
+  {
+    vtkResliceCursor* cursor = view.getViewer(0)->GetResliceCursor();
+    const double a = zDegrees * M_PI / 180.0;
+    cursor->SetXAxis(std::cos(a), std::sin(a), 0.0);
+    cursor->SetYAxis(-std::sin(a), std::cos(a), 0.0);
+    cursor->SetZAxis(0.0, 0.0, 1.0);
+    cursor->SetCenter(center[0], center[1], center[2]);
+    vtkResliceCursorWidget* widget = view.getViewer(0)->GetResliceCursorWidget();
+    widget->InvokeEvent(vtkResliceCursorWidget::ResliceAxesChangedEvent);
+    widget->InvokeEvent(vtkCommand::EndInteractionEvent);
+  }
+
+  QImage picture()
+  {
+    kxtest::pump();
+    return view.captureAllPanesComposite(false, QColor(Qt::black));
+  }
+
+  VXQuadView view;
+};
+
+std::string lastLine(const std::string& text)
+{
+  const auto cut = text.rfind('\n');
+  return cut == std::string::npos ? text : text.substr(cut + 1);
+}
+} // namespace
+
+TEST(QuadViewPreparation, CellArraysAreSharedOntoPointsAndOnlyOversizedAxesShrink)
+{
+  // 1 voxel along x: the prepared image is one sample thick there, not empty
+  auto host = hostImage(1, 4, 5, 1, [](int, int j, int k, int) { return float(j + 10 * k); });
+  host->SetSpacing(2.0, 1.0, 0.5);
+  host->SetOrigin(1.0, 2.0, 3.0);
+  auto prepared = VXQuadView::makeCellCenteredImage(host);
+  int extent[6];
+  prepared->GetExtent(extent);
+  EXPECT_EQ(std::vector<int>(extent, extent + 6), (std::vector<int>{ 0, 0, 0, 3, 0, 4 }));
+  EXPECT_DOUBLE_EQ(prepared->GetOrigin()[0], 2.0);
+  EXPECT_DOUBLE_EQ(prepared->GetOrigin()[2], 3.25);
+  // the same array object, not a copy
+  EXPECT_EQ(prepared->GetPointData()->GetArray("values"), host->GetCellData()->GetArray("values"));
+  ASSERT_NE(prepared->GetPointData()->GetScalars(), nullptr);
+  EXPECT_STREQ(prepared->GetPointData()->GetScalars()->GetName(), "values");
+  EXPECT_EQ(VXQuadView::makeCellCenteredImage(nullptr), nullptr);
+  EXPECT_EQ(VXQuadView::shrinkToTextureLimit(prepared, 2048), prepared);
+
+  // 5000 samples along x with a 2048 limit: factor 3 on x only, every array averaged
+  auto wide = vtkSmartPointer<vtkImageData>::New();
+  wide->SetDimensions(5000, 2, 2);
+  wide->SetSpacing(1.0, 1.0, 1.0);
+  for (const char* name : { "a", "b" })
+  {
+    vtkNew<vtkFloatArray> array;
+    array->SetName(name);
+    array->SetNumberOfTuples(20000);
+    for (vtkIdType id = 0; id < 20000; ++id)
+      array->SetValue(id, static_cast<float>(id % 5000) * (name[0] == 'a' ? 1.0f : 2.0f));
+    wide->GetPointData()->AddArray(array);
+  }
+  wide->GetPointData()->SetActiveScalars("b");
+  auto shrunk = VXQuadView::shrinkToTextureLimit(wide, 2048);
+  int dims[3];
+  shrunk->GetDimensions(dims);
+  EXPECT_EQ(dims[0], 1666);
+  EXPECT_EQ(dims[1], 2);
+  EXPECT_EQ(dims[2], 2);
+  EXPECT_DOUBLE_EQ(shrunk->GetSpacing()[0], 3.0);
+  EXPECT_DOUBLE_EQ(shrunk->GetSpacing()[1], 1.0);
+  EXPECT_FLOAT_EQ(static_cast<float>(shrunk->GetPointData()->GetArray("a")->GetTuple1(0)), 1.0f);
+  EXPECT_FLOAT_EQ(static_cast<float>(shrunk->GetPointData()->GetArray("b")->GetTuple1(0)), 2.0f);
+  EXPECT_STREQ(shrunk->GetPointData()->GetScalars()->GetName(), "b");
+  EXPECT_STREQ(wide->GetPointData()->GetScalars()->GetName(), "b");
+}
+
+TEST(QuadView, FormPanesAndSharedCursorOverTheHostArray)
+{
+  Shown shown;
+  VXQuadView& view = shown.view;
+  EXPECT_EQ(view.objectName(), "VXQuadView");
+  EXPECT_EQ(view.windowTitle(), "Quad View");
+  auto* grid = view.findChild<QGridLayout*>("gridLayout");
+  ASSERT_NE(grid, nullptr);
+  const char* names[4] = { "view3D", "viewXZ", "viewYZ", "viewXY" };
+  const int cells[4][2] = { { 0, 0 }, { 0, 1 }, { 1, 1 }, { 1, 0 } };
+  for (int ui = 0; ui < 4; ++ui)
+  {
+    EXPECT_EQ(grid->itemAtPosition(cells[ui][0], cells[ui][1])->widget()->objectName(),
+              names[ui]);
+    EXPECT_EQ(view.getPaneWidget(ui)->objectName(), names[ui]);
+  }
+  EXPECT_EQ(view.slicePaneIdxFromUiPaneIdx(1), 1);
+  EXPECT_EQ(view.slicePaneIdxFromUiPaneIdx(2), 0);
+  EXPECT_EQ(view.slicePaneIdxFromUiPaneIdx(3), 2);
+  EXPECT_EQ(view.slicePaneIdxFromUiPaneIdx(0), -1);
+  EXPECT_FALSE(view.isInitialized());
+
+  // 1 voxel on x still gives three slice panes
+  auto host = rampImage(1, 6, 7);
+  shown.show(host);
+  ASSERT_TRUE(view.isInitialized());
+  EXPECT_EQ(view.getImageData()->GetPointData()->GetArray("values"),
+            host->GetCellData()->GetArray("values"));
+  for (int i = 0; i < 3; ++i)
+  {
+    ASSERT_NE(view.getViewer(i), nullptr);
+    EXPECT_EQ(view.getViewer(i)->GetResliceCursor(), view.getViewer(0)->GetResliceCursor());
+    EXPECT_TRUE(view.getImageSlice(i)->GetVisibility());
+    EXPECT_FALSE(view.getViewer(i)->GetImageActor()->GetVisibility());
+  }
+  EXPECT_NE(view.getVolume(), nullptr);
+  EXPECT_EQ(view.computeSlicePlaneFor(2).axisU, (std::array<double, 3>{ 1.0, 0.0, 0.0 }));
+  EXPECT_EQ(view.computeSlicePlaneFor(2).axisV, (std::array<double, 3>{ 0.0, 1.0, 0.0 }));
+  EXPECT_EQ(view.computeSlicePlaneFor(3).axisU, (std::array<double, 3>{ 0.0, 0.0, 0.0 }));
+
+  // the centre of the XY pane lies on its plane under the crosshair
+  const auto world = view.worldFromPaneScreenPos(
+    2, QPoint(view.getPaneWidget(3)->width() / 2, view.getPaneWidget(3)->height() / 2));
+  ASSERT_TRUE(world.has_value());
+  EXPECT_NEAR((*world)[2], view.getViewer(0)->GetResliceCursor()->GetCenter()[2], 1e-6);
+
+  view.clearView();
+  EXPECT_FALSE(view.isInitialized());
+  EXPECT_EQ(view.getViewer(0), nullptr);
+  EXPECT_EQ(view.getControls().m_LengthUnits, "mm");
+}
+
+TEST(QuadView, WindowLevelAndThickModeVisibility)
+{
+  Shown shown;
+  VXQuadView& view = shown.view;
+  shown.show(rampImage(11, 5, 5));
+  for (int i = 0; i < 3; ++i)
+  {
+    EXPECT_DOUBLE_EQ(view.getViewer(i)->GetColorWindow(), 100.0);
+    EXPECT_DOUBLE_EQ(view.getViewer(i)->GetColorLevel(), -50.0);
+  }
+  view.thickMode(1);
+  for (int i = 0; i < 3; ++i)
+  {
+    EXPECT_FALSE(view.getImageSlice(i)->GetVisibility());
+    auto* rep = vtkResliceCursorLineRepresentation::SafeDownCast(
+      view.getViewer(i)->GetResliceCursorWidget()->GetRepresentation());
+    ASSERT_NE(rep, nullptr);
+    EXPECT_DOUBLE_EQ(rep->GetWindow(), 100.0);
+    EXPECT_DOUBLE_EQ(rep->GetLevel(), -50.0);
+  }
+  view.thickMode(0);
+  for (int i = 0; i < 3; ++i)
+  {
+    EXPECT_TRUE(view.getImageSlice(i)->GetVisibility());
+    EXPECT_FALSE(view.getViewer(i)->GetImageActor()->GetVisibility());
+    auto* rep = vtkResliceCursorLineRepresentation::SafeDownCast(
+      view.getViewer(i)->GetResliceCursorWidget()->GetRepresentation());
+    EXPECT_DOUBLE_EQ(rep->GetWindow(), 100.0);
+    EXPECT_DOUBLE_EQ(rep->GetLevel(), -50.0);
+  }
+}
+
+TEST(QuadView, ReloadExchangesArraysInPlaceOrRebuildsKeepingSettings)
+{
+  Shown shown;
+  VXQuadView& view = shown.view;
+  shown.show(rampImage(8, 9, 10));
+  vtkImageData* shownImage = view.getImageData();
+  const double moved[3] = { 2.0, 3.0, 4.0 };
+  shown.setCursor(moved, 0.0);
+  vtkCamera* camera = view.getViewer(2)->GetRenderer()->GetActiveCamera();
+  camera->Zoom(1.5);
+  const double scale = camera->GetParallelScale();
+
+  auto same = hostImage(8, 9, 10, 1, [](int, int, int, int) { return 7.0f; });
+  view.reload(same);
+  EXPECT_EQ(view.getImageData(), shownImage);
+  EXPECT_EQ(view.getImageData()->GetPointData()->GetArray("values"),
+            same->GetCellData()->GetArray("values"));
+  EXPECT_DOUBLE_EQ(view.getViewer(0)->GetResliceCursor()->GetCenter()[1], 3.0);
+  EXPECT_DOUBLE_EQ(view.getViewer(2)->GetRenderer()->GetActiveCamera()->GetParallelScale(), scale);
+
+  view.setLengthUnits("um");
+  view.showPlaneWidgets(true);
+  view.reload(rampImage(4, 5, 6));
+  ASSERT_TRUE(view.isInitialized());
+  int dims[3];
+  view.getImageData()->GetDimensions(dims);
+  EXPECT_EQ(dims[0], 4);
+  EXPECT_EQ(dims[2], 6);
+  EXPECT_EQ(view.getControls().m_LengthUnits, "um");
+  EXPECT_TRUE(view.getPlaneOutlineActor(0)->GetVisibility());
+  EXPECT_NE(shown.overlay(1).find("Physical Size: 4 x 6 um"), std::string::npos);
+}
+
+TEST(QuadView, OverlayTextsLineByLine)
+{
+  Shown shown;
+  VXQuadView& view = shown.view;
+  shown.show(rampImage(50, 60, 70));
+  const double center[3] = { 10.5, 20.5, 30.5 };
+  shown.setCursor(center, 0.0);
+  EXPECT_EQ(shown.overlay(1), "Voxel Dims:  x: 50  {y: 60}  z: 70\n"
+                              "Physical Size: 50 x 70 mm\n"
+                              "Slice: 20\n"
+                              "Range Min: 0  Max: 100\n"
+                              "Yaw: 0.0 deg\nPitch: -0.0 deg\nRoll: 0.0 deg");
+  EXPECT_EQ(shown.overlay(0).substr(0, 34), "Voxel Dims:  {x: 50}  y: 60  z: 70");
+  // voxel (10, 20, 30) of the ramp: 100 * 10 / 49
+  EXPECT_EQ(shown.overlay(3), "Voxel Dims:  x: 50  y: 60  z: 70\n"
+                              "X: 10.5  Y: 20.5  Z: 30.5\n"
+                              "values: 20.4082");
+  shown.setCursor(center, 30.0);
+  EXPECT_NE(shown.overlay(2).find("Yaw: 30.0 deg"), std::string::npos);
+
+  // overlays off: the text stays as it was
+  view.showAnnotations(false);
+  const double other[3] = { 1.5, 1.5, 1.5 };
+  shown.setCursor(other, 30.0);
+  EXPECT_NE(shown.overlay(3).find("X: 10.5"), std::string::npos);
+  EXPECT_FALSE(view.getCornerAnnotation(3)->GetVisibility());
+
+  // six labels reach the view cube, five change nothing
+  const QStringList six{ "R", "L", "A", "P", "S", "I" };
+  QMetaObject::invokeMethod(&view, "setOrientationMarkerText", Q_ARG(QStringList, six));
+  EXPECT_EQ(view.getViewCube()->faceLabels(), six);
+  QMetaObject::invokeMethod(&view, "setOrientationMarkerText",
+                            Q_ARG(QStringList, QStringList({ "a", "b", "c", "d", "e" })));
+  EXPECT_EQ(view.getViewCube()->faceLabels(), six);
+}
+
+TEST(QuadView, ComponentsMagnitudeAndHistogramCache)
+{
+  Shown shown;
+  VXQuadView& view = shown.view;
+  QSignalSpy components(&view, &VXQuadView::componentListChanged);
+  QSignalSpy histograms(&view, &VXQuadView::histogramUpdated);
+  // (3, 4, 12) in every voxel: magnitude 13
+  shown.show(hostImage(4, 4, 4, 3, [](int, int, int, int c)
+                       { return c == 0 ? 3.0f : c == 1 ? 4.0f : 12.0f; }, "vec"));
+  ASSERT_EQ(components.count(), 1);
+  EXPECT_EQ(components.at(0).at(0).toStringList(),
+            QStringList({ "Magnitude", "Component 0", "Component 1", "Component 2" }));
+  EXPECT_EQ(components.at(0).at(1).toInt(), -1);
+  const double center[3] = { 1.5, 1.5, 1.5 };
+  shown.setCursor(center, 0.0);
+  EXPECT_EQ(lastLine(shown.overlay(3)), "vec (mag): 13");
+  double min = 0.0;
+  double max = 0.0;
+  view.getTrueDataRange(min, max);
+  EXPECT_DOUBLE_EQ(min, 13.0);
+  EXPECT_DOUBLE_EQ(max, 14.0); // a constant array gets a range of one
+
+  view.onComponentChanged(3); // "Component 1"
+  EXPECT_EQ(view.getControls().m_ActiveComponent, 1);
+  EXPECT_EQ(lastLine(shown.overlay(3)), "vec [1]: 4");
+  EXPECT_EQ(view.getViewer(0)->GetResliceCursor()->GetImage()->GetNumberOfScalarComponents(), 1);
+  view.onComponentChanged(6); // beyond the components: the magnitude form again
+  EXPECT_EQ(lastLine(shown.overlay(3)), "vec (mag): 13");
+
+  // a second histogram of the same array and component is the cached table
+  view.onComponentChanged(3);
+  const int before = static_cast<int>(histograms.count());
+  const auto first = view.getHistogram();
+  view.onComponentChanged(3);
+  EXPECT_EQ(histograms.count(), before + 1);
+  EXPECT_EQ(view.getHistogram(), first);
+
+  // one component: the plain form whatever the index
+  Shown scalar;
+  scalar.show(rampImage(4, 4, 4));
+  scalar.setCursor(center, 0.0);
+  scalar.view.onComponentChanged(4);
+  EXPECT_EQ(lastLine(scalar.overlay(3)), "values: 33.3333");
+  EXPECT_EQ(scalar.view.getComponentNames("values"), QStringList({ "Scalar" }));
+}
+
+TEST(QuadView, RangeOpacityAndColourMapSignals)
+{
+  Shown shown;
+  VXQuadView& view = shown.view;
+  shown.show(rampImage(11, 3, 3));
+  vtkPiecewiseFunction* opacity = view.getOpacityFunction();
+  ASSERT_NE(opacity, nullptr);
+  opacity->AddPoint(25.0, 0.5);
+  QSignalSpy ranges(&view, &VXQuadView::rangeChanged);
+  QSignalSpy modified(&view, &VXQuadView::colorMapModified);
+
+  view.onCustomRangeChanged(100.0, 300.0);
+  double node[4];
+  opacity->GetNodeValue(1, node);
+  EXPECT_DOUBLE_EQ(node[0], 150.0); // a quarter of the way, as before
+  EXPECT_DOUBLE_EQ(node[1], 0.5);
+  EXPECT_DOUBLE_EQ(view.getViewer(1)->GetColorWindow(), 200.0);
+  EXPECT_DOUBLE_EQ(view.getViewer(1)->GetColorLevel(), 0.0);
+  EXPECT_NE(shown.overlay(0).find("Range Min: 100  Max: 300"), std::string::npos);
+
+  QTest::qWait(40); // past the overlay throttle
+  view.onRangeReset();
+  ASSERT_EQ(ranges.count(), 1);
+  EXPECT_DOUBLE_EQ(ranges.at(0).at(1).toDouble(), 100.0);
+  opacity->GetNodeValue(1, node);
+  EXPECT_DOUBLE_EQ(node[0], 25.0);
+
+  const double* before = view.getLookupTable()->getColorTransferFunction()->GetColor(0.0);
+  const std::array<double, 3> low{ before[0], before[1], before[2] };
+  view.onColorMapInverted(true);
+  const double* after = view.getLookupTable()->getColorTransferFunction()->GetColor(100.0);
+  EXPECT_NEAR(after[0], low[0], 1e-9);
+  EXPECT_NEAR(after[2], low[2], 1e-9);
+  view.onColorMapInverted(true); // no change: the map is not flipped back
+  EXPECT_NEAR(view.getLookupTable()->getColorTransferFunction()->GetColor(100.0)[0], low[0],
+              1e-9);
+  EXPECT_EQ(modified.count(), 2);
+}
+
+TEST(QuadView, RenderThrottleDrawsOnceNowAndOnceLater)
+{
+  Shown shown;
+  VXQuadView& view = shown.view;
+  shown.show(rampImage(5, 5, 5));
+  QTest::qWait(50);
+  int renders = 0;
+  vtkNew<vtkCallbackCommand> count;
+  count->SetClientData(&renders);
+  count->SetCallback([](vtkObject*, unsigned long, void* data, void*)
+                     { ++*static_cast<int*>(data); });
+  view.getVolumeRenderWindow()->AddObserver(vtkCommand::StartEvent, count);
+
+  view.render();
+  view.render();
+  view.render();
+  EXPECT_EQ(renders, 1);
+  QTest::qWait(100);
+  EXPECT_EQ(renders, 2);
+}
+
+TEST(QuadViewImage, HydrogenAxisAlignedObliqueAndMaxSlab)
+{
+  Shown shown;
+  VXQuadView& view = shown.view;
+  shown.show(hydrogenAsHostImage());
+  view.showPlaneWidgets(true);
+  kxtest::CompareWithBaseline(shown.picture(), "quadview", "hydrogen_axis_aligned");
+
+  view.resliceMode(1);
+  const double center[3] = { 31.5, 31.5, 31.5 };
+  shown.setCursor(center, 30.0);
+  kxtest::CompareWithBaseline(shown.picture(), "quadview", "hydrogen_oblique");
+
+  view.resliceMode(0);
+  view.resetViews();
+  view.getViewer(0)->GetResliceCursor()->SetThickness(8.0, 8.0, 8.0);
+  view.thickMode(1);
+  view.setBlendMode(1);
+  kxtest::CompareWithBaseline(shown.picture(), "quadview", "hydrogen_max_slab");
+}
+
+TEST(QuadViewImage, SampleAxisAlignedObliqueAndMaxSlab)
+{
+  kxtest::ScopedSettings settings;
+  dataviewtest::Scene scene;
+  kxtest::TempDir dir;
+  VXDataSource* source =
+    scene.import(kxtest::writeSample(dir, "sample.voxelia", 24), "Microstructure");
+  ASSERT_NE(source, nullptr);
+  Shown shown;
+  VXQuadView& view = shown.view;
+  shown.show(vtkImageData::SafeDownCast(source->getOutput()), source);
+  ASSERT_TRUE(view.isInitialized());
+  view.onArrayChanged("FeatureIds");
+  kxtest::CompareWithBaseline(shown.picture(), "quadview", "sample_axis_aligned");
+
+  view.resliceMode(1);
+  const double center[3] = { 12.0, 12.0, 12.0 };
+  shown.setCursor(center, 30.0);
+  kxtest::CompareWithBaseline(shown.picture(), "quadview", "sample_oblique");
+
+  view.resliceMode(0);
+  view.resetViews();
+  view.getViewer(0)->GetResliceCursor()->SetThickness(4.0, 4.0, 4.0);
+  view.thickMode(1);
+  view.setBlendMode(1);
+  kxtest::CompareWithBaseline(shown.picture(), "quadview", "sample_max_slab");
+}
