@@ -97,6 +97,14 @@ void cross(const double a[3], const double b[3], double out[3])
   out[2] = a[0] * b[1] - a[1] * b[0];
 }
 
+// bridge name + "/" + source name under a bridge, else the source's own name
+QString sourcePath(VXDataSource* source)
+{
+  if (auto* bridge = qobject_cast<VXBridgeObject*>(source->parent()))
+    return bridge->name() + QStringLiteral("/") + source->name();
+  return source->name();
+}
+
 QVTKOpenGLNativeWidget* makePane(QWidget* parent, const char* name)
 {
   auto* pane = new QVTKOpenGLNativeWidget(parent);
@@ -346,6 +354,11 @@ void VXQuadView::setGeometry(VXDataSource* source, vtkSmartPointer<vtkImageData>
   d->source = source;
   d->sourceRaw = source;
   image->GetDimensions(d->lastIncomingDims);
+  if (source != nullptr)
+  {
+    // the path by which a removal of the source from the pipeline is recognised
+    d->controls.m_GeometryPath = sourcePath(source);
+  }
   auto prepared = shrinkToTextureLimit(makeCellCenteredImage(image), textureLimit());
   setupViewer(prepared);
   if (source != nullptr)
@@ -849,8 +862,8 @@ VXQuadView::SlicePlane VXQuadView::computeSlicePlaneFor(int slicePane) const
   if (cursor == nullptr)
     return plane;
   cursor->GetCenter(plane.origin.data());
-  cursor->GetAxis(k_PaneAxes[slicePane][0], plane.axisU.data());
-  cursor->GetAxis(k_PaneAxes[slicePane][1], plane.axisV.data());
+  std::copy_n(cursor->GetAxis(k_PaneAxes[slicePane][0]), 3, plane.axisU.data());
+  std::copy_n(cursor->GetAxis(k_PaneAxes[slicePane][1]), 3, plane.axisV.data());
   return plane;
 }
 
@@ -935,8 +948,8 @@ void VXQuadView::updatePlaneOutlines()
       continue;
     double u[3];
     double v[3];
-    cursor->GetAxis(k_PaneAxes[i][0], u);
-    cursor->GetAxis(k_PaneAxes[i][1], v);
+    std::copy_n(cursor->GetAxis(k_PaneAxes[i][0]), 3, u);
+    std::copy_n(cursor->GetAxis(k_PaneAxes[i][1]), 3, v);
     double uMin = VTK_DOUBLE_MAX;
     double uMax = VTK_DOUBLE_MIN;
     double vMin = VTK_DOUBLE_MAX;
@@ -1016,9 +1029,9 @@ void VXQuadView::updateAnnotations(int slicePane)
     double a[3];
     double b[3];
     double c[3];
-    cursor->GetAxis(0, a);
-    cursor->GetAxis(1, b);
-    cursor->GetAxis(2, c);
+    std::copy_n(cursor->GetAxis(0), 3, a);
+    std::copy_n(cursor->GetAxis(1), 3, b);
+    std::copy_n(cursor->GetAxis(2), 3, c);
     const double yaw = std::atan2(a[1], a[0]) * k_RadToDeg;
     const double pitch = std::asin(std::clamp(-a[2], -1.0, 1.0)) * k_RadToDeg;
     const double roll = std::atan2(b[2], c[2]) * k_RadToDeg;
@@ -1793,10 +1806,7 @@ void VXQuadView::onDataSourceRemoved(VXDataSource* removedDataSource)
 {
   if (removedDataSource == nullptr)
     return;
-  QString path = removedDataSource->objectName();
-  if (auto* bridge = qobject_cast<VXBridgeObject*>(removedDataSource->parent()))
-    path = bridge->objectName() + QStringLiteral("/") + removedDataSource->objectName();
-  onItemRemovedFromModel(path);
+  onItemRemovedFromModel(sourcePath(removedDataSource));
 }
 
 void VXQuadView::onItemRemovedFromModel(QString itemPath)

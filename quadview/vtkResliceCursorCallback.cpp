@@ -192,7 +192,7 @@ void vtkResliceCursorCallback::syncCrosshair()
   rc->GetCenter(center);
   double axes[3][3];
   for (int i = 0; i < 3; ++i)
-    rc->GetAxis(i, axes[i]);
+    std::copy_n(rc->GetAxis(i), 3, axes[i]);
 
   if (m_CacheValid && std::equal(center, center + 3, m_CachedCenter) &&
       std::equal(&axes[0][0], &axes[0][0] + 9, &m_CachedAxes[0][0]))
@@ -243,7 +243,7 @@ void vtkResliceCursorCallback::updateEdgeLabels()
     for (int k = 0; k < 2; ++k)
     {
       double axis[3];
-      rc->GetAxis(along[k], axis);
+      std::copy_n(rc->GetAxis(along[k]), 3, axis);
       const double tip[3] = { center[0] + axis[0], center[1] + axis[1], center[2] + axis[2] };
       const auto t = toNormalizedViewport(renderer, tip);
       std::array<double, 2> d{ t[0] - c[0], t[1] - c[1] };
@@ -255,12 +255,12 @@ void vtkResliceCursorCallback::updateEdgeLabels()
       double t1 = 0.0;
       if (!clipToUnitSquare(c, d, t0, t1))
         continue;
-      vtkTextActor* far = m_EdgeLabels[static_cast<size_t>(4 * pane + (k == 0 ? 2 : 1))];
-      vtkTextActor* near = m_EdgeLabels[static_cast<size_t>(4 * pane + (k == 0 ? 3 : 0))];
-      if (far != nullptr)
-        placeLabel(far, c[0] + t1 * d[0], c[1] + t1 * d[1]);
-      if (near != nullptr)
-        placeLabel(near, c[0] + t0 * d[0], c[1] + t0 * d[1]);
+      vtkTextActor* endLabel = m_EdgeLabels[static_cast<size_t>(4 * pane + (k == 0 ? 2 : 1))];
+      vtkTextActor* startLabel = m_EdgeLabels[static_cast<size_t>(4 * pane + (k == 0 ? 3 : 0))];
+      if (endLabel != nullptr)
+        placeLabel(endLabel, c[0] + t1 * d[0], c[1] + t1 * d[1]);
+      if (startLabel != nullptr)
+        placeLabel(startLabel, c[0] + t0 * d[0], c[1] + t0 * d[1]);
     }
   }
 }
