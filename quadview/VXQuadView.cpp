@@ -1975,6 +1975,8 @@ void VXQuadView::clearView()
   if (wasInitialized)
     assignBlankRenderWindows();
   std::fill(std::begin(d->dims), std::end(d->dims), 0);
+  // the next panes' overlays are new: their first text must not wait for the throttle
+  d->annotationTimer.invalidate();
   d->initialized = false;
   d->controls = VXQuadViewControls();
   d->lengthUnits = d->controls.m_LengthUnits.toStdString();
