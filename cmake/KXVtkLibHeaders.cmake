@@ -77,6 +77,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXVisualizationModuleWidget.hpp
   visualization/QtWidgets/VXVisualizationToolbarWidget.hpp
   visualization/QtWidgets/VXVisualizationWidget.hpp
+  quadview/VXGeometryTreeWidget.hpp
   quadview/VXResliceCursorLineRepresentation.hpp
   quadview/VXResliceCursorRepresentationBase.hpp
   quadview/VXResliceCursorRepresentationCommon.hpp
