@@ -78,6 +78,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXVisualizationModuleWidget.hpp
   visualization/QtWidgets/VXVisualizationToolbarWidget.hpp
   visualization/QtWidgets/VXVisualizationWidget.hpp
+  quadview/VXGeometryTreeWidget.hpp
   quadview/VXQuadView.hpp
   quadview/VXQuadViewControls.hpp
   quadview/annotations/SliceGeometry.hpp
