@@ -49,6 +49,7 @@
 #include <vtkRenderer.h>
 #include <vtkRendererCollection.h>
 #include <vtkResliceCursor.h>
+#include <vtkResliceCursorActor.h>
 #include <vtkResliceCursorPolyDataAlgorithm.h>
 #include <vtkResliceCursorWidget.h>
 #include <vtkScalarBarActor.h>
@@ -274,8 +275,7 @@ vtkSmartPointer<vtkImageData> VXQuadView::shrinkToTextureLimit(vtkImageData* ima
   image->GetDimensions(dims);
   int factors[3];
   for (int a = 0; a < 3; ++a)
-    factors[a] =
-      std::max(1, static_cast<int>(std::ceil(static_cast<double>(dims[a]) / limit)));
+    factors[a] = std::max(1, static_cast<int>(std::ceil(static_cast<double>(dims[a]) / limit)));
   if (factors[0] == 1 && factors[1] == 1 && factors[2] == 1)
     return image;
 
@@ -452,7 +452,7 @@ void VXQuadView::setupViewer(vtkImageData* image)
     auto* rep = vtkResliceCursorLineRepresentation::SafeDownCast(
       viewer->GetResliceCursorWidget()->GetRepresentation());
     if (rep != nullptr)
-      rep->GetCursorAlgorithm()->SetReslicePlaneNormal(i);
+      rep->GetResliceCursorActor()->GetCursorAlgorithm()->SetReslicePlaneNormal(i);
     viewer->SetInputData(image);
     viewer->SetSliceOrientation(i);
     // the stored mode, so that a rebuild in oblique or slab mode comes back as it was
@@ -564,8 +564,7 @@ void VXQuadView::setupViewer(vtkImageData* image)
     d->callback->buildPaneOverlay(i, d->viewers[idx(i)]->GetRenderer());
     auto snap = vtkSmartPointer<vtkSnapToClickCallback>::New();
     snap->setPane(i, d->viewers[idx(i)], d->viewers[idx(i)]->GetResliceCursorWidget(), cursor);
-    d->paneWidgets[idx(i)]->interactor()->AddObserver(vtkCommand::LeftButtonDoubleClickEvent,
-                                                      snap);
+    d->paneWidgets[idx(i)]->interactor()->AddObserver(vtkCommand::LeftButtonDoubleClickEvent, snap);
     d->snapCallbacks[idx(i)] = snap;
   }
 
@@ -594,8 +593,8 @@ void VXQuadView::setupViewer(vtkImageData* image)
   } };
   for (int ui = 0; ui < 4; ++ui)
   {
-    auto* controller = new VXViewActionsController(panes[idx(ui)].first,
-                                                   panes[idx(ui)].second, this);
+    auto* controller =
+      new VXViewActionsController(panes[idx(ui)].first, panes[idx(ui)].second, this);
     connect(controller, &VXViewActionsController::printOutput, this, &VXQuadView::printOutput);
     d->viewActions[idx(ui)] = controller;
   }
@@ -667,8 +666,8 @@ void VXQuadView::installCustomRep(int slicePane)
   if (auto* ours = dynamic_cast<VXResliceCursorRepresentationCommon*>(oldRep))
     ours->removeActorsFromRenderer(renderer);
   // the viewer may have swapped in a stock representation since ours was installed
-  if (auto* stored = dynamic_cast<VXResliceCursorRepresentationCommon*>(
-        d->reps[idx(slicePane)].GetPointer()))
+  if (auto* stored =
+        dynamic_cast<VXResliceCursorRepresentationCommon*>(d->reps[idx(slicePane)].GetPointer()))
     stored->removeActorsFromRenderer(renderer);
 
   vtkSmartPointer<vtkResliceCursorLineRepresentation> rep;
@@ -677,8 +676,8 @@ void VXQuadView::installCustomRep(int slicePane)
   else
     rep = vtkSmartPointer<VXResliceCursorLineRepresentation>::New();
   d->reps[idx(slicePane)] = rep;
-  rep->GetCursorAlgorithm()->SetResliceCursor(viewer->GetResliceCursor());
-  rep->GetCursorAlgorithm()->SetReslicePlaneNormal(slicePane);
+  rep->GetResliceCursorActor()->GetCursorAlgorithm()->SetResliceCursor(viewer->GetResliceCursor());
+  rep->GetResliceCursorActor()->GetCursorAlgorithm()->SetReslicePlaneNormal(slicePane);
   widget->SetRepresentation(rep);
   rep->SetRenderer(renderer);
   if (auto* common = dynamic_cast<VXResliceCursorRepresentationCommon*>(rep.GetPointer()))
@@ -926,8 +925,8 @@ std::optional<std::array<double, 3>> VXQuadView::worldFromPaneScreenPos(int slic
     return std::nullopt;
   double t = 0.0;
   std::array<double, 3> hit{};
-  if (vtkPlane::IntersectWithLine(ends[0], ends[1], normal, plane.origin.data(), t,
-                                  hit.data()) == 0)
+  if (vtkPlane::IntersectWithLine(ends[0], ends[1], normal, plane.origin.data(), t, hit.data()) ==
+      0)
     return std::nullopt;
   return hit;
 }
@@ -1035,8 +1034,7 @@ void VXQuadView::updateAnnotations(int slicePane)
     const double yaw = std::atan2(a[1], a[0]) * k_RadToDeg;
     const double pitch = std::asin(std::clamp(-a[2], -1.0, 1.0)) * k_RadToDeg;
     const double roll = std::atan2(b[2], c[2]) * k_RadToDeg;
-    fmt::format_to(out, "\nYaw: {:.1f} deg\nPitch: {:.1f} deg\nRoll: {:.1f} deg", yaw, pitch,
-                   roll);
+    fmt::format_to(out, "\nYaw: {:.1f} deg\nPitch: {:.1f} deg\nRoll: {:.1f} deg", yaw, pitch, roll);
   }
   overlay->SetText(2, fmt::to_string(text).c_str());
 }
@@ -1079,9 +1077,8 @@ void VXQuadView::updateVolumeAnnotation()
         ijk[a] = std::llround((c[a] - origin[a]) / spacing[a]);
         inside = inside && ijk[a] >= 0 && ijk[a] < dims[a];
       }
-      const vtkIdType id =
-        static_cast<vtkIdType>((static_cast<long long>(dims[1]) * ijk[2] + ijk[1]) * dims[0] +
-                               ijk[0]);
+      const vtkIdType id = static_cast<vtkIdType>(
+        (static_cast<long long>(dims[1]) * ijk[2] + ijk[1]) * dims[0] + ijk[0]);
       if (inside && id < array->GetNumberOfTuples())
       {
         const int count = array->GetNumberOfComponents();
@@ -1232,10 +1229,10 @@ void VXQuadView::initializeScalarBars()
 {
   if (d->controls.m_LookupTable == nullptr)
     return;
-  const std::array<vtkRenderWindowInteractor*, 4> interactors{
-    d->paneWidgets[0]->interactor(), d->paneWidgets[1]->interactor(),
-    d->paneWidgets[2]->interactor(), d->view3D->interactor()
-  };
+  const std::array<vtkRenderWindowInteractor*, 4> interactors{ d->paneWidgets[0]->interactor(),
+                                                               d->paneWidgets[1]->interactor(),
+                                                               d->paneWidgets[2]->interactor(),
+                                                               d->view3D->interactor() };
   for (int k = 0; k < 4; ++k)
   {
     auto widget = vtkSmartPointer<vtkScalarBarWidget>::New();
@@ -1469,10 +1466,10 @@ const VXQuadViewControls& VXQuadView::getControls() const
 void VXQuadView::getTrueDataRange(double& min, double& max) const
 {
   double range[2] = { 0.0, 1.0 };
-  vtkDataArray* array = d->image != nullptr
-                          ? d->image->GetPointData()->GetArray(
-                              d->controls.m_ActiveArray.toUtf8().constData())
-                          : nullptr;
+  vtkDataArray* array =
+    d->image != nullptr
+      ? d->image->GetPointData()->GetArray(d->controls.m_ActiveArray.toUtf8().constData())
+      : nullptr;
   if (array != nullptr)
   {
     const int count = array->GetNumberOfComponents();
@@ -1601,8 +1598,7 @@ void VXQuadView::onArrayChanged(QString arrayName)
   {
     if (bar == nullptr)
       continue;
-    bar->GetScalarBarActor()->SetLookupTable(
-      d->controls.m_LookupTable->getColorTransferFunction());
+    bar->GetScalarBarActor()->SetLookupTable(d->controls.m_LookupTable->getColorTransferFunction());
     bar->GetScalarBarActor()->SetTitle(arrayName.toStdString().c_str());
   }
   Q_EMIT componentListChanged(getComponentNames(arrayName), d->controls.m_ActiveComponent);
@@ -1837,8 +1833,7 @@ QImage VXQuadView::captureAllPanesComposite(bool transparent, const QColor& back
   const int w1 = std::max(images[1].width(), images[2].width());
   const int h0 = std::max(images[0].height(), images[1].height());
   const int h1 = std::max(images[3].height(), images[2].height());
-  QImage composite(w0 + w1, h0 + h1,
-                   transparent ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
+  QImage composite(w0 + w1, h0 + h1, transparent ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
   if (transparent)
     composite.fill(Qt::transparent);
   else
@@ -1869,8 +1864,7 @@ void VXQuadView::saveAllPanesScreenshot()
     return;
   const QImage image = captureAllPanesComposite(false, QColor());
   QSaveFile file(fileName);
-  if (image.isNull() || !file.open(QIODevice::WriteOnly) || !image.save(&file) ||
-      !file.commit())
+  if (image.isNull() || !file.open(QIODevice::WriteOnly) || !image.save(&file) || !file.commit())
   {
     Q_EMIT printOutput(
       QStringLiteral("Failed to write composite screenshot to '%1'.").arg(fileName));
@@ -1938,9 +1932,8 @@ void VXQuadView::clearView()
   {
     if (d->snapCallbacks[idx(i)] != nullptr)
     {
-      if (vtkRenderWindowInteractor* interactor = d->paneWidgets[idx(i)] != nullptr
-                                                    ? d->paneWidgets[idx(i)]->interactor()
-                                                    : nullptr)
+      if (vtkRenderWindowInteractor* interactor =
+            d->paneWidgets[idx(i)] != nullptr ? d->paneWidgets[idx(i)]->interactor() : nullptr)
         interactor->RemoveObserver(d->snapCallbacks[idx(i)]);
       d->snapCallbacks[idx(i)]->clear();
       d->snapCallbacks[idx(i)] = nullptr;
@@ -2044,8 +2037,7 @@ vtkImageSlice* VXQuadView::getImageSlice(int slicePane) const
 
 vtkActor* VXQuadView::getPlaneOutlineActor(int slicePane) const
 {
-  return slicePane >= 0 && slicePane < 3 ? d->outlineActors[idx(slicePane)].GetPointer()
-                                         : nullptr;
+  return slicePane >= 0 && slicePane < 3 ? d->outlineActors[idx(slicePane)].GetPointer() : nullptr;
 }
 
 vtkCornerAnnotation* VXQuadView::getCornerAnnotation(int index) const

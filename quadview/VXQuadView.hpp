@@ -225,8 +225,8 @@ Q_SIGNALS:
   void loadGeometryRequested(QString geometryPath, VXQuadView* viewWindow);
   void colorControlsReady(QStringList arrayNames, QSharedPointer<VXLookupTable> lut,
                           vtkSmartPointer<vtkPiecewiseFunction> opacity,
-                          vtkSmartPointer<vtkTable> histogram, QString activeArray,
-                          double trueMin, double trueMax);
+                          vtkSmartPointer<vtkTable> histogram, QString activeArray, double trueMin,
+                          double trueMax);
   void componentListChanged(QStringList componentNames, int activeComponent);
   void histogramUpdated(vtkSmartPointer<vtkTable> histogram, QString arrayName);
   void annotationsTableModelReady(QAbstractTableModel* model);

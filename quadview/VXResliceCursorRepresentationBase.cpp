@@ -439,6 +439,7 @@ void VXResliceCursorRepresentationBase<T>::setObliqueMode(bool on)
   m_Group1Hovered = false;
 }
 
-template class KXVTKLIB_EXPORT VXResliceCursorRepresentationBase<vtkResliceCursorLineRepresentation>;
+template class KXVTKLIB_EXPORT
+  VXResliceCursorRepresentationBase<vtkResliceCursorLineRepresentation>;
 template class KXVTKLIB_EXPORT
   VXResliceCursorRepresentationBase<vtkResliceCursorThickLineRepresentation>;

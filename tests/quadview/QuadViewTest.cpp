@@ -200,8 +200,7 @@ TEST(QuadView, FormPanesAndSharedCursorOverTheHostArray)
   const int cells[4][2] = { { 0, 0 }, { 0, 1 }, { 1, 1 }, { 1, 0 } };
   for (int ui = 0; ui < 4; ++ui)
   {
-    EXPECT_EQ(grid->itemAtPosition(cells[ui][0], cells[ui][1])->widget()->objectName(),
-              names[ui]);
+    EXPECT_EQ(grid->itemAtPosition(cells[ui][0], cells[ui][1])->widget()->objectName(), names[ui]);
     EXPECT_EQ(view.getPaneWidget(ui)->objectName(), names[ui]);
   }
   EXPECT_EQ(view.slicePaneIdxFromUiPaneIdx(1), 1);
@@ -348,8 +347,10 @@ TEST(QuadView, ComponentsMagnitudeAndHistogramCache)
   QSignalSpy components(&view, &VXQuadView::componentListChanged);
   QSignalSpy histograms(&view, &VXQuadView::histogramUpdated);
   // (3, 4, 12) in every voxel: magnitude 13
-  shown.show(hostImage(4, 4, 4, 3, [](int, int, int, int c)
-                       { return c == 0 ? 3.0f : c == 1 ? 4.0f : 12.0f; }, "vec"));
+  shown.show(hostImage(
+    4, 4, 4, 3, [](int, int, int, int c) { return c == 0   ? 3.0f
+                                                  : c == 1 ? 4.0f
+                                                           : 12.0f; }, "vec"));
   ASSERT_EQ(components.count(), 1);
   EXPECT_EQ(components.at(0).at(0).toStringList(),
             QStringList({ "Magnitude", "Component 0", "Component 1", "Component 2" }));
@@ -422,8 +423,7 @@ TEST(QuadView, RangeOpacityAndColourMapSignals)
   EXPECT_NEAR(after[0], low[0], 1e-9);
   EXPECT_NEAR(after[2], low[2], 1e-9);
   view.onColorMapInverted(true); // no change: the map is not flipped back
-  EXPECT_NEAR(view.getLookupTable()->getColorTransferFunction()->GetColor(100.0)[0], low[0],
-              1e-9);
+  EXPECT_NEAR(view.getLookupTable()->getColorTransferFunction()->GetColor(100.0)[0], low[0], 1e-9);
   EXPECT_EQ(modified.count(), 2);
 }
 

@@ -169,8 +169,8 @@ public:
   std::array<double, 3> toWorld(int i, double x, double y)
   {
     vtkRenderer* r = renderer(i);
-    r->SetWorldPoint(cursor()->GetCenter()[0], cursor()->GetCenter()[1],
-                     cursor()->GetCenter()[2], 1.0);
+    r->SetWorldPoint(cursor()->GetCenter()[0], cursor()->GetCenter()[1], cursor()->GetCenter()[2],
+                     1.0);
     r->WorldToDisplay();
     const double depth = r->GetDisplayPoint()[2];
     r->SetDisplayPoint(x, y, depth);

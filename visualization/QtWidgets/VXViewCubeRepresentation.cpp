@@ -7,9 +7,9 @@ vtkStandardNewMacro(VXViewCubeRepresentation);
 namespace
 {
 // red, green and blue, softened a little so that white labels stay readable on them
-constexpr std::array<std::array<double, 3>, 3> k_AxisColors{ { { 0.90, 0.22, 0.22 },
-                                                              { 0.30, 0.76, 0.30 },
-                                                              { 0.25, 0.50, 0.95 } } };
+constexpr std::array<std::array<double, 3>, 3> k_AxisColors{
+  { { 0.90, 0.22, 0.22 }, { 0.30, 0.76, 0.30 }, { 0.25, 0.50, 0.95 } }
+};
 } // namespace
 
 VXViewCubeRepresentation::VXViewCubeRepresentation()
