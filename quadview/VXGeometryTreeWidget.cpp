@@ -6,6 +6,7 @@
 
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QTreeWidget>
+#include <QtWidgets/QTreeWidgetItemIterator>
 #include <QtWidgets/QVBoxLayout>
 
 #include <vtkImageData.h>
@@ -50,8 +51,8 @@ void VXGeometryTreeWidget::setPipelineModel(VXPipelineModel* model)
   if (model != nullptr)
   {
     // a source's output is set after its row appears, so refresh once the event settles
-    auto later = [this]() { QMetaObject::invokeMethod(this, &VXGeometryTreeWidget::refresh,
-                                                      Qt::QueuedConnection); };
+    auto later = [this]()
+    { QMetaObject::invokeMethod(this, &VXGeometryTreeWidget::refresh, Qt::QueuedConnection); };
     m_ModelConnections << connect(model, &QAbstractItemModel::rowsInserted, this, later)
                        << connect(model, &QAbstractItemModel::rowsRemoved, this, later)
                        << connect(model, &QAbstractItemModel::modelReset, this, later)

@@ -23,7 +23,8 @@ public:
   static vtkSnapToClickCallback* New();
   vtkTypeMacro(vtkSnapToClickCallback, vtkCommand);
 
-  /** The pane this command serves: its slice pane index, viewer, cursor widget and shared cursor. */
+  /** The pane this command serves: its slice pane index, viewer, cursor widget and shared cursor.
+   */
   void setPane(int slicePaneIndex, VXResliceImageViewer* viewer, vtkResliceCursorWidget* widget,
                vtkResliceCursor* cursor);
   /** Forgets the pane; Execute then does nothing. */
