@@ -81,6 +81,9 @@ set(KXVTK_INSTALLED_HEADERS
   quadview/VXGeometryTreeWidget.hpp
   quadview/VXQuadView.hpp
   quadview/VXQuadViewControls.hpp
+  quadview/VXQuadViewControlWidget.hpp
+  quadview/VXQuadViewModuleWidget.hpp
+  quadview/VXQuadViewWindow.hpp
   quadview/annotations/SliceGeometry.hpp
   quadview/VXResliceCursorLineRepresentation.hpp
   quadview/VXResliceCursorRepresentationBase.hpp

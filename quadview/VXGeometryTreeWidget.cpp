@@ -6,6 +6,7 @@
 
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QTreeWidget>
+#include <QtWidgets/QTreeWidgetItemIterator>
 #include <QtWidgets/QVBoxLayout>
 
 #include <vtkImageData.h>

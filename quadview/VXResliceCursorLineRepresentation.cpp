@@ -1,8 +1,10 @@
 #include "quadview/VXResliceCursorLineRepresentation.hpp"
 
+#include <vtkDataArray.h>
 #include <vtkImageAlgorithm.h>
 #include <vtkImageData.h>
 #include <vtkObjectFactory.h>
+#include <vtkPointData.h>
 
 vtkStandardNewMacro(VXResliceCursorLineRepresentation);
 

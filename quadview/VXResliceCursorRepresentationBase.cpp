@@ -366,7 +366,7 @@ void VXResliceCursorRepresentationBase<T>::BuildRepresentation()
 {
   T::BuildRepresentation();
   vtkRenderer* renderer = this->Renderer;
-  if (m_ArrowsCreated && renderer != m_ArrowRenderer)
+  if (m_ArrowsCreated && renderer != m_ArrowRenderer.GetPointer())
   {
     removeActorsFromRenderer(m_ArrowRenderer);
     if (renderer != nullptr)
@@ -391,7 +391,7 @@ void VXResliceCursorRepresentationBase<T>::removeActorsFromRenderer(vtkRenderer*
     renderer->RemoveViewProp(m_ArrowOutlineActors[i]);
     renderer->RemoveViewProp(m_ArrowFillActors[i]);
   }
-  if (m_ArrowRenderer == renderer)
+  if (m_ArrowRenderer.GetPointer() == renderer)
     m_ArrowRenderer = nullptr;
 }
 
@@ -439,7 +439,5 @@ void VXResliceCursorRepresentationBase<T>::setObliqueMode(bool on)
   m_Group1Hovered = false;
 }
 
-template class KXVTKLIB_EXPORT
-  VXResliceCursorRepresentationBase<vtkResliceCursorLineRepresentation>;
-template class KXVTKLIB_EXPORT
-  VXResliceCursorRepresentationBase<vtkResliceCursorThickLineRepresentation>;
+template class VXResliceCursorRepresentationBase<vtkResliceCursorLineRepresentation>;
+template class VXResliceCursorRepresentationBase<vtkResliceCursorThickLineRepresentation>;

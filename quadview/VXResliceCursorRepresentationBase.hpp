@@ -92,7 +92,5 @@ private:
   vtkWeakPointer<vtkRenderer> m_ArrowRenderer;
 };
 
-extern template class KXVTKLIB_EXPORT
-  VXResliceCursorRepresentationBase<vtkResliceCursorLineRepresentation>;
-extern template class KXVTKLIB_EXPORT
-  VXResliceCursorRepresentationBase<vtkResliceCursorThickLineRepresentation>;
+extern template class VXResliceCursorRepresentationBase<vtkResliceCursorLineRepresentation>;
+extern template class VXResliceCursorRepresentationBase<vtkResliceCursorThickLineRepresentation>;

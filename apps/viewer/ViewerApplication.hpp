@@ -3,11 +3,13 @@
 #include "ViewerMainWindow.hpp"
 #include "ViewerOptions.hpp"
 
+#include <QtCore/QPointer>
 #include <QtCore/QStringList>
 
 #include <memory>
 
 class ViewRenderHold;
+class VXQuadViewWindow;
 
 /**
  * Runs the viewer's command line: opens the files and the state file in the
@@ -34,6 +36,7 @@ public:
   /** Gives the render area the requested size (the pipeline browser keeps its own width). */
   void fitViewsToRequestedSize();
   ViewerMainWindow* window() const { return m_Window.get(); }
+  VXQuadViewWindow* quadViewWindow() const { return m_QuadViewWindow; }
 
   /** One --filter value, read. */
   struct FilterRequest
@@ -64,6 +67,8 @@ private:
   bool applyFilters();
   /** Shows the slice of --slice in every image slice data view, the camera facing it. */
   bool applySlice();
+  bool openQuadView();
+  bool saveQuadViewScreenshot();
   /** Points every view's camera obliquely at the whole scene. */
   void frameViews();
 
@@ -72,4 +77,5 @@ private:
   std::unique_ptr<ViewRenderHold> m_Hold;
   std::unique_ptr<ViewerMainWindow> m_Window;
   QStringList m_Errors;
+  QPointer<VXQuadViewWindow> m_QuadViewWindow;
 };

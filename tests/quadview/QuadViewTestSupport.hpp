@@ -16,6 +16,7 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QWidget>
 
+#include <vtkCellData.h>
 #include <vtkCommand.h>
 #include <vtkFloatArray.h>
 #include <vtkGenericOpenGLRenderWindow.h>
@@ -31,6 +32,7 @@
 #include <vtkSmartPointer.h>
 
 #include <array>
+#include <functional>
 #include <cmath>
 #include <memory>
 
@@ -59,6 +61,30 @@ inline vtkSmartPointer<vtkImageData> makeQuadViewImage(int nx = 21, int ny = 31,
 }
 
 /**
+ * An image as the host hands it over: @p nx x @p ny x @p nz voxels whose values are the cell
+ * array @p name; @p value gives each component of voxel (i, j, k).
+ */
+inline vtkSmartPointer<vtkImageData> hostCellImage(
+  int nx, int ny, int nz, int components, const std::function<float(int, int, int, int)>& value,
+  const char* name)
+{
+  auto image = vtkSmartPointer<vtkImageData>::New();
+  image->SetDimensions(nx + 1, ny + 1, nz + 1);
+  vtkNew<vtkFloatArray> array;
+  array->SetName(name);
+  array->SetNumberOfComponents(components);
+  array->SetNumberOfTuples(static_cast<vtkIdType>(nx) * ny * nz);
+  vtkIdType id = 0;
+  for (int k = 0; k < nz; ++k)
+    for (int j = 0; j < ny; ++j)
+      for (int i = 0; i < nx; ++i, ++id)
+        for (int c = 0; c < components; ++c)
+          array->SetComponent(id, c, value(i, j, k, c));
+  image->GetCellData()->SetScalars(array);
+  return image;
+}
+
+/**
  * Three slice panes side by side (slice pane index 0 YZ, 1 XZ, 2 XY), each a
  * QVTKOpenGLNativeWidget with a VXResliceImageViewer; the first viewer's
  * cursor is shared by all three, the image style has no window and level,
@@ -83,10 +109,10 @@ public:
       m_Viewers[i] = vtkSmartPointer<VXResliceImageViewer>::New();
       auto window = vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New();
       m_Viewers[i]->SetRenderWindow(window);
-      m_Panes[i]->setRenderWindow(m_Viewers[i]->GetRenderWindow());
+      m_Panes[i]->setRenderWindow(window.Get());
       m_Viewers[i]->SetupInteractor(m_Panes[i]->renderWindow()->GetInteractor());
     }
-    cursor()->SetViewUp(2, 0.0, 1.0, 0.0);
+    cursor()->SetZViewUp(0.0, 1.0, 0.0);
     for (int i = 0; i < 3; ++i)
     {
       VXResliceImageViewer* viewer = m_Viewers[i];
@@ -99,7 +125,7 @@ public:
       m_Styles[i] = vtkSmartPointer<vtkInteractorStyleImageNoWindowLevel>::New();
       interactor(i)->SetInteractorStyle(m_Styles[i]);
       widget(i)->SetEnabled(1);
-      widget(i)->ManageWindowLevelOff();
+      widget(i)->SetManageWindowLevel(0);
       viewer->GetImageActor()->SetVisibility(0);
       installRepresentation(i, false, false);
       m_Snaps[i] = vtkSmartPointer<vtkSnapToClickCallback>::New();
@@ -142,7 +168,7 @@ public:
       m_Viewers[i]->SetResliceMode(oblique ? 1 : 0);
       interactor(i)->SetInteractorStyle(m_Styles[i]);
       widget(i)->SetEnabled(1);
-      widget(i)->ManageWindowLevelOff();
+      widget(i)->SetManageWindowLevel(0);
       m_Viewers[i]->GetImageActor()->SetVisibility(0);
       installRepresentation(i, false, oblique);
     }
