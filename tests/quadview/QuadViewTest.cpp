@@ -31,6 +31,7 @@
 #include <vtkResliceCursor.h>
 #include <vtkResliceCursorLineRepresentation.h>
 #include <vtkResliceCursorWidget.h>
+#include <vtkTable.h>
 #include <vtkXMLImageDataReader.h>
 
 #include <cmath>
