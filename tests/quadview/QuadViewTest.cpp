@@ -12,6 +12,7 @@
 #include <visualization/QtWidgets/VXViewCubeWidget.hpp>
 
 #include <QVTKOpenGLNativeWidget.h>
+#include <QtCore/QElapsedTimer>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QGridLayout>
@@ -25,6 +26,7 @@
 #include <vtkImageData.h>
 #include <vtkImageSlice.h>
 #include <vtkPiecewiseFunction.h>
+#include <vtkPlane.h>
 #include <vtkPointData.h>
 #include <vtkRenderWindow.h>
 #include <vtkRenderer.h>
@@ -38,6 +40,7 @@
 #include <functional>
 #include <numbers>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -112,15 +115,25 @@ public:
     return corner != nullptr && corner->GetText(2) != nullptr ? corner->GetText(2) : "";
   }
 
-  /** The cursor moved by a real event through the cursor widget of slice pane 0. */
+  /**
+   * The cursor back at rest, centred on @p center and turned by @p zDegrees about z,
+   * announced through the cursor widget of slice pane 0 as a drag would be. The
+   * cursor's planes are its truth: its axes are computed from their normals.
+   */
   void setCursor(const double center[3], double zDegrees)
   {
     vtkResliceCursor* cursor = view.getViewer(0)->GetResliceCursor();
-    const double a = zDegrees * std::numbers::pi / 180.0;
-    cursor->SetXAxis(std::cos(a), std::sin(a), 0.0);
-    cursor->SetYAxis(-std::sin(a), std::cos(a), 0.0);
-    cursor->SetZAxis(0.0, 0.0, 1.0);
+    cursor->Reset();
     cursor->SetCenter(center[0], center[1], center[2]);
+    const double a = zDegrees * std::numbers::pi / 180.0;
+    for (int i = 0; i < 2; ++i)
+    {
+      const double* n = cursor->GetPlane(i)->GetNormal();
+      cursor->GetPlane(i)->SetNormal(std::cos(a) * n[0] - std::sin(a) * n[1],
+                                     std::sin(a) * n[0] + std::cos(a) * n[1], n[2]);
+    }
+    cursor->Modified();
+    cursor->Update();
     vtkResliceCursorWidget* widget = view.getViewer(0)->GetResliceCursorWidget();
     widget->InvokeEvent(vtkResliceCursorWidget::ResliceAxesChangedEvent);
     widget->InvokeEvent(vtkCommand::EndInteractionEvent);
@@ -224,7 +237,9 @@ TEST(QuadView, FormPanesAndSharedCursorOverTheHostArray)
     EXPECT_FALSE(view.getViewer(i)->GetImageActor()->GetVisibility());
   }
   EXPECT_NE(view.getVolume(), nullptr);
-  EXPECT_EQ(view.computeSlicePlaneFor(2).axisU, (std::array<double, 3>{ 1.0, 0.0, 0.0 }));
+  // the cursor's stock XZ plane faces -y, so its x axis, the cross product of the y and z
+  // plane normals, points to -x
+  EXPECT_EQ(view.computeSlicePlaneFor(2).axisU, (std::array<double, 3>{ -1.0, 0.0, 0.0 }));
   EXPECT_EQ(view.computeSlicePlaneFor(2).axisV, (std::array<double, 3>{ 0.0, 1.0, 0.0 }));
   EXPECT_EQ(view.computeSlicePlaneFor(3).axisU, (std::array<double, 3>{ 0.0, 0.0, 0.0 }));
 
@@ -316,14 +331,14 @@ TEST(QuadView, OverlayTextsLineByLine)
                               "Physical Size: 50 x 70 mm\n"
                               "Slice: 20\n"
                               "Range Min: 0  Max: 100\n"
-                              "Yaw: 0.0 deg\nPitch: -0.0 deg\nRoll: 0.0 deg");
+                              "Yaw: 180.0 deg\nPitch: -0.0 deg\nRoll: 180.0 deg");
   EXPECT_EQ(shown.overlay(0).substr(0, 34), "Voxel Dims:  {x: 50}  y: 60  z: 70");
   // voxel (10, 20, 30) of the ramp: 100 * 10 / 49
   EXPECT_EQ(shown.overlay(3), "Voxel Dims:  x: 50  y: 60  z: 70\n"
                               "X: 10.5  Y: 20.5  Z: 30.5\n"
                               "values: 20.4082");
   shown.setCursor(center, 30.0);
-  EXPECT_NE(shown.overlay(2).find("Yaw: 30.0 deg"), std::string::npos);
+  EXPECT_NE(shown.overlay(2).find("Yaw: -150.0 deg"), std::string::npos);
 
   // overlays off: the text stays as it was
   view.showAnnotations(false);
@@ -428,25 +443,47 @@ TEST(QuadView, RangeOpacityAndColourMapSignals)
   EXPECT_EQ(modified.count(), 2);
 }
 
-TEST(QuadView, RenderThrottleDrawsOnceNowAndOnceLater)
+TEST(QuadView, RenderThrottleKeepsDrawsApartAndLosesNoCall)
 {
   Shown shown;
   VXQuadView& view = shown.view;
-  shown.show(rampImage(5, 5, 5));
-  QTest::qWait(50);
-  int renders = 0;
+  shown.show(rampImage(2, 2, 2));
+  QTest::qWait(100);
+  std::vector<qint64> draws;
+  QElapsedTimer clock;
+  clock.start();
+  struct Log
+  {
+    std::vector<qint64>* draws;
+    QElapsedTimer* clock;
+  } log{ &draws, &clock };
   vtkNew<vtkCallbackCommand> count;
-  count->SetClientData(&renders);
-  count->SetCallback([](vtkObject*, unsigned long, void* data, void*)
-                     { ++*static_cast<int*>(data); });
+  count->SetClientData(&log);
+  count->SetCallback(
+    [](vtkObject*, unsigned long, void* data, void*)
+    {
+      auto* l = static_cast<Log*>(data);
+      l->draws->push_back(l->clock->elapsed());
+    });
   view.getVolumeRenderWindow()->AddObserver(vtkCommand::StartEvent, count);
 
-  view.render();
-  view.render();
-  view.render();
-  EXPECT_EQ(renders, 1);
+  // calls faster than the pause: draws start at least 33 ms apart, whatever a draw costs
+  qint64 lastCall = 0;
+  for (int k = 0; k < 12; ++k)
+  {
+    lastCall = clock.elapsed();
+    view.render();
+    QTest::qWait(4);
+  }
+  QTest::qWait(150);
+  ASSERT_GE(draws.size(), 2u);
+  for (size_t k = 1; k < draws.size(); ++k)
+    EXPECT_GE(draws[k] - draws[k - 1], VXQuadView::k_ThrottleMs - 2) << "draw " << k;
+  // the last call is drawn, by the deferred timer if need be, and only once
+  EXPECT_GE(draws.back(), lastCall);
+  const size_t settled = draws.size();
   QTest::qWait(100);
-  EXPECT_EQ(renders, 2);
+  EXPECT_EQ(draws.size(), settled);
 }
 
 TEST(QuadViewImage, HydrogenAxisAlignedObliqueAndMaxSlab)
