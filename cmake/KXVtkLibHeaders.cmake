@@ -96,6 +96,7 @@ set(KXVTK_INSTALLED_HEADERS
 )
 
 set(KXVTK_INTERNAL_HEADERS
+  quadview/NormalizedViewport.hpp
   bridge/ComputeRangeFunctor.hpp
   bridge/StructuredGridCellIdFunctor.hpp
   utils/ExecuteVtkDataFunction.hpp

@@ -1,6 +1,7 @@
 #include "quadview/vtkResliceCursorCallback.hpp"
 
 #include "quadview/VXQuadView.hpp"
+#include "quadview/NormalizedViewport.hpp"
 #include "quadview/VXResliceImageViewer.hpp"
 #include "visualization/QtWidgets/VXViewCubeRepresentation.hpp"
 
@@ -19,6 +20,9 @@ vtkStandardNewMacro(vtkResliceCursorCallback);
 
 namespace
 {
+using KXVtk::quadview::clipToUnitSquare;
+using KXVtk::quadview::toNormalizedViewport;
+
 // the two in-plane cursor axes (a < b) of each slice pane
 constexpr int k_InPlaneAxes[3][2] = { { 1, 2 }, { 0, 2 }, { 0, 1 } };
 
@@ -65,41 +69,6 @@ void justify(vtkTextActor* label, Edge edge)
       text->SetVerticalJustificationToBottom();
       break;
   }
-}
-
-// world point to the renderer's normalised viewport coordinates
-std::array<double, 2> toNormalizedViewport(vtkRenderer* renderer, const double p[3])
-{
-  renderer->SetWorldPoint(p[0], p[1], p[2], 1.0);
-  renderer->WorldToDisplay();
-  const double* display = renderer->GetDisplayPoint();
-  const int* origin = renderer->GetOrigin();
-  const int* size = renderer->GetSize();
-  return { (display[0] - origin[0]) / size[0], (display[1] - origin[1]) / size[1] };
-}
-
-// the parameters where c + t d enters and leaves the unit square (slab method)
-bool clipToUnitSquare(const std::array<double, 2>& c, const std::array<double, 2>& d, double& t0,
-                      double& t1)
-{
-  t0 = -1e30;
-  t1 = 1e30;
-  for (int k = 0; k < 2; ++k)
-  {
-    if (std::abs(d[k]) < 1e-10)
-    {
-      if (c[k] < 0.0 || c[k] > 1.0)
-        return false;
-      continue;
-    }
-    double ta = (0.0 - c[k]) / d[k];
-    double tb = (1.0 - c[k]) / d[k];
-    if (ta > tb)
-      std::swap(ta, tb);
-    t0 = std::max(t0, ta);
-    t1 = std::min(t1, tb);
-  }
-  return t0 < t1;
 }
 
 void placeLabel(vtkTextActor* label, double x, double y)
@@ -235,22 +204,23 @@ void vtkResliceCursorCallback::updateEdgeLabels()
     vtkRenderer* renderer = viewer != nullptr ? viewer->GetRenderer() : nullptr;
     if (renderer == nullptr || renderer->GetRenderWindow() == nullptr)
       continue;
-    const int* size = renderer->GetSize();
-    if (size[0] <= 0 || size[1] <= 0)
+    double c[2];
+    if (!toNormalizedViewport(renderer, center, c))
       continue;
-    const auto c = toNormalizedViewport(renderer, center);
     const int along[2] = { k_InPlaneAxes[pane][1], k_InPlaneAxes[pane][0] };
     for (int k = 0; k < 2; ++k)
     {
       double axis[3];
       std::copy_n(rc->GetAxis(along[k]), 3, axis);
       const double tip[3] = { center[0] + axis[0], center[1] + axis[1], center[2] + axis[2] };
-      const auto t = toNormalizedViewport(renderer, tip);
-      std::array<double, 2> d{ t[0] - c[0], t[1] - c[1] };
+      double t[2];
+      toNormalizedViewport(renderer, tip, t);
+      double d[2] = { t[0] - c[0], t[1] - c[1] };
       const double length = std::hypot(d[0], d[1]);
-      if (length < 1e-10)
+      if (length < KXVtk::quadview::k_ParallelEps)
         continue;
-      d = { d[0] / length, d[1] / length };
+      d[0] /= length;
+      d[1] /= length;
       double t0 = 0.0;
       double t1 = 0.0;
       if (!clipToUnitSquare(c, d, t0, t1))

@@ -9,6 +9,7 @@
 
 #include <quadview/VXQuadView.hpp>
 #include <quadview/VXResliceImageViewer.hpp>
+#include <quadview/vtkResliceCursorCallback.hpp>
 #include <visualization/QtWidgets/VXViewCubeWidget.hpp>
 
 #include <QVTKOpenGLNativeWidget.h>
@@ -34,6 +35,7 @@
 #include <vtkResliceCursorLineRepresentation.h>
 #include <vtkResliceCursorWidget.h>
 #include <vtkTable.h>
+#include <vtkTextActor.h>
 #include <vtkXMLImageDataReader.h>
 
 #include <cmath>
@@ -337,13 +339,22 @@ TEST(QuadView, OverlayTextsLineByLine)
   EXPECT_EQ(shown.overlay(3), "Voxel Dims:  x: 50  y: 60  z: 70\n"
                               "X: 10.5  Y: 20.5  Z: 30.5\n"
                               "values: 20.4082");
-  shown.setCursor(center, 30.0);
-  EXPECT_NE(shown.overlay(2).find("Yaw: -150.0 deg"), std::string::npos);
+  // turned 45 degrees: the edge labels follow the crosshair ends and stay inside 0.03..0.97
+  shown.setCursor(center, 45.0);
+  EXPECT_NE(shown.overlay(2).find("Yaw: -135.0 deg"), std::string::npos);
+  for (vtkTextActor* label : view.getResliceCursorCallback()->m_EdgeLabels)
+  {
+    const double* p = label->GetPosition();
+    EXPECT_TRUE(p[0] >= 0.03 && p[0] <= 0.97 && p[1] >= 0.03 && p[1] <= 0.97)
+      << label->GetInput() << " at " << p[0] << ", " << p[1];
+  }
+  EXPECT_GT(std::abs(view.getResliceCursorCallback()->m_EdgeLabels[8]->GetPosition()[1] - 0.5),
+            0.1);
 
   // overlays off: the text stays as it was
   view.showAnnotations(false);
   const double other[3] = { 1.5, 1.5, 1.5 };
-  shown.setCursor(other, 30.0);
+  shown.setCursor(other, 45.0);
   EXPECT_NE(shown.overlay(3).find("X: 10.5"), std::string::npos);
   EXPECT_FALSE(view.getCornerAnnotation(3)->GetVisibility());
 
