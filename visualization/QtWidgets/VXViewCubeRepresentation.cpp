@@ -6,9 +6,10 @@ vtkStandardNewMacro(VXViewCubeRepresentation);
 
 namespace
 {
-// red, green and blue, softened a little so that white labels stay readable on them
+// VTK's own gizmo colours: the cube looks as it always has, and the quad view's plane
+// outlines and crosshair lines take the colour of the axis they stand for
 constexpr std::array<std::array<double, 3>, 3> k_AxisColors{
-  { { 0.90, 0.22, 0.22 }, { 0.30, 0.76, 0.30 }, { 0.25, 0.50, 0.95 } }
+  { { 0.870, 0.254, 0.188 }, { 0.952, 0.752, 0.090 }, { 0.654, 0.823, 0.549 } }
 };
 } // namespace
 
