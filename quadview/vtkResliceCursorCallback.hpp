@@ -15,6 +15,7 @@
 
 class VXQuadView;
 class VXResliceImageViewer;
+class vtkResliceCursor;
 class vtkRenderer;
 
 /**

@@ -36,7 +36,8 @@ TEST(GeometryTree, ListsImageGeometriesOnlyAndNamesTheChosenOneByPath)
   EXPECT_EQ(chooser.treeWidget()->topLevelItemCount(), 0);
 
   kxtest::FakeController run("Run", "run-1");
-  ASSERT_TRUE(pipeline.importPipelineOutput(&run, kxtest::hostResult(1, true)));
+  auto result = kxtest::hostResult(1, true);
+  ASSERT_TRUE(pipeline.importPipelineOutput(&run, result));
   // a surface file brings no image: its bridge stays out of the tree
   vtkNew<vtkPolyData> points;
   vtkNew<vtkPoints> xyz;

@@ -27,6 +27,7 @@
 
 #include <vtkCellData.h>
 #include <vtkFloatArray.h>
+#include <vtkTable.h>
 
 #include <gtest/gtest.h>
 
@@ -145,7 +146,8 @@ TEST(QuadViewWindow, OpensTheChosenGeometryAndLetsItGoWithThePipeline)
   auto* model = new VXPipelineModel(&pipeline, &pipeline);
   pipeline.setActiveViewWidget(&testView);
   kxtest::FakeController run("Run", "run-1");
-  ASSERT_TRUE(pipeline.importPipelineOutput(&run, kxtest::hostResult(1, true)));
+  auto result = kxtest::hostResult(1, true);
+  ASSERT_TRUE(pipeline.importPipelineOutput(&run, result));
 
   VXQuadViewWindow window(model);
   window.resize(1200, 800);
