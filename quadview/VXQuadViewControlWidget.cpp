@@ -200,6 +200,11 @@ void VXQuadViewControlWidget::connectControls()
           });
 }
 
+VXQuadView* VXQuadViewControlWidget::quadView() const
+{
+  return m_View;
+}
+
 void VXQuadViewControlWidget::setQuadView(VXQuadView* view)
 {
   for (const auto& connection : m_ViewConnections)

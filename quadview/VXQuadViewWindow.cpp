@@ -60,6 +60,11 @@ void VXQuadViewWindow::setPipelineModel(VXPipelineModel* model)
                                   m_Module->quadView(), &VXQuadView::onDataSourceRemoved);
 }
 
+VXPipelineModel* VXQuadViewWindow::pipelineModel() const
+{
+  return m_Model;
+}
+
 bool VXQuadViewWindow::openGeometry(VXDataSource* source)
 {
   if (!m_Module->openGeometry(source))

@@ -36,7 +36,6 @@ public:
   /** Gives the render area the requested size (the pipeline browser keeps its own width). */
   void fitViewsToRequestedSize();
   ViewerMainWindow* window() const { return m_Window.get(); }
-  VXQuadViewWindow* quadViewWindow() const { return m_QuadViewWindow; }
 
   /** One --filter value, read. */
   struct FilterRequest

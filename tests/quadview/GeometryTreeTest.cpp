@@ -63,19 +63,26 @@ TEST(GeometryTree, ListsImageGeometriesOnlyAndNamesTheChosenOneByPath)
   VXDataSource* grains = chooser.dataSources().first();
   EXPECT_EQ(VXGeometryTreeWidget::geometryPath(grains), bridge->name() + "/Grains");
 
-  // a double click on the row chooses it
+  // the keyboard walks from the bridge row to the geometry; Enter chooses it
   QSignalSpy chosen(&chooser, &VXGeometryTreeWidget::geometryChosen);
   QSignalSpy current(&chooser, &VXGeometryTreeWidget::currentGeometryChanged);
-  const QRect row = chooser.treeWidget()->visualItemRect(bridgeRow->child(0));
-  QWidget* viewport = chooser.treeWidget()->viewport();
-  QTest::mouseClick(viewport, Qt::LeftButton, {}, row.center());
-  QTest::mouseDClick(viewport, Qt::LeftButton, {}, row.center());
+  QTreeWidget* tree = chooser.treeWidget();
+  tree->setFocus();
+  tree->setCurrentItem(bridgeRow);
+  EXPECT_EQ(chooser.selectedDataSource(), nullptr);
+  QTest::keyClick(tree, Qt::Key_Down);
+  ASSERT_GE(current.count(), 1);
+  EXPECT_EQ(current.last().at(0).value<VXDataSource*>(), grains);
+  EXPECT_EQ(current.last().at(1).toString(), bridge->name() + "/Grains");
+  EXPECT_EQ(chooser.selectedDataSource(), grains);
+  QTest::keyClick(tree, Qt::Key_Return);
   ASSERT_EQ(chosen.count(), 1);
   EXPECT_EQ(chosen.at(0).at(0).value<VXDataSource*>(), grains);
   EXPECT_EQ(chosen.at(0).at(1).toString(), bridge->name() + "/Grains");
-  ASSERT_GE(current.count(), 1);
-  EXPECT_EQ(current.at(0).at(0).value<VXDataSource*>(), grains);
-  EXPECT_EQ(chooser.selectedDataSource(), grains);
+  // and so does a double click on its row
+  QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {},
+                     tree->visualItemRect(bridgeRow->child(0)).center());
+  EXPECT_EQ(chosen.count(), 2);
 
   // removing the image empties the tree
   model->removeItem(model->helperIndex(grains));
