@@ -8,6 +8,7 @@
 
 #include <memory>
 
+class QImage;
 class ViewRenderHold;
 class VXQuadViewWindow;
 
@@ -68,6 +69,8 @@ private:
   bool applySlice();
   bool openQuadView();
   bool saveQuadViewScreenshot();
+  /** Writes the picture to the --screenshot path; false (and a message) when it can't. */
+  bool writeScreenshot(const QImage& image) const;
   /** Points every view's camera obliquely at the whole scene. */
   void frameViews();
 
