@@ -9,6 +9,7 @@
 #include <utils/GuiProcess.hpp>
 
 #include "MedianRecordingReporter.hpp"
+#include "ProcessMemory.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -42,27 +43,11 @@
 
 namespace
 {
+using kxbench::residentMiB;
 constexpr int k_Pane = 400;
 constexpr int k_Rounds = 5;
 constexpr int k_StepsPerRound = 20;
 constexpr int k_DragMoves = 50;
-
-double residentMiB()
-{
-  std::ifstream status("/proc/self/status");
-  std::string key;
-  while (status >> key)
-  {
-    if (key == "VmRSS:")
-    {
-      double kib = 0.0;
-      status >> kib;
-      return kib / 1024.0;
-    }
-    status.ignore(1 << 12, '\n');
-  }
-  return 0.0;
-}
 
 void settle()
 {
@@ -116,9 +101,8 @@ struct LibraryScene
     vtkDataArray* shown = view->getImageData() != nullptr
                             ? view->getImageData()->GetPointData()->GetArray("Density")
                             : nullptr;
-    copiedArrays = (shown != nullptr && shown->GetVoidPointer(0) == density->GetVoidPointer(0))
-                     ? 0
-                     : 1;
+    copiedArrays =
+      (shown != nullptr && shown->GetVoidPointer(0) == density->GetVoidPointer(0)) ? 0 : 1;
   }
   VXResliceImageViewer* viewer(int i) const { return view->getViewer(i); }
 };
@@ -243,7 +227,8 @@ double dragCentre(VXQuadView* view, int* volumeRenders)
   counter->SetClientData(volumeRenders);
   counter->SetCallback([](vtkObject*, unsigned long, void* count, void*)
                        { ++*static_cast<int*>(count); });
-  const unsigned long tag = view->getVolumeRenderWindow()->AddObserver(vtkCommand::EndEvent, counter);
+  const unsigned long tag =
+    view->getVolumeRenderWindow()->AddObserver(vtkCommand::EndEvent, counter);
   QElapsedTimer timer;
   timer.start();
   interactor->SetEventInformation(x0, y0, 0, 0);

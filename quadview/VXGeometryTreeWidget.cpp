@@ -61,6 +61,11 @@ void VXGeometryTreeWidget::setPipelineModel(VXPipelineModel* model)
   refresh();
 }
 
+VXPipelineModel* VXGeometryTreeWidget::pipelineModel() const
+{
+  return m_Model;
+}
+
 bool VXGeometryTreeWidget::isImageGeometry(const VXDataSource* source)
 {
   return source != nullptr && vtkImageData::SafeDownCast(source->getOutput()) != nullptr;

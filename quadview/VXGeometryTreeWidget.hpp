@@ -31,7 +31,7 @@ public:
 
   /** Lists the image geometries of @p model and follows its changes; null empties the tree. */
   void setPipelineModel(VXPipelineModel* model);
-  VXPipelineModel* pipelineModel() const { return m_Model; }
+  VXPipelineModel* pipelineModel() const;
 
   /** The image geometries listed, in the tree's order. */
   QList<VXDataSource*> dataSources() const;

@@ -87,8 +87,8 @@ void VXQuadViewControlWidget::buildForm()
   m_ResliceCheck = addCheck(slices, tr("Oblique Reslice"), "resliceCheck");
   m_ThickCheck = addCheck(slices, tr("Thick Slab"), "thickCheck");
   // indices follow VXQuadView::setBlendMode: 0 minimum, 1 maximum, 2 mean
-  m_BlendCombo = addCombo(slices, tr("Slab Blend"), "blendCombo",
-                          { tr("Minimum"), tr("Maximum"), tr("Mean") });
+  m_BlendCombo =
+    addCombo(slices, tr("Slab Blend"), "blendCombo", { tr("Minimum"), tr("Maximum"), tr("Mean") });
   m_LegendCheck = addCheck(slices, tr("Color Legend"), "colorLegendCheck");
   m_AnnotationsCheck = addCheck(slices, tr("Annotations"), "annotationsCheck");
   m_PlaneWidgetsCheck = addCheck(slices, tr("Plane Outlines in 3D"), "planeWidgetsCheck");
@@ -97,7 +97,8 @@ void VXQuadViewControlWidget::buildForm()
   slices->addRow(tr("Length Units"), m_LengthUnitsEdit);
   m_ResetButton = new QPushButton(tr("Reset"));
   m_ResetButton->setObjectName("resetButton");
-  m_ResetButton->setToolTip(tr("Cursor back to the image centre, cameras and colour window reset."));
+  m_ResetButton->setToolTip(
+    tr("Cursor back to the image centre, cameras and colour window reset."));
   slices->addRow(m_ResetButton);
 
   QFormLayout* volume = section(tr("Volume"));
@@ -110,8 +111,9 @@ void VXQuadViewControlWidget::buildForm()
     addCheck(volume, tr("Light Follows Camera"), "lightFollowsCameraCheck");
   m_SSAOCheck = addCheck(volume, tr("Ambient Occlusion (SSAO)"), "ssaoCheck");
   // indices follow VXQuadView::setVolumeBlendMode: 0 composite, 1 maximum, 2 minimum
-  m_VolumeBlendCombo = addCombo(volume, tr("Blend Mode"), "volumeBlendCombo",
-                                { tr("Composite"), tr("Maximum Intensity"), tr("Minimum Intensity") });
+  m_VolumeBlendCombo =
+    addCombo(volume, tr("Blend Mode"), "volumeBlendCombo",
+             { tr("Composite"), tr("Maximum Intensity"), tr("Minimum Intensity") });
   m_GIReachSpin = addSpin(volume, tr("GI Reach"), "giReachSpin", 1.0, 0.05);
   m_ScatteringSpin = addSpin(volume, tr("Volumetric Scattering"), "scatteringSpin", 1.0, 0.05);
   layout->addStretch(1);
@@ -148,8 +150,7 @@ void VXQuadViewControlWidget::connectControls()
   checkTo(m_AnnotationsCheck, [](VXQuadView* v, bool on) { v->showAnnotations(on); });
   checkTo(m_PlaneWidgetsCheck, [](VXQuadView* v, bool on) { v->showPlaneWidgets(on); });
   checkTo(m_ShadingCheck, [](VXQuadView* v, bool on) { v->setShadingEnabled(on); });
-  checkTo(m_LightFollowsCameraCheck,
-          [](VXQuadView* v, bool on) { v->setLightFollowsCamera(on); });
+  checkTo(m_LightFollowsCameraCheck, [](VXQuadView* v, bool on) { v->setLightFollowsCamera(on); });
   checkTo(m_SSAOCheck, [](VXQuadView* v, bool on) { v->setSSAOEnabled(on); });
 
   const auto spinTo = [this, view](QDoubleSpinBox* spin, void (VXQuadView::*slot)(double))
@@ -200,6 +201,11 @@ void VXQuadViewControlWidget::connectControls()
           });
 }
 
+VXQuadView* VXQuadViewControlWidget::quadView() const
+{
+  return m_View;
+}
+
 void VXQuadViewControlWidget::setQuadView(VXQuadView* view)
 {
   for (const auto& connection : m_ViewConnections)
@@ -238,11 +244,23 @@ void VXQuadViewControlWidget::syncFromControls()
   if (m_View == nullptr)
     return;
   const VXQuadViewControls& controls = m_View->getControls();
-  const QList<QWidget*> all = { m_ResliceCheck, m_ThickCheck, m_BlendCombo, m_LegendCheck,
-                                m_AnnotationsCheck, m_PlaneWidgetsCheck, m_LengthUnitsEdit,
-                                m_ShadingCheck, m_AmbientSpin, m_DiffuseSpin, m_SpecularSpin,
-                                m_SpecularPowerSpin, m_LightFollowsCameraCheck, m_SSAOCheck,
-                                m_VolumeBlendCombo, m_GIReachSpin, m_ScatteringSpin };
+  const QList<QWidget*> all = { m_ResliceCheck,
+                                m_ThickCheck,
+                                m_BlendCombo,
+                                m_LegendCheck,
+                                m_AnnotationsCheck,
+                                m_PlaneWidgetsCheck,
+                                m_LengthUnitsEdit,
+                                m_ShadingCheck,
+                                m_AmbientSpin,
+                                m_DiffuseSpin,
+                                m_SpecularSpin,
+                                m_SpecularPowerSpin,
+                                m_LightFollowsCameraCheck,
+                                m_SSAOCheck,
+                                m_VolumeBlendCombo,
+                                m_GIReachSpin,
+                                m_ScatteringSpin };
   for (QWidget* widget : all)
     widget->blockSignals(true);
   m_ResliceCheck->setChecked(controls.m_ResliceMode);
@@ -278,7 +296,8 @@ void VXQuadViewControlWidget::onColorControlsReady(QStringList arrayNames,
     m_ArrayCombo->addItems(arrayNames);
     m_ArrayCombo->setCurrentIndex(std::max(0, static_cast<int>(arrayNames.indexOf(activeArray))));
   }
-  m_OpacityEditor->setFunctions(opacity, lut != nullptr ? lut->getColorTransferFunction() : nullptr);
+  m_OpacityEditor->setFunctions(opacity,
+                                lut != nullptr ? lut->getColorTransferFunction() : nullptr);
   onHistogramUpdated(histogram);
   syncFromControls();
 }
@@ -293,7 +312,8 @@ void VXQuadViewControlWidget::onComponentListChanged(QStringList componentNames,
   int row = activeComponent;
   if (componentNames.size() > 1)
     row = activeComponent < 0 ? 0 : activeComponent + 1;
-  m_ComponentCombo->setCurrentIndex(std::clamp(row, 0, std::max(0, int(componentNames.size()) - 1)));
+  m_ComponentCombo->setCurrentIndex(
+    std::clamp(row, 0, std::max(0, int(componentNames.size()) - 1)));
   m_ComponentCombo->setEnabled(componentNames.size() > 1);
 }
 

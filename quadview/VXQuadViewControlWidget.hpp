@@ -39,7 +39,7 @@ public:
 
   /** Drives @p view from now on and shows its settings; null detaches. */
   void setQuadView(VXQuadView* view);
-  VXQuadView* quadView() const { return m_View; }
+  VXQuadView* quadView() const;
 
   VXHistogramOpacityWidget* opacityEditor() const { return m_OpacityEditor; }
 

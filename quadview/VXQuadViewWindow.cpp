@@ -42,7 +42,8 @@ VXQuadViewWindow::~VXQuadViewWindow()
 void VXQuadViewWindow::createMenus()
 {
   QMenu* file = menuBar()->addMenu("&File");
-  QAction* open = file->addAction("&Open Image Geometry...", this, &VXQuadViewWindow::chooseGeometry);
+  QAction* open =
+    file->addAction("&Open Image Geometry...", this, &VXQuadViewWindow::chooseGeometry);
   open->setObjectName("openGeometryAction");
   VXQuadView* view = m_Module->quadView();
   file->addAction("Save Screenshot of &All Panes...", view, &VXQuadView::saveAllPanesScreenshot);
@@ -60,12 +61,17 @@ void VXQuadViewWindow::setPipelineModel(VXPipelineModel* model)
                                   m_Module->quadView(), &VXQuadView::onDataSourceRemoved);
 }
 
+VXPipelineModel* VXQuadViewWindow::pipelineModel() const
+{
+  return m_Model;
+}
+
 bool VXQuadViewWindow::openGeometry(VXDataSource* source)
 {
   if (!m_Module->openGeometry(source))
   {
-    Q_EMIT printOutput(
-      QString("Quad View: '%1' is no image geometry.").arg(VXGeometryTreeWidget::geometryPath(source)));
+    Q_EMIT printOutput(QString("Quad View: '%1' is no image geometry.")
+                         .arg(VXGeometryTreeWidget::geometryPath(source)));
     return false;
   }
   setWindowTitle("Quad View - " + VXGeometryTreeWidget::geometryPath(source));

@@ -27,7 +27,7 @@ public:
 
   /** The pipeline whose image geometries the window opens. */
   void setPipelineModel(VXPipelineModel* model);
-  VXPipelineModel* pipelineModel() const { return m_Model; }
+  VXPipelineModel* pipelineModel() const;
   VXQuadViewModuleWidget* moduleWidget() const { return m_Module; }
 
   /** Shows @p source's image; false when its output is no image geometry. */

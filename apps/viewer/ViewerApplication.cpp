@@ -238,17 +238,7 @@ bool ViewerApplication::saveQuadViewScreenshot()
     m_QuadViewWindow->resize(m_QuadViewWindow->size() + delta);
   }
   settle();
-  const QImage image = view->captureAllPanesComposite(false, QColor());
-  QSaveFile file(m_Options.screenshotPath);
-  if (image.isNull() || !file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") ||
-      !file.commit())
-  {
-    std::fprintf(stderr, "kxvtk-viewer: failed to write '%s'\n",
-                 qPrintable(m_Options.screenshotPath));
-    return false;
-  }
-  std::printf("%s\n", qPrintable(m_Options.screenshotPath));
-  return true;
+  return writeScreenshot(view->captureAllPanesComposite(false, QColor()));
 }
 
 bool ViewerApplication::applySlice()
@@ -728,7 +718,11 @@ bool ViewerApplication::saveScreenshot()
   // would the frame that puts the view back on screen after it
   if (m_Hold != nullptr)
     m_Hold->allowOneFrame();
-  const QImage image = m_Window->module()->grabAllViewsImage();
+  return writeScreenshot(m_Window->module()->grabAllViewsImage());
+}
+
+bool ViewerApplication::writeScreenshot(const QImage& image) const
+{
   QSaveFile file(m_Options.screenshotPath);
   if (image.isNull() || !file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") ||
       !file.commit())

@@ -8,6 +8,7 @@
 
 #include <memory>
 
+class QImage;
 class ViewRenderHold;
 class VXQuadViewWindow;
 
@@ -36,7 +37,6 @@ public:
   /** Gives the render area the requested size (the pipeline browser keeps its own width). */
   void fitViewsToRequestedSize();
   ViewerMainWindow* window() const { return m_Window.get(); }
-  VXQuadViewWindow* quadViewWindow() const { return m_QuadViewWindow; }
 
   /** One --filter value, read. */
   struct FilterRequest
@@ -69,6 +69,8 @@ private:
   bool applySlice();
   bool openQuadView();
   bool saveQuadViewScreenshot();
+  /** Writes the picture to the --screenshot path; false (and a message) when it can't. */
+  bool writeScreenshot(const QImage& image) const;
   /** Points every view's camera obliquely at the whole scene. */
   void frameViews();
 

@@ -9,7 +9,6 @@
 #include <visualization/VXPipeline.hpp>
 #include <visualization/VXPipelineModel.hpp>
 
-#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QTreeWidget>
 
@@ -19,6 +18,8 @@
 #include <vtkXMLPolyDataWriter.h>
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 TEST(GeometryTree, ListsImageGeometriesOnlyAndNamesTheChosenOneByPath)
 {
@@ -63,19 +64,33 @@ TEST(GeometryTree, ListsImageGeometriesOnlyAndNamesTheChosenOneByPath)
   VXDataSource* grains = chooser.dataSources().first();
   EXPECT_EQ(VXGeometryTreeWidget::geometryPath(grains), bridge->name() + "/Grains");
 
-  // a double click on the row chooses it
-  QSignalSpy chosen(&chooser, &VXGeometryTreeWidget::geometryChosen);
-  QSignalSpy current(&chooser, &VXGeometryTreeWidget::currentGeometryChanged);
-  const QRect row = chooser.treeWidget()->visualItemRect(bridgeRow->child(0));
-  QWidget* viewport = chooser.treeWidget()->viewport();
-  QTest::mouseClick(viewport, Qt::LeftButton, {}, row.center());
-  QTest::mouseDClick(viewport, Qt::LeftButton, {}, row.center());
-  ASSERT_EQ(chosen.count(), 1);
-  EXPECT_EQ(chosen.at(0).at(0).value<VXDataSource*>(), grains);
-  EXPECT_EQ(chosen.at(0).at(1).toString(), bridge->name() + "/Grains");
+  // the keyboard walks from the bridge row to the geometry; Enter chooses it
+  QList<std::pair<VXDataSource*, QString>> chosen;
+  QList<std::pair<VXDataSource*, QString>> current;
+  QObject::connect(&chooser, &VXGeometryTreeWidget::geometryChosen,
+                   [&chosen](VXDataSource* source, const QString& path)
+                   { chosen.append({ source, path }); });
+  QObject::connect(&chooser, &VXGeometryTreeWidget::currentGeometryChanged,
+                   [&current](VXDataSource* source, const QString& path)
+                   { current.append({ source, path }); });
+  QTreeWidget* tree = chooser.treeWidget();
+  tree->setFocus();
+  tree->setCurrentItem(bridgeRow);
+  EXPECT_EQ(chooser.selectedDataSource(), nullptr);
+  QTest::keyClick(tree, Qt::Key_Down);
   ASSERT_GE(current.count(), 1);
-  EXPECT_EQ(current.at(0).at(0).value<VXDataSource*>(), grains);
+  EXPECT_EQ(current.last().first, grains);
+  EXPECT_EQ(current.last().second, bridge->name() + "/Grains");
   EXPECT_EQ(chooser.selectedDataSource(), grains);
+  QTest::keyClick(tree, Qt::Key_Return);
+  ASSERT_EQ(chosen.count(), 1);
+  EXPECT_EQ(chosen.at(0).first, grains);
+  EXPECT_EQ(chosen.at(0).second, bridge->name() + "/Grains");
+  // and so does a double click on its row
+  const QPoint onRow = tree->visualItemRect(bridgeRow->child(0)).center();
+  QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, onRow);
+  QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, onRow);
+  EXPECT_EQ(chosen.count(), 2);
 
   // removing the image empties the tree
   model->removeItem(model->helperIndex(grains));

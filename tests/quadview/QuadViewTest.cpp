@@ -31,6 +31,7 @@
 #include <vtkPointData.h>
 #include <vtkRenderWindow.h>
 #include <vtkRenderer.h>
+#include <vtkTable.h>
 #include <vtkResliceCursor.h>
 #include <vtkResliceCursorLineRepresentation.h>
 #include <vtkResliceCursorWidget.h>

@@ -148,8 +148,8 @@ TEST(ResliceCursor, DragsStayInsideTheImageAndLinesMoveAlongTheirNormal)
   trio.renderAll();
   const double onVertical[3] = { imageCenter[0], imageCenter[1] + 12.0, imageCenter[2] };
   auto from = trio.toDisplay(k_XY, onVertical);
-  auto target = trio.toWorld(k_XY, from[0] + 30, from[1] + 40);
-  kxtest::drag(trio.interactor(k_XY), from[0], from[1], from[0] + 30, from[1] + 40);
+  auto target = trio.toWorld(k_XY, from[0] + 10, from[1] + 40);
+  kxtest::drag(trio.interactor(k_XY), from[0], from[1], from[0] + 10, from[1] + 40);
   auto center = centerOf(trio.cursor());
   EXPECT_NEAR(center[0], target[0], 1e-6);
   EXPECT_GT(center[0], imageCenter[0] + 1.0);
