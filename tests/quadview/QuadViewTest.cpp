@@ -498,25 +498,35 @@ TEST(QuadView, RenderThrottleKeepsDrawsApartAndLosesNoCall)
   EXPECT_EQ(draws.size(), settled);
 }
 
-TEST(QuadViewImage, HydrogenAxisAlignedObliqueAndMaxSlab)
+/**
+ * Pictures of all panes as shown, then oblique with the cursor turned 30 degrees about z
+ * at @p center, then back to axis aligned as a slab of @p thickness with max blend.
+ */
+static void compareThreeModes(Shown& shown, const std::string& prefix, const double center[3],
+                              double thickness)
 {
-  Shown shown;
   VXQuadView& view = shown.view;
-  shown.show(hydrogenAsHostImage());
-  view.showPlaneWidgets(true);
-  kxtest::CompareWithBaseline(shown.picture(), "quadview", "hydrogen_axis_aligned");
+  kxtest::CompareWithBaseline(shown.picture(), "quadview", prefix + "_axis_aligned");
 
   view.resliceMode(1);
-  const double center[3] = { 31.5, 31.5, 31.5 };
   shown.setCursor(center, 30.0);
-  kxtest::CompareWithBaseline(shown.picture(), "quadview", "hydrogen_oblique");
+  kxtest::CompareWithBaseline(shown.picture(), "quadview", prefix + "_oblique");
 
   view.resliceMode(0);
   view.resetViews();
-  view.getViewer(0)->GetResliceCursor()->SetThickness(8.0, 8.0, 8.0);
+  view.getViewer(0)->GetResliceCursor()->SetThickness(thickness, thickness, thickness);
   view.thickMode(1);
   view.setBlendMode(1);
-  kxtest::CompareWithBaseline(shown.picture(), "quadview", "hydrogen_max_slab");
+  kxtest::CompareWithBaseline(shown.picture(), "quadview", prefix + "_max_slab");
+}
+
+TEST(QuadViewImage, HydrogenAxisAlignedObliqueAndMaxSlab)
+{
+  Shown shown;
+  shown.show(hydrogenAsHostImage());
+  shown.view.showPlaneWidgets(true);
+  const double center[3] = { 31.5, 31.5, 31.5 };
+  compareThreeModes(shown, "hydrogen", center, 8.0);
 }
 
 TEST(QuadViewImage, SampleAxisAlignedObliqueAndMaxSlab)
@@ -528,21 +538,9 @@ TEST(QuadViewImage, SampleAxisAlignedObliqueAndMaxSlab)
     scene.import(kxtest::writeSample(dir, "sample.voxelia", 24), "Microstructure");
   ASSERT_NE(source, nullptr);
   Shown shown;
-  VXQuadView& view = shown.view;
   shown.show(vtkImageData::SafeDownCast(source->getOutput()), source);
-  ASSERT_TRUE(view.isInitialized());
-  view.onArrayChanged("FeatureIds");
-  kxtest::CompareWithBaseline(shown.picture(), "quadview", "sample_axis_aligned");
-
-  view.resliceMode(1);
+  ASSERT_TRUE(shown.view.isInitialized());
+  shown.view.onArrayChanged("FeatureIds");
   const double center[3] = { 12.0, 12.0, 12.0 };
-  shown.setCursor(center, 30.0);
-  kxtest::CompareWithBaseline(shown.picture(), "quadview", "sample_oblique");
-
-  view.resliceMode(0);
-  view.resetViews();
-  view.getViewer(0)->GetResliceCursor()->SetThickness(4.0, 4.0, 4.0);
-  view.thickMode(1);
-  view.setBlendMode(1);
-  kxtest::CompareWithBaseline(shown.picture(), "quadview", "sample_max_slab");
+  compareThreeModes(shown, "sample", center, 4.0);
 }
