@@ -13,6 +13,7 @@
 
 #include "HostVolume.hpp"
 #include "MedianRecordingReporter.hpp"
+#include "ProcessMemory.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -39,28 +40,11 @@
 
 namespace
 {
+using kxbench::residentMiB;
 constexpr int k_Side = kxbench::k_VolumeSide;
 constexpr int k_Size = 600;
 constexpr int k_Rounds = 9;
 constexpr int k_FramesPerRound = 3;
-
-/** The resident memory of this process in MiB. */
-double residentMiB()
-{
-  std::ifstream status("/proc/self/status");
-  std::string key;
-  while (status >> key)
-  {
-    if (key == "VmRSS:")
-    {
-      double kib = 0.0;
-      status >> kib;
-      return kib / 1024.0;
-    }
-    status.ignore(1 << 12, '\n');
-  }
-  return 0.0;
-}
 
 using kxbench::BenchController;
 using kxbench::BenchView;

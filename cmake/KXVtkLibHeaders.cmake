@@ -72,15 +72,32 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/QtWidgets/VXPickerCallback.hpp
   visualization/QtWidgets/VXScreenshotOptionsDialog.hpp
   visualization/QtWidgets/VXViewActionsController.hpp
+  visualization/QtWidgets/VXViewCubeRepresentation.hpp
   visualization/QtWidgets/VXViewCubeWidget.hpp
   visualization/QtWidgets/VXViewGridWidget.hpp
   visualization/QtWidgets/VXViewWidget.hpp
   visualization/QtWidgets/VXVisualizationModuleWidget.hpp
   visualization/QtWidgets/VXVisualizationToolbarWidget.hpp
   visualization/QtWidgets/VXVisualizationWidget.hpp
+  quadview/VXGeometryTreeWidget.hpp
+  quadview/VXQuadView.hpp
+  quadview/VXQuadViewControls.hpp
+  quadview/VXQuadViewControlWidget.hpp
+  quadview/VXQuadViewModuleWidget.hpp
+  quadview/VXQuadViewWindow.hpp
+  quadview/annotations/SliceGeometry.hpp
+  quadview/VXResliceCursorLineRepresentation.hpp
+  quadview/VXResliceCursorRepresentationBase.hpp
+  quadview/VXResliceCursorRepresentationCommon.hpp
+  quadview/VXResliceCursorThickLineRepresentation.hpp
+  quadview/VXResliceImageViewer.hpp
+  quadview/vtkInteractorStyleImageNoWindowLevel.hpp
+  quadview/vtkResliceCursorCallback.hpp
+  quadview/vtkSnapToClickCallback.hpp
 )
 
 set(KXVTK_INTERNAL_HEADERS
+  quadview/NormalizedViewport.hpp
   bridge/ComputeRangeFunctor.hpp
   bridge/StructuredGridCellIdFunctor.hpp
   utils/ExecuteVtkDataFunction.hpp

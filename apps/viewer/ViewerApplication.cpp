@@ -2,6 +2,9 @@
 
 #include "ViewRenderHold.hpp"
 
+#include <quadview/VXQuadView.hpp>
+#include <quadview/VXQuadViewModuleWidget.hpp>
+#include <quadview/VXQuadViewWindow.hpp>
 #include <visualization/QtWidgets/VXAbstractViewWidget.hpp>
 #include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/QtWidgets/VXViewGridWidget.hpp>
@@ -35,6 +38,7 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
+#include <QtWidgets/QLayout>
 #include <QtGui/QImage>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QPushButton>
@@ -202,7 +206,39 @@ bool ViewerApplication::load()
   // a state file brings its own cameras; otherwise an oblique view shows three faces of a volume
   if (m_Options.stateFile.isEmpty())
     frameViews();
-  return applySlice();
+  return applySlice() && openQuadView();
+}
+
+bool ViewerApplication::openQuadView()
+{
+  if (!m_Options.quadView)
+    return true;
+  m_QuadViewWindow = m_Window->openQuadView();
+  if (m_QuadViewWindow == nullptr)
+  {
+    std::fprintf(stderr, "kxvtk-viewer: --quad-view: no image geometry in the files given\n");
+    return false;
+  }
+  settle();
+  return true;
+}
+
+bool ViewerApplication::saveQuadViewScreenshot()
+{
+  VXQuadView* view = m_QuadViewWindow->moduleWidget()->quadView();
+  // the composite leaves out the grid's spacing between the panes
+  const int spacing = view->layout() != nullptr ? view->layout()->spacing() : 0;
+  const QSize target = m_Options.size + QSize(spacing, spacing);
+  for (int attempt = 0; attempt < 3; ++attempt)
+  {
+    settle();
+    const QSize delta = target - view->size();
+    if (delta.isNull())
+      break;
+    m_QuadViewWindow->resize(m_QuadViewWindow->size() + delta);
+  }
+  settle();
+  return writeScreenshot(view->captureAllPanesComposite(false, QColor()));
 }
 
 bool ViewerApplication::applySlice()
@@ -674,13 +710,19 @@ void ViewerApplication::showWindow()
 
 bool ViewerApplication::saveScreenshot()
 {
+  if (m_QuadViewWindow != nullptr)
+    return saveQuadViewScreenshot();
   m_Window->show();
   fitViewsToRequestedSize();
   // the capture draws each view itself: a frame before it would be drawn for nobody, and so
   // would the frame that puts the view back on screen after it
   if (m_Hold != nullptr)
     m_Hold->allowOneFrame();
-  const QImage image = m_Window->module()->grabAllViewsImage();
+  return writeScreenshot(m_Window->module()->grabAllViewsImage());
+}
+
+bool ViewerApplication::writeScreenshot(const QImage& image) const
+{
   QSaveFile file(m_Options.screenshotPath);
   if (image.isNull() || !file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") ||
       !file.commit())

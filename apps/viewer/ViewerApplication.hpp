@@ -3,11 +3,14 @@
 #include "ViewerMainWindow.hpp"
 #include "ViewerOptions.hpp"
 
+#include <QtCore/QPointer>
 #include <QtCore/QStringList>
 
 #include <memory>
 
+class QImage;
 class ViewRenderHold;
+class VXQuadViewWindow;
 
 /**
  * Runs the viewer's command line: opens the files and the state file in the
@@ -64,6 +67,10 @@ private:
   bool applyFilters();
   /** Shows the slice of --slice in every image slice data view, the camera facing it. */
   bool applySlice();
+  bool openQuadView();
+  bool saveQuadViewScreenshot();
+  /** Writes the picture to the --screenshot path; false (and a message) when it can't. */
+  bool writeScreenshot(const QImage& image) const;
   /** Points every view's camera obliquely at the whole scene. */
   void frameViews();
 
@@ -72,4 +79,5 @@ private:
   std::unique_ptr<ViewRenderHold> m_Hold;
   std::unique_ptr<ViewerMainWindow> m_Window;
   QStringList m_Errors;
+  QPointer<VXQuadViewWindow> m_QuadViewWindow;
 };

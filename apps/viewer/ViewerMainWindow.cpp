@@ -2,6 +2,8 @@
 
 #include <KXComponents/QtKXSettings.hpp>
 
+#include <quadview/VXGeometryTreeWidget.hpp>
+#include <quadview/VXQuadViewWindow.hpp>
 #include <visualization/FileToVXBridge.hpp>
 #include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/QtWidgets/VXVisualizationModuleWidget.hpp>
@@ -253,6 +255,49 @@ void ViewerMainWindow::createMenus()
   QMenu* host = menuBar()->addMenu("&Host Pipeline");
   host->addAction("&Run Sample Pipeline", this, &ViewerMainWindow::runHostPipeline);
   host->addAction("Run Again with &New Values", this, &ViewerMainWindow::rerunHostPipeline);
+
+  QMenu* quad = menuBar()->addMenu("&Quad View");
+  QAction* openQuad =
+    quad->addAction("Open Image Geometry in &Quad View", this, &ViewerMainWindow::openQuadView);
+  openQuad->setObjectName("openQuadViewAction");
+}
+
+VXQuadViewWindow* ViewerMainWindow::openQuadView()
+{
+  VXPipelineModel* model = m_Module->pipelineModel();
+  auto* source =
+    qobject_cast<VXDataSource*>(model->getCoreObject(m_Module->getInfoWidget()->currentIndex()));
+  if (!VXGeometryTreeWidget::isImageGeometry(source))
+  {
+    source = nullptr;
+    for (VXDataSource* candidate : model->getAllDataSources())
+    {
+      if (VXGeometryTreeWidget::isImageGeometry(candidate))
+      {
+        source = candidate;
+        break;
+      }
+    }
+  }
+  if (source == nullptr)
+  {
+    appendOutput("The quad view shows an image geometry: open an image file or run the host "
+                 "pipeline first.");
+    return nullptr;
+  }
+  if (m_QuadViewWindow == nullptr)
+  {
+    m_QuadViewWindow = new VXQuadViewWindow(model, this);
+    m_QuadViewWindow->setWindowFlag(Qt::Window);
+    m_QuadViewWindow->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_QuadViewWindow, &VXQuadViewWindow::printOutput, this,
+            &ViewerMainWindow::appendOutput);
+  }
+  m_QuadViewWindow->show();
+  if (!m_QuadViewWindow->openGeometry(source))
+    return nullptr;
+  m_QuadViewWindow->raise();
+  return m_QuadViewWindow;
 }
 
 VXFilter* ViewerMainWindow::addFilterToSelection(const QString& typeName)

@@ -5,6 +5,7 @@
 #include <kxcore/DataStructure.hpp>
 #include <visualization/VXRepresentation.hpp>
 
+#include <QtCore/QPointer>
 #include <QtWidgets/QMainWindow>
 
 #include <array>
@@ -16,6 +17,7 @@ class QDockWidget;
 class QPlainTextEdit;
 class VXDataSource;
 class VXFilter;
+class VXQuadViewWindow;
 class VXVisualizationModuleWidget;
 
 /**
@@ -86,6 +88,11 @@ public Q_SLOTS:
    * the output) when nothing that takes a filter is selected.
    */
   VXFilter* addFilterToSelection(const QString& typeName);
+  /**
+   * Opens the quad view window on the image geometry selected in the pipeline browser, or on
+   * the first image geometry loaded; null (and a message) when there is none.
+   */
+  VXQuadViewWindow* openQuadView();
 
 protected:
   /** The first time: the output dock takes a few lines, the module the rest. */
@@ -106,6 +113,7 @@ private:
   std::shared_ptr<kx::core::DataStructure> m_HostData;
   std::uint32_t m_HostRun = 0;
   QDockWidget* m_OutputDock = nullptr;
+  QPointer<VXQuadViewWindow> m_QuadViewWindow;
   bool m_DocksSized = false;
   bool m_GridDataViewBySize = true;
   std::array<VXRepresentation::Type, 9> m_PreviousDefaults{};

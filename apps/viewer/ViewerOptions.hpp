@@ -24,6 +24,9 @@ struct ViewerOptions
   QString slice;
   /** Faces without their cell edges (a voxel surface otherwise shows a moire of edges). */
   bool hideEdges = false;
+  /** Shows the first image geometry in the quad view window; a screenshot is then its four panes.
+   */
+  bool quadView = false;
 
   /** Runs that end by themselves answer every question without a dialog. */
   bool isBatch() const { return !screenshotPath.isEmpty() || !saveStatePath.isEmpty(); }

@@ -3,7 +3,7 @@
 //
 //   kxvtk-viewer [--state FILE] [--save-state FILE] [--screenshot OUT.png] [--size WxH]
 //                [--representation NAME] [--color-by ARRAY] [--filter SPEC]... [--slice DIR:N]
-//                [--no-edges] [--print-frames] FILE...
+//                [--no-edges] [--print-frames] [--quad-view] FILE...
 #include "ViewFrameCounter.hpp"
 #include "ViewerApplication.hpp"
 
@@ -50,8 +50,11 @@ int main(int argc, char** argv)
   const QCommandLineOption noEdges("no-edges", "Draw surfaces without their cell edges.");
   const QCommandLineOption printFrames(
     "print-frames", "Before exiting, print how many frames each view drew (to stderr).");
+  const QCommandLineOption quadView(
+    "quad-view", "Open the first image geometry of the files in the quad view window; with "
+                 "--screenshot, the picture holds its four panes, 2 by 2, of --size in all.");
   parser.addOptions({ state, saveState, screenshot, size, representation, colorBy, filter, slice,
-                      noEdges, printFrames });
+                      noEdges, printFrames, quadView });
   parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "[FILE...]");
   parser.process(app);
 
@@ -65,6 +68,7 @@ int main(int argc, char** argv)
   options.filters = parser.values(filter);
   options.slice = parser.value(slice);
   options.hideEdges = parser.isSet(noEdges);
+  options.quadView = parser.isSet(quadView);
   if (parser.isSet(size))
   {
     const QStringList dims = parser.value(size).split('x');

@@ -5,6 +5,7 @@
 #include "../dataviews/DataViewTestSupport.hpp"
 #include "../module/ModuleTestSupport.hpp"
 
+#include "HostDataSupport.hpp"
 #include "ViewerApplication.hpp"
 #include "ViewerMainWindow.hpp"
 
@@ -250,6 +251,44 @@ TEST_F(ViewerCommandLine, ChosenDataViewIsDrawnOnEveryKindOfDataSet)
     m_Dir);
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_TRUE(run.output.contains("cannot colour by 'Height'")) << run.output.toStdString();
+  EXPECT_FALSE(QFileInfo::exists(never));
+}
+
+TEST_F(ViewerCommandLine, QuadViewScreenshotHoldsItsFourPanesTwoByTwo)
+{
+  const QString sample = qpath(kxtest::writeSample(m_Dir, "grains.voxelia", 16));
+  const QString shot = qpath(m_Dir / "quad.png");
+  ViewerRun run =
+    runViewer({ "--quad-view", "--screenshot", shot, "--size", "400x300", sample }, m_Dir);
+  ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
+  const QImage picture = QImage(shot).convertToFormat(QImage::Format_RGB32);
+  ASSERT_EQ(picture.size(), QSize(400, 300));
+  // each pane is a quarter and each drew the grains in colour
+  for (const QRect quarter : { QRect(0, 0, 200, 150), QRect(200, 0, 200, 150),
+                               QRect(0, 150, 200, 150), QRect(200, 150, 200, 150) })
+  {
+    int coloured = 0;
+    for (int y = quarter.top(); y <= quarter.bottom(); ++y)
+      for (int x = quarter.left(); x <= quarter.right(); ++x)
+      {
+        const QRgb p = picture.pixel(x, y);
+        coloured +=
+          std::max({ qRed(p), qGreen(p), qBlue(p) }) - std::min({ qRed(p), qGreen(p), qBlue(p) }) >
+              60
+            ? 1
+            : 0;
+      }
+    EXPECT_GT(coloured, quarter.width() * quarter.height() / 20)
+      << quarter.x() << "," << quarter.y();
+  }
+
+  // a surface has no image geometry to show
+  const QString never = qpath(m_Dir / "never.png");
+  run =
+    runViewer({ "--quad-view", "--screenshot", never, writeTrianglePlane(m_Dir, false) }, m_Dir);
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_TRUE(run.output.contains("--quad-view: no image geometry in the files given"))
+    << run.output.toStdString();
   EXPECT_FALSE(QFileInfo::exists(never));
 }
 

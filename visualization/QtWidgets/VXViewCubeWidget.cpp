@@ -1,5 +1,7 @@
 #include "visualization/QtWidgets/VXViewCubeWidget.hpp"
 
+#include "visualization/QtWidgets/VXViewCubeRepresentation.hpp"
+
 #include <vtkCameraOrientationRepresentation.h>
 #include <vtkObjectFactory.h>
 
@@ -13,6 +15,12 @@ VXViewCubeWidget::VXViewCubeWidget()
 }
 
 VXViewCubeWidget::~VXViewCubeWidget() = default;
+
+void VXViewCubeWidget::CreateDefaultRepresentation()
+{
+  if (WidgetRep == nullptr)
+    SetRepresentation(vtkSmartPointer<VXViewCubeRepresentation>::New());
+}
 
 void VXViewCubeWidget::setFaceLabels(const QStringList& labels)
 {

@@ -26,6 +26,9 @@ public:
   /** The six handle labels, in the order of setFaceLabels. */
   QStringList faceLabels();
 
+  /** Installs a VXViewCubeRepresentation, which carries the library's axis colours. */
+  void CreateDefaultRepresentation() override;
+
 protected:
   VXViewCubeWidget();
   ~VXViewCubeWidget() override;

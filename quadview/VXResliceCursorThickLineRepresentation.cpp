@@ -1,0 +1,5 @@
+#include "quadview/VXResliceCursorThickLineRepresentation.hpp"
+
+#include <vtkObjectFactory.h>
+
+vtkStandardNewMacro(VXResliceCursorThickLineRepresentation);

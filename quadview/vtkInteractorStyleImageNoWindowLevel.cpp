@@ -1,0 +1,5 @@
+#include "quadview/vtkInteractorStyleImageNoWindowLevel.hpp"
+
+#include <vtkObjectFactory.h>
+
+vtkStandardNewMacro(vtkInteractorStyleImageNoWindowLevel);
