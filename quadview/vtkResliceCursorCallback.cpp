@@ -5,6 +5,7 @@
 #include "quadview/VXResliceImageViewer.hpp"
 #include "visualization/QtWidgets/VXViewCubeRepresentation.hpp"
 
+#include <vtkResliceCursorRepresentation.h>
 #include <vtkCoordinate.h>
 #include <vtkObjectFactory.h>
 #include <vtkPolyDataMapper2D.h>
@@ -260,7 +261,7 @@ void vtkResliceCursorCallback::renderWidgets()
   }
 }
 
-void vtkResliceCursorCallback::Execute(vtkObject* /*caller*/, unsigned long event, void* /*data*/)
+void vtkResliceCursorCallback::Execute(vtkObject* caller, unsigned long event, void* /*data*/)
 {
   if (m_QuadView == nullptr)
     return;
@@ -288,7 +289,18 @@ void vtkResliceCursorCallback::Execute(vtkObject* /*caller*/, unsigned long even
     view->notifyAnnotationsSliceChanged();
   syncSlicePlanes();
   renderWidgets();
-  // during a drag the volume pane, the slow one, waits for the end of the drag
-  if (event != vtkCommand::InteractionEvent && m_VolumeRenderWindow != nullptr)
+  // during a drag the volume pane, the slow one, waits for the end of the drag; VTK's cursor
+  // widget follows each move with ResliceAxesChangedEvent as well, while its representation is
+  // still being manipulated
+  bool dragging = event == vtkCommand::InteractionEvent;
+  if (event == vtkResliceCursorWidget::ResliceAxesChangedEvent)
+  {
+    auto* widget = vtkResliceCursorWidget::SafeDownCast(caller);
+    auto* rep = widget != nullptr
+                  ? vtkResliceCursorRepresentation::SafeDownCast(widget->GetRepresentation())
+                  : nullptr;
+    dragging = rep != nullptr && rep->GetManipulationMode() != vtkResliceCursorRepresentation::None;
+  }
+  if (!dragging && m_VolumeRenderWindow != nullptr)
     m_VolumeRenderWindow->Render();
 }
