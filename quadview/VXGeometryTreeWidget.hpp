@@ -1,6 +1,7 @@
 #pragma once
 
 #include "KXVtkLib_export.h"
+#include "visualization/VXDataSource.hpp" // guarded pointers need the complete type
 
 #include <QtCore/QList>
 #include <QtCore/QMetaObject>
@@ -10,7 +11,6 @@
 
 class QTreeWidget;
 class QTreeWidgetItem;
-class VXDataSource;
 class VXPipelineModel;
 
 /**
