@@ -85,8 +85,7 @@ std::set<double> VXScalarColoring::computeUniqueValues(const QString& arrayName,
   return values;
 }
 
-void VXScalarColoring::applyComponent(vtkScalarsToColors* table, vtkDataArray* array,
-                                      int component)
+void VXScalarColoring::applyComponent(vtkScalarsToColors* table, vtkDataArray* array, int component)
 {
   const int c = component < -1 ? -1 : component;
   const int n = array->GetNumberOfComponents();

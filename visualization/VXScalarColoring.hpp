@@ -166,8 +166,7 @@ protected:
                          m_ColorPresetsDialog->show();
                          m_ColorPresetsDialog->raise();
                        });
-      QObject::connect(m_LUTEditor.data(), &VXLUTEditor::nanColorChanged, view,
-                       &View::setNanColor);
+      QObject::connect(m_LUTEditor.data(), &VXLUTEditor::nanColorChanged, view, &View::setNanColor);
     }
     m_LUTEditor->setLookupTable(m_LookupTable.data(), m_Coloring.activeArray);
     m_LUTEditor->show();
@@ -193,8 +192,8 @@ protected:
                                           choosePreset(nullptr);
                                           coloringRender();
                                         }));
-    connections.append(QObject::connect(source, &VXDataSource::invertColorMap, view,
-                                        &View::setColorMapInverted));
+    connections.append(
+      QObject::connect(source, &VXDataSource::invertColorMap, view, &View::setColorMapInverted));
   }
 
   /** Array, component, presets, range, legend: declared once in VXColoringSettings. */
