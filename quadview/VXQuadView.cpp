@@ -735,6 +735,12 @@ void VXQuadView::resliceMode(int mode)
     renderer->ResetCamera();
     renderer->GetActiveCamera()->SetParallelScale(scales[i]);
   }
+  // a cursor turned before the switch is faced at once
+  if (d->callback != nullptr && d->callback->alignObliqueCameras())
+  {
+    d->callback->invalidateCache();
+    d->callback->syncCrosshair();
+  }
   for (int i = 0; i < 3; ++i)
     installCustomRep(i);
   render();

@@ -3,6 +3,7 @@
 #include <vtkDataArray.h>
 #include <vtkImageAlgorithm.h>
 #include <vtkImageData.h>
+#include <vtkImageMapToColors.h>
 #include <vtkObjectFactory.h>
 #include <vtkPointData.h>
 
@@ -17,4 +18,7 @@ VXResliceCursorLineRepresentation::VXResliceCursorLineRepresentation()
   m_PlaceholderImage->GetPointData()->GetScalars()->Fill(0.0);
   if (Reslice != nullptr)
     Reslice->SetInputDataObject(m_PlaceholderImage);
+  // the stock class wires its colour map to the reslice only when it shows a resliced image,
+  // yet its pipeline still asks the map for information: without an input, each ask is an error
+  ColorMap->SetInputData(m_PlaceholderImage);
 }

@@ -6,7 +6,9 @@
 #include "visualization/QtWidgets/VXViewCubeRepresentation.hpp"
 
 #include <vtkResliceCursorRepresentation.h>
+#include <vtkCamera.h>
 #include <vtkCoordinate.h>
+#include <vtkMath.h>
 #include <vtkObjectFactory.h>
 #include <vtkPolyDataMapper2D.h>
 #include <vtkProperty2D.h>
@@ -236,6 +238,77 @@ void vtkResliceCursorCallback::updateEdgeLabels()
   }
 }
 
+bool vtkResliceCursorCallback::alignObliqueCameras()
+{
+  // Our addition to the stock classes: their oblique mode turns the cursor planes but leaves
+  // each pane's camera where it was, so a turned plane would be seen edge-on or skewed.
+  vtkResliceCursor* rc = cursor();
+  if (rc == nullptr)
+    return false;
+  double center[3];
+  rc->GetCenter(center);
+  bool moved = false;
+  for (int pane = 0; pane < 3; ++pane)
+  {
+    VXResliceImageViewer* viewer = m_Viewers[static_cast<size_t>(pane)];
+    if (viewer == nullptr || viewer->GetResliceMode() != vtkResliceImageViewer::RESLICE_OBLIQUE)
+      continue;
+    vtkRenderer* renderer = viewer->GetRenderer();
+    vtkPlane* plane = rc->GetPlane(pane);
+    if (renderer == nullptr || plane == nullptr)
+      continue;
+    vtkCamera* camera = renderer->GetActiveCamera();
+    double normal[3];
+    plane->GetNormal(normal);
+    if (vtkMath::Normalize(normal) < KXVtk::quadview::k_ParallelEps)
+      continue;
+    double projection[3];
+    camera->GetDirectionOfProjection(projection);
+    const double facing = vtkMath::Dot(projection, normal);
+    // the pane being turned in already faces its plane and keeps pan and roll
+    if (std::abs(facing) >= 1.0 - 1e-9)
+      continue;
+    const double sign = facing < 0.0 ? -1.0 : 1.0;
+
+    // of the two in-plane axes, the one nearest the old view up, so the picture barely rolls
+    double oldUp[3];
+    camera->GetViewUp(oldUp);
+    double up[3] = { 0.0, 0.0, 0.0 };
+    double best = -1.0;
+    for (const int a : k_InPlaneAxes[pane])
+    {
+      double axis[3];
+      std::copy_n(rc->GetAxis(a), 3, axis);
+      const double along = vtkMath::Dot(axis, normal);
+      for (int c = 0; c < 3; ++c)
+        axis[c] -= along * normal[c];
+      if (vtkMath::Normalize(axis) < KXVtk::quadview::k_ParallelEps)
+        continue;
+      const double match = vtkMath::Dot(axis, oldUp);
+      if (std::abs(match) > best)
+      {
+        best = std::abs(match);
+        const double s = match < 0.0 ? -1.0 : 1.0;
+        for (int c = 0; c < 3; ++c)
+          up[c] = s * axis[c];
+      }
+    }
+    if (best < 0.0)
+      continue;
+
+    const double distance = camera->GetDistance();
+    camera->SetFocalPoint(center);
+    camera->SetPosition(center[0] - sign * distance * normal[0],
+                        center[1] - sign * distance * normal[1],
+                        center[2] - sign * distance * normal[2]);
+    camera->SetViewUp(up);
+    camera->OrthogonalizeViewUp();
+    renderer->ResetCameraClippingRange();
+    moved = true;
+  }
+  return moved;
+}
+
 void vtkResliceCursorCallback::syncSlicePlanes()
 {
   vtkResliceCursor* rc = cursor();
@@ -270,6 +343,8 @@ void vtkResliceCursorCallback::Execute(vtkObject* caller, unsigned long event, v
   if (event == vtkCommand::EndInteractionEvent)
   {
     // not through the cache or the throttle: the end of a drag always shows the final state
+    if (alignObliqueCameras())
+      updateEdgeLabels();
     view->restartAnnotationTimer();
     for (int pane = 0; pane < 3; ++pane)
       view->updateAnnotations(pane);
@@ -282,6 +357,9 @@ void vtkResliceCursorCallback::Execute(vtkObject* caller, unsigned long event, v
     return;
   }
 
+  // before the crosshair, whose edge labels are placed through the cameras
+  if (alignObliqueCameras())
+    invalidateCache();
   syncCrosshair();
   view->updateAllAnnotations(false);
   view->updatePlaneOutlines();

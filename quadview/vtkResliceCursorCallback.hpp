@@ -40,6 +40,12 @@ public:
   void syncCrosshair();
   /** Keeps each pane's edge labels at the ends of its crosshair lines, inside 0.03..0.97. */
   void updateEdgeLabels();
+  /**
+   * In oblique mode turns every slice pane's camera that no longer looks along its cursor
+   * plane's normal to face that plane: centred on the cursor, view up the in-plane cursor
+   * axis nearest the old one, distance and parallel scale kept. Returns whether a camera moved.
+   */
+  bool alignObliqueCameras();
   /** Copies the cursor's planes into the quad view's slice planes. */
   void syncSlicePlanes();
   /** Creates slice pane @p pane's two crosshair lines and four edge labels in @p renderer. */

@@ -26,6 +26,7 @@
 #include <vtkImageActor.h>
 #include <vtkImageData.h>
 #include <vtkImageSlice.h>
+#include <vtkMath.h>
 #include <vtkPiecewiseFunction.h>
 #include <vtkPlane.h>
 #include <vtkPointData.h>
@@ -510,6 +511,18 @@ static void compareThreeModes(Shown& shown, const std::string& prefix, const dou
 
   view.resliceMode(1);
   shown.setCursor(center, 30.0);
+  // every pane faces its turned plane; the XZ and YZ panes keep +Z upward
+  vtkResliceCursor* cursor = view.getViewer(0)->GetResliceCursor();
+  for (int i = 0; i < 3; ++i)
+  {
+    vtkCamera* camera = view.getViewer(i)->GetRenderer()->GetActiveCamera();
+    double normal[3];
+    cursor->GetPlane(i)->GetNormal(normal);
+    vtkMath::Normalize(normal);
+    EXPECT_NEAR(std::abs(vtkMath::Dot(camera->GetDirectionOfProjection(), normal)), 1.0, 1e-9)
+      << "pane " << i;
+    EXPECT_NEAR(camera->GetViewUp()[2], i == 2 ? 0.0 : 1.0, 1e-9) << "pane " << i;
+  }
   kxtest::CompareWithBaseline(shown.picture(), "quadview", prefix + "_oblique");
 
   view.resliceMode(0);

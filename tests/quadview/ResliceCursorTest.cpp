@@ -4,7 +4,9 @@
 #include "VXTestSupport.hpp"
 
 #include <vtkActor2D.h>
+#include <vtkCallbackCommand.h>
 #include <vtkImageSlabReslice.h>
+#include <vtkOutputWindow.h>
 #include <vtkPlane.h>
 #include <vtkPoints.h>
 #include <vtkPolyData.h>
@@ -13,6 +15,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 using kxtest::EventCounter;
 using kxtest::ResliceTrio;
@@ -258,9 +262,22 @@ TEST(ResliceCursor, DoubleClickPutsTheCursorOnTheClickedPointInsideTheImage)
 
 TEST(ResliceCursor, ThinCursorReslicesNothingAndThickKeepsTheSlab)
 {
+  // setting up and drawing thin cursors reports no VTK error
+  std::vector<std::string> errors;
+  vtkNew<vtkCallbackCommand> collect;
+  collect->SetClientData(&errors);
+  collect->SetCallback(
+    [](vtkObject*, unsigned long, void* list, void* text)
+    {
+      static_cast<std::vector<std::string>*>(list)->emplace_back(static_cast<const char*>(text));
+    });
+  const unsigned long tag =
+    vtkOutputWindow::GetInstance()->AddObserver(vtkCommand::ErrorEvent, collect);
   auto image = kxtest::makeQuadViewImage();
   ResliceTrio trio(image);
   trio.renderAll();
+  vtkOutputWindow::GetInstance()->RemoveObserver(tag);
+  EXPECT_EQ(errors, std::vector<std::string>{});
   auto* thin = trio.representation(k_XY);
   EXPECT_FALSE(thin->GetShowReslicedImage());
   auto* thinOutput = vtkImageData::SafeDownCast(thin->GetReslice()->GetOutputDataObject(0));
