@@ -2280,8 +2280,9 @@ void VXQuadView::restoreCursor(const nlohmann::json& json)
     bool valid = readNumbers(json, k_CursorAxes, axes, 9);
     for (int a = 0; valid && a < 3; ++a)
     {
-      const double length = std::sqrt(axes[3 * a] * axes[3 * a] + axes[3 * a + 1] * axes[3 * a + 1] +
-                                       axes[3 * a + 2] * axes[3 * a + 2]);
+      const double length =
+        std::sqrt(axes[3 * a] * axes[3 * a] + axes[3 * a + 1] * axes[3 * a + 1] +
+                  axes[3 * a + 2] * axes[3 * a + 2]);
       valid = std::abs(length - 1.0) < 1e-6;
     }
     for (int a = 0; valid && a < 3; ++a)
@@ -2384,9 +2385,9 @@ QMenu* VXQuadView::buildPaneContextMenu(int uiPane, QPoint /*pos*/)
   add(all, QStringLiteral("Copy Screenshot"),
       QStringLiteral("Puts one picture of the four panes on the clipboard."),
       [this]() { copyAllPanesScreenshot(); });
-  const bool allGrids = std::all_of(d->viewActions.begin(), d->viewActions.end(),
-                                    [](VXViewActionsController* c)
-                                    { return c != nullptr && c->gridAxesEnabled(); });
+  const bool allGrids =
+    std::all_of(d->viewActions.begin(), d->viewActions.end(),
+                [](VXViewActionsController* c) { return c != nullptr && c->gridAxesEnabled(); });
   QAction* allGrid = add(all, QStringLiteral("Axes Grid"),
                          QStringLiteral("Shows or hides the axes grid in all four panes."),
                          [this](bool on)

@@ -19,8 +19,8 @@ QString wrongType(const char* key)
 }
 
 // the key's value when present and accepted by @p ok; a present key of a wrong type is reported
-const nlohmann::json* find(const nlohmann::json& json, const char* key, bool (*ok)(const nlohmann::json&),
-                           QStringList& messages)
+const nlohmann::json* find(const nlohmann::json& json, const char* key,
+                           bool (*ok)(const nlohmann::json&), QStringList& messages)
 {
   const auto it = json.find(key);
   if (it == json.end())

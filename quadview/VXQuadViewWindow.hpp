@@ -35,7 +35,8 @@ public:
   /** Opens the pipeline's geometry of that path (bridge name + "/" + source name). */
   bool openGeometryPath(const QString& path);
 
-  /** Writes the view's record (VXQuadView::saveState) to @p path; false, with a message, on failure. */
+  /** Writes the view's record (VXQuadView::saveState) to @p path; false, with a message, on
+   * failure. */
   bool saveStateFile(const QString& path);
   /** Reads a record from @p path and applies it; false, with a message, when it cannot. */
   bool loadStateFile(const QString& path);

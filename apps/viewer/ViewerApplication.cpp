@@ -221,8 +221,7 @@ bool ViewerApplication::openQuadView()
   }
   if (m_Options.isBatch())
   {
-    QObject::connect(m_QuadViewWindow, &VXQuadViewWindow::printOutput,
-                     [](const QString& message)
+    QObject::connect(m_QuadViewWindow, &VXQuadViewWindow::printOutput, [](const QString& message)
                      { std::fprintf(stderr, "%s\n", qPrintable(message)); });
   }
   settle();
@@ -241,8 +240,7 @@ bool ViewerApplication::openQuadView()
 
 bool ViewerApplication::saveQuadState()
 {
-  if (m_QuadViewWindow == nullptr ||
-      !m_QuadViewWindow->saveStateFile(m_Options.saveQuadStatePath))
+  if (m_QuadViewWindow == nullptr || !m_QuadViewWindow->saveStateFile(m_Options.saveQuadStatePath))
   {
     std::fprintf(stderr, "kxvtk-viewer: failed to write quad view state '%s'\n",
                  qPrintable(m_Options.saveQuadStatePath));

@@ -579,8 +579,9 @@ QStringList messagesOf(VXQuadView& view, const std::function<void()>& act)
 
 TEST(QuadViewState, RoundTripGivesTheSamePictureAndRecord)
 {
-  auto image = hostImage(8, 6, 5, 3, [](int i, int j, int k, int c)
-                         { return static_cast<float>((c + 1) * i + 3 * j + k); }, "vec");
+  auto image = hostImage(
+    8, 6, 5, 3,
+    [](int i, int j, int k, int c) { return static_cast<float>((c + 1) * i + 3 * j + k); }, "vec");
   Shown a;
   a.show(image);
   VXQuadView& view = a.view;

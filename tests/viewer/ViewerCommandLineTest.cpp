@@ -342,8 +342,8 @@ TEST_F(ViewerCommandLine, QuadViewRecordIsSavedRestoredAndPictured)
     ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     file.write(QByteArray::fromStdString(record.dump()));
   }
-  run = runViewer({ "--quad-view", "--quad-state", edited, "--save-quad-state", again, sample },
-                  m_Dir);
+  run =
+    runViewer({ "--quad-view", "--quad-state", edited, "--save-quad-state", again, sample }, m_Dir);
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_TRUE(run.output.contains(
     "Could not load Quad View state: geometry 'nowhere' was not loaded by any handler."))

@@ -503,9 +503,9 @@ void VXViewActionsController::restoreState(const nlohmann::json& state)
       camera->SetFocalPoint(v);
     if (readVector3(*cam, "view_up", v))
       camera->SetViewUp(v);
-    if (const auto it = cam->find("parallel_scale");
-        it != cam->end() && it->is_number() && std::isfinite(it->get<double>()) &&
-        it->get<double>() > 0.0)
+    if (const auto it = cam->find("parallel_scale"); it != cam->end() && it->is_number() &&
+                                                     std::isfinite(it->get<double>()) &&
+                                                     it->get<double>() > 0.0)
       camera->SetParallelScale(it->get<double>());
     if (const auto it = cam->find("parallel_projection"); it != cam->end() && it->is_boolean())
       camera->SetParallelProjection(it->get<bool>() ? 1 : 0);
