@@ -156,6 +156,7 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
         array->SetComponent(t, c, static_cast<double>(t * (c + 1)));
     h.quadImage->GetCellData()->AddArray(array);
   }
+  h.quadImage->GetCellData()->SetActiveScalars("values"); // as a host hands an image over
   h.quadView = std::make_unique<VXQuadView>();
   h.quadView->resize(300, 300);
   h.quadView->show();
