@@ -65,6 +65,16 @@
 #include <fmt/format.h>
 
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QMimeData>
+#include <QtCore/QUrl>
+#include <QtGui/QDragEnterEvent>
+#include <QtGui/QDropEvent>
+#include <QtGui/QMouseEvent>
+#include <QtWidgets/QMenu>
 #include <QtCore/QHash>
 #include <QtCore/QPointer>
 #include <QtCore/QSaveFile>
@@ -115,6 +125,7 @@ QVTKOpenGLNativeWidget* makePane(QWidget* parent, const char* name)
   policy.setVerticalStretch(1);
   pane->setSizePolicy(policy);
   pane->setMinimumSize(100, 100);
+  pane->setAcceptDrops(false); // drops go to the quad view itself
   return pane;
 }
 } // namespace
@@ -165,6 +176,10 @@ struct VXQuadView::Internals
   std::array<vtkSmartPointer<vtkImageResliceMapper>, 3> sliceMappers;
   std::array<vtkSmartPointer<vtkImageSlice>, 3> slices;
   std::array<vtkSmartPointer<vtkPlane>, 3> planes;
+  // pane view states of a loaded record, applied again once the new panes reset their cameras
+  std::array<nlohmann::json, 4> pendingViewStates;
+  // counts setGeometry calls, to tell whether anyone answered loadGeometryRequested
+  unsigned geometryLoads = 0;
 
   vtkResliceCursor* cursor() const
   {
@@ -214,6 +229,8 @@ void VXQuadView::buildForm()
   d->gridLayout->addWidget(d->viewXZ, 0, 1);
   d->gridLayout->addWidget(d->viewYZ, 1, 1);
   d->gridLayout->addWidget(d->viewXY, 1, 0);
+  for (QVTKOpenGLNativeWidget* pane : { d->view3D, d->viewXZ, d->viewYZ, d->viewXY })
+    pane->installEventFilter(this);
   for (int k = 0; k < 2; ++k)
   {
     d->gridLayout->setRowStretch(k, 1);
@@ -361,6 +378,7 @@ void VXQuadView::setGeometry(VXDataSource* source, vtkSmartPointer<vtkImageData>
   }
   auto prepared = shrinkToTextureLimit(makeCellCenteredImage(image), textureLimit());
   setupViewer(prepared);
+  ++d->geometryLoads;
   if (source != nullptr)
   {
     if (auto* pipeline = qobject_cast<VXPipeline*>(source->parent()))
@@ -630,6 +648,7 @@ void VXQuadView::setupViewer(vtkImageData* image)
                          viewer->Render();
                        }
                        renderVolumeWindow();
+                       applyPendingViewStates();
                      });
 }
 
@@ -2079,4 +2098,376 @@ VXViewCubeWidget* VXQuadView::getViewCube() const
 vtkResliceCursorCallback* VXQuadView::getResliceCursorCallback() const
 {
   return d->callback;
+}
+
+// ---------------------------------------------------------------------------
+// State
+
+namespace
+{
+constexpr const char* k_CursorCenter = "cursor_center";
+constexpr const char* k_CursorAxes = "cursor_axes";
+
+// @p count finite numbers, or nothing
+bool readNumbers(const nlohmann::json& json, const char* key, double* out, size_t count)
+{
+  const auto it = json.find(key);
+  if (it == json.end() || !it->is_array() || it->size() != count)
+    return false;
+  for (size_t i = 0; i < count; ++i)
+  {
+    if (!(*it)[i].is_number() || !std::isfinite((*it)[i].get<double>()))
+      return false;
+    out[i] = (*it)[i].get<double>();
+  }
+  return true;
+}
+} // namespace
+
+void VXQuadView::saveState(nlohmann::json& json)
+{
+  for (int ui = 0; ui < 4; ++ui)
+  {
+    nlohmann::json& state = d->controls.m_PerPaneViewActionState[idx(ui)];
+    state = nullptr;
+    if (VXViewActionsController* controller = d->viewActions[idx(ui)])
+      controller->saveState(state);
+  }
+  // Annotation controllers serialise each pane here once they exist; until then the texts a
+  // loaded record brought are written back as they came.
+  d->controls.write(json);
+  vtkResliceCursor* cursor = d->initialized ? d->cursor() : nullptr;
+  if (cursor == nullptr)
+    return;
+  const double* c = cursor->GetCenter();
+  json[k_CursorCenter] = { c[0], c[1], c[2] };
+  // the cursor's planes are its truth: their normals are its axes
+  nlohmann::json axes = nlohmann::json::array();
+  for (int i = 0; i < 3; ++i)
+  {
+    const double* normal = cursor->GetPlane(i)->GetNormal();
+    for (int k = 0; k < 3; ++k)
+      axes.push_back(normal[k]);
+  }
+  json[k_CursorAxes] = axes;
+}
+
+bool VXQuadView::loadState(const nlohmann::json& json)
+{
+  QStringList messages;
+  const VXQuadViewControls saved = VXQuadViewControls::read(json, messages);
+  for (const QString& message : messages)
+    Q_EMIT printOutput(message);
+  if (saved.m_GeometryPath.isEmpty())
+    return false;
+  const unsigned loadsBefore = d->geometryLoads;
+  Q_EMIT loadGeometryRequested(saved.m_GeometryPath, this);
+  // a view still showing an earlier geometry does not count: the record is for the one asked
+  if (!d->initialized || d->geometryLoads == loadsBefore)
+  {
+    Q_EMIT printOutput(QStringLiteral("Could not load Quad View state: geometry '%1' was not "
+                                      "loaded by any handler.")
+                         .arg(saved.m_GeometryPath));
+    return false;
+  }
+
+  for (int ui = 0; ui < 4; ++ui)
+  {
+    const nlohmann::json& state = saved.m_PerPaneViewActionState[idx(ui)];
+    if (!state.is_null() && d->viewActions[idx(ui)] != nullptr)
+      d->viewActions[idx(ui)]->restoreState(state);
+  }
+  if (!saved.m_ArrayLookupTables.isEmpty())
+  {
+    d->controls.m_ArrayLookupTables = saved.m_ArrayLookupTables;
+    d->controls.m_ArrayOpacityFunctions = saved.m_ArrayOpacityFunctions;
+  }
+  const QStringList arrays = getAvailableArrayNames();
+  QString array = d->controls.m_ActiveArray;
+  if (arrays.contains(saved.m_ActiveArray))
+    array = saved.m_ActiveArray;
+  else if (!saved.m_ActiveArray.isEmpty())
+    Q_EMIT printOutput(QStringLiteral("Quad View state: array '%1' does not exist; showing '%2'.")
+                         .arg(saved.m_ActiveArray, array));
+  onArrayChanged(array);
+  // the saved table carries its own inversion; the flag only tells which way it stands
+  d->controls.m_ColorMapInverted = saved.m_ColorMapInverted;
+  const int components = d->activeArray != nullptr ? d->activeArray->GetNumberOfComponents() : 0;
+  if (array == saved.m_ActiveArray && saved.m_ActiveComponent != d->controls.m_ActiveComponent)
+  {
+    if (components < 2)
+      d->controls.m_ActiveComponent = saved.m_ActiveComponent; // -1 and 0 both mean the only one
+    else if (saved.m_ActiveComponent >= -1 && saved.m_ActiveComponent < components)
+      onComponentChanged(saved.m_ActiveComponent + 1);
+    else
+      Q_EMIT printOutput(
+        QStringLiteral("Quad View state: array '%1' has no component %2; showing the magnitude.")
+          .arg(array)
+          .arg(saved.m_ActiveComponent));
+  }
+  showColorLegend(saved.m_ShowColorLegend);
+  showAnnotations(saved.m_ShowAnnotations);
+  showPlaneWidgets(saved.m_ShowPlaneWidgets);
+  setLengthUnits(saved.m_LengthUnits);
+  if (saved.m_ResliceMode)
+    resliceMode(2);
+  if (saved.m_ThickMode)
+    thickMode(2);
+  setBlendMode(saved.m_MeanBlend ? 2 : saved.m_MinBlend ? 0 : 1);
+  d->controls.m_ShadingEnabled = saved.m_ShadingEnabled;
+  d->controls.m_Ambient = saved.m_Ambient;
+  d->controls.m_Diffuse = saved.m_Diffuse;
+  d->controls.m_Specular = saved.m_Specular;
+  d->controls.m_SpecularPower = saved.m_SpecularPower;
+  applyShadingToVolumeProperty();
+  setLightFollowsCamera(saved.m_LightFollowsCamera);
+  setSSAOEnabled(saved.m_SSAOEnabled);
+  setVolumeBlendMode(saved.m_VolumeBlendMode);
+  setGIReach(saved.m_GIReach);
+  setVolumetricScattering(saved.m_VolumetricScattering);
+  restoreCursor(json);
+
+  // the modes reset the slice cameras: the saved ones go on last, and again after the new
+  // panes' first reset
+  for (int ui = 0; ui < 4; ++ui)
+  {
+    const nlohmann::json& state = saved.m_PerPaneViewActionState[idx(ui)];
+    if (state.is_null() || d->viewActions[idx(ui)] == nullptr)
+      continue;
+    d->viewActions[idx(ui)]->restoreState(state);
+    d->pendingViewStates[idx(ui)] = state;
+  }
+
+  for (int pane = 0; pane < 3; ++pane)
+  {
+    const QString& text = saved.m_PerPaneAnnotations[idx(pane)];
+    if (text.isEmpty())
+      continue;
+    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
+    if (document.isArray())
+      reconstructAnnotationsForPane(pane, document.array());
+    else
+      Q_EMIT printOutput(
+        QStringLiteral("Quad View state: the annotations of pane %1 are not a JSON array.")
+          .arg(pane));
+  }
+  updateAllAnnotations(true);
+  render();
+  return true;
+}
+
+void VXQuadView::reconstructAnnotationsForPane(int slicePane, const QJsonArray& records)
+{
+  if (slicePane < 0 || slicePane > 2)
+    return;
+  // No annotation layer exists yet to rebuild rulers and marks from the records: they are kept
+  // as they are, so that the next save writes them back unchanged.
+  d->controls.m_PerPaneAnnotations[idx(slicePane)] =
+    QString::fromUtf8(QJsonDocument(records).toJson(QJsonDocument::Compact));
+}
+
+void VXQuadView::restoreCursor(const nlohmann::json& json)
+{
+  vtkResliceCursor* cursor = d->cursor();
+  if (cursor == nullptr || !json.is_object())
+    return;
+  double center[3];
+  double axes[9];
+  const bool hasCenter = json.contains(k_CursorCenter);
+  if (hasCenter && !readNumbers(json, k_CursorCenter, center, 3))
+  {
+    Q_EMIT printOutput(QStringLiteral("Quad View state: '%1' is not three numbers; the cursor "
+                                      "stays where it is.")
+                         .arg(QString::fromLatin1(k_CursorCenter)));
+    return;
+  }
+  if (json.contains(k_CursorAxes))
+  {
+    bool valid = readNumbers(json, k_CursorAxes, axes, 9);
+    for (int a = 0; valid && a < 3; ++a)
+    {
+      const double length =
+        std::sqrt(axes[3 * a] * axes[3 * a] + axes[3 * a + 1] * axes[3 * a + 1] +
+                  axes[3 * a + 2] * axes[3 * a + 2]);
+      valid = std::abs(length - 1.0) < 1e-6;
+    }
+    for (int a = 0; valid && a < 3; ++a)
+    {
+      const int b = (a + 1) % 3;
+      valid = std::abs(axes[3 * a] * axes[3 * b] + axes[3 * a + 1] * axes[3 * b + 1] +
+                       axes[3 * a + 2] * axes[3 * b + 2]) < 1e-6;
+    }
+    if (!valid)
+    {
+      Q_EMIT printOutput(QStringLiteral("Quad View state: '%1' are not three orthogonal unit "
+                                        "axes; the cursor keeps its axes.")
+                           .arg(QString::fromLatin1(k_CursorAxes)));
+    }
+    else
+    {
+      for (int i = 0; i < 3; ++i)
+        cursor->GetPlane(i)->SetNormal(axes + 3 * i);
+    }
+  }
+  if (hasCenter)
+  {
+    const double* bounds = cursorImage()->GetBounds();
+    for (int i = 0; i < 3; ++i)
+      center[i] = std::clamp(center[i], bounds[2 * i], bounds[2 * i + 1]);
+    cursor->SetCenter(center);
+  }
+  cursor->Modified();
+  cursor->Update();
+  for (int i = 0; i < 3; ++i)
+  {
+    d->planes[idx(i)]->SetOrigin(cursor->GetPlane(i)->GetOrigin());
+    d->planes[idx(i)]->SetNormal(cursor->GetPlane(i)->GetNormal());
+  }
+  vtkResliceCursorWidget* widget = d->viewers[0]->GetResliceCursorWidget();
+  widget->InvokeEvent(vtkResliceCursorWidget::ResliceAxesChangedEvent);
+  widget->InvokeEvent(vtkCommand::EndInteractionEvent);
+  updatePlaneOutlines();
+  notifyAnnotationsSliceChanged();
+}
+
+void VXQuadView::applyPendingViewStates()
+{
+  for (int ui = 0; ui < 4; ++ui)
+  {
+    nlohmann::json& state = d->pendingViewStates[idx(ui)];
+    if (!state.is_null() && d->viewActions[idx(ui)] != nullptr)
+      d->viewActions[idx(ui)]->restoreState(state);
+    state = nullptr;
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Pane menu, drag and drop
+
+QMenu* VXQuadView::buildPaneContextMenu(int uiPane, QPoint /*pos*/)
+{
+  VXViewActionsController* controller = getViewActionsController(uiPane);
+  if (controller == nullptr)
+    return nullptr;
+  auto* menu = new QMenu(this);
+  menu->setObjectName(QStringLiteral("quadViewPaneMenu"));
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  menu->setToolTipsVisible(true);
+  // The ruler and mark entries of a slice pane go first once annotation controllers are
+  // attached; without them the menu holds the view entries only.
+
+  auto add = [](QMenu* to, const QString& text, const QString& tip, auto&& slot)
+  {
+    QAction* action = to->addAction(text);
+    action->setToolTip(tip);
+    QObject::connect(action, &QAction::triggered, to, slot);
+    return action;
+  };
+  QMenu* current = menu->addMenu(QStringLiteral("Current View"));
+  current->setToolTipsVisible(true);
+  add(current, QStringLiteral("Save Screenshot ..."),
+      QStringLiteral("Saves a picture of this pane to a file."),
+      [controller]() { controller->saveScreenshot(); });
+  add(current, QStringLiteral("Copy Screenshot"),
+      QStringLiteral("Puts a picture of this pane on the clipboard."),
+      [controller]() { controller->copyScreenshot(); });
+  QAction* grid = add(current, QStringLiteral("Axes Grid"),
+                      QStringLiteral("Shows or hides the axes grid in this pane."),
+                      [controller](bool on) { controller->setGridAxesEnabled(on); });
+  grid->setCheckable(true);
+  grid->setChecked(controller->gridAxesEnabled());
+  add(current, QStringLiteral("Change Background Color"),
+      QStringLiteral("Chooses the background colour of this pane."),
+      [controller]() { controller->changeBackgroundColor(); });
+  add(current, QStringLiteral("Restore Default Background Color"),
+      QStringLiteral("Puts this pane's default background back."),
+      [controller]() { controller->restoreDefaultBackgroundColor(); });
+
+  QMenu* all = menu->addMenu(QStringLiteral("All Views"));
+  all->setToolTipsVisible(true);
+  add(all, QStringLiteral("Save Screenshot ..."),
+      QStringLiteral("Saves one picture of the four panes to a file."),
+      [this]() { saveAllPanesScreenshot(); });
+  add(all, QStringLiteral("Copy Screenshot"),
+      QStringLiteral("Puts one picture of the four panes on the clipboard."),
+      [this]() { copyAllPanesScreenshot(); });
+  const bool allGrids =
+    std::all_of(d->viewActions.begin(), d->viewActions.end(),
+                [](VXViewActionsController* c) { return c != nullptr && c->gridAxesEnabled(); });
+  QAction* allGrid = add(all, QStringLiteral("Axes Grid"),
+                         QStringLiteral("Shows or hides the axes grid in all four panes."),
+                         [this](bool on)
+                         {
+                           for (VXViewActionsController* c : d->viewActions)
+                           {
+                             if (c != nullptr)
+                               c->setGridAxesEnabled(on);
+                           }
+                         });
+  allGrid->setCheckable(true);
+  allGrid->setChecked(allGrids);
+  add(all, QStringLiteral("Change Background Color"),
+      QStringLiteral("Chooses one background colour for all four panes."),
+      [this]() { changeAllPanesBackgroundColor(); });
+  add(all, QStringLiteral("Restore Default Background Color"),
+      QStringLiteral("Puts every pane's default background back."),
+      [this]() { resetAllPanesBackgroundColor(); });
+  return menu;
+}
+
+bool VXQuadView::eventFilter(QObject* watched, QEvent* event)
+{
+  if (event->type() == QEvent::MouseButtonPress)
+  {
+    auto* mouse = static_cast<QMouseEvent*>(event);
+    const std::array<QWidget*, 4> panes{ d->view3D, d->viewXZ, d->viewYZ, d->viewXY };
+    const auto found = std::find(panes.begin(), panes.end(), watched);
+    if (mouse->button() == Qt::RightButton && found != panes.end() && d->initialized)
+    {
+      const QPoint pos = mouse->position().toPoint();
+      if (QMenu* menu = buildPaneContextMenu(static_cast<int>(found - panes.begin()), pos))
+        menu->popup(static_cast<QWidget*>(watched)->mapToGlobal(pos));
+      return true;
+    }
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+void VXQuadView::dragEnterEvent(QDragEnterEvent* event)
+{
+  const QMimeData* mime = event->mimeData();
+  if (mime->hasFormat(QStringLiteral("text/uri-list")) ||
+      mime->hasFormat(QStringLiteral("QuadViewItem")))
+    event->acceptProposedAction();
+}
+
+void VXQuadView::dropEvent(QDropEvent* event)
+{
+  const QMimeData* mime = event->mimeData();
+  if (mime->hasFormat(QStringLiteral("QuadViewItem")))
+  {
+    const QJsonDocument document =
+      QJsonDocument::fromJson(mime->data(QStringLiteral("QuadViewItem")));
+    const QString path = document.object().value(QStringLiteral("geometry_path")).toString();
+    if (path.isEmpty())
+      return;
+    event->acceptProposedAction();
+    Q_EMIT loadGeometryRequested(path, this);
+    return;
+  }
+  const QList<QUrl> urls = mime->urls();
+  if (urls.size() != 1)
+    return;
+  const QString file = urls.first().toLocalFile();
+  const QString suffix = QFileInfo(file).suffix().toLower();
+  if (suffix == QStringLiteral("vlxstate"))
+  {
+    event->acceptProposedAction();
+    Q_EMIT loadStateRequested(file);
+  }
+  else if (suffix == QStringLiteral("voxelia"))
+  {
+    event->acceptProposedAction();
+    Q_EMIT loadFileRequested(file);
+  }
 }

@@ -17,11 +17,17 @@
 #include <QtGui/QImage>
 #include <QtWidgets/QWidget>
 
+#include <nlohmann/json.hpp>
+
 #include <array>
 #include <memory>
 #include <optional>
 
 class QAbstractTableModel;
+class QDragEnterEvent;
+class QDropEvent;
+class QJsonArray;
+class QMenu;
 class QVTKOpenGLNativeWidget;
 class VXDataSource;
 class VXLookupTable;
@@ -172,6 +178,27 @@ public:
   /** Puts each pane's default background back. */
   void resetAllPanesBackgroundColor();
 
+  /**
+   * Writes the settings record into @p json, with each pane's view state (background, axes
+   * grid, camera) and the cursor under "cursor_center" and "cursor_axes" (x, y, z axes).
+   */
+  void saveState(nlohmann::json& json);
+  /**
+   * Applies a record saveState wrote. The geometry is asked for with loadGeometryRequested;
+   * every problem is reported through printOutput and leaves the view usable. False when the
+   * record names no geometry or the geometry was not loaded.
+   */
+  bool loadState(const nlohmann::json& json);
+  /** Restores the saved annotations of slice pane @p slicePane. */
+  void reconstructAnnotationsForPane(int slicePane, const QJsonArray& records);
+  /**
+   * The context menu of UI pane @p uiPane at widget position @p pos, deleted on close:
+   * "Current View" and "All Views", each with screenshots, axes grid and background.
+   */
+  QMenu* buildPaneContextMenu(int uiPane, QPoint pos);
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
 public Q_SLOTS:
   /** Cursor back to the image centre and axes, default window and level, cameras reset. */
   void resetViews();
@@ -233,6 +260,10 @@ Q_SIGNALS:
   void rangeChanged(double min, double max);
   void colorMapModified();
 
+protected:
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
 private Q_SLOTS:
   void setOrientationMarkerText(QStringList faceLabels);
 
@@ -260,6 +291,8 @@ private:
   void restartAnnotationTimer();
   bool annotationThrottleElapsed() const;
   void renderVolumeWindow();
+  void applyPendingViewStates();
+  void restoreCursor(const nlohmann::json& json);
   vtkRenderer* volumeRenderer() const;
   vtkImageData* cursorImage() const;
 

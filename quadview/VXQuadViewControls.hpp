@@ -12,6 +12,7 @@
 #include <QtCore/QMap>
 #include <QtCore/QSharedPointer>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <array>
 
@@ -56,4 +57,16 @@ struct KXVTKLIB_EXPORT VXQuadViewControls
   std::array<nlohmann::json, 4> m_PerPaneViewActionState;
   /** Saved annotations of each slice pane as JSON text, by slice pane index. */
   std::array<QString, 3> m_PerPaneAnnotations;
+
+  /**
+   * Writes every key of the record into the object @p json. Opacity points are strings
+   * "x y" with 17 significant digits, so that they read back bit for bit.
+   */
+  void write(nlohmann::json& json) const;
+  /**
+   * A record from @p json. A key that is missing keeps its default; a key of a wrong type,
+   * and an opacity point that does not read as two numbers, are skipped with a line in
+   * @p messages.
+   */
+  static VXQuadViewControls read(const nlohmann::json& json, QStringList& messages);
 };

@@ -8,6 +8,10 @@
 #include "visualization/VXPipelineModel.hpp"
 #include "visualization/VXUserPrompt.hpp"
 
+#include <nlohmann/json.hpp>
+
+#include <QtCore/QFile>
+#include <QtCore/QSaveFile>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QMenuBar>
@@ -48,6 +52,11 @@ void VXQuadViewWindow::createMenus()
   VXQuadView* view = m_Module->quadView();
   file->addAction("Save Screenshot of &All Panes...", view, &VXQuadView::saveAllPanesScreenshot);
   file->addAction("&Copy All Panes to Clipboard", view, &VXQuadView::copyAllPanesScreenshot);
+  file->addSeparator();
+  file->addAction("Save Quad View &State...", this, &VXQuadViewWindow::saveStateAs)
+    ->setObjectName("saveQuadStateAction");
+  file->addAction("&Load Quad View State...", this, &VXQuadViewWindow::openState)
+    ->setObjectName("loadQuadStateAction");
   file->addSeparator();
   file->addAction("&Close", this, &QWidget::close);
 }
@@ -112,4 +121,58 @@ void VXQuadViewWindow::chooseGeometry()
     return;
   if (VXDataSource* source = tree->selectedDataSource())
     openGeometry(source);
+}
+
+namespace
+{
+const QString k_StateFilter = QStringLiteral("Quad View State (*.json)");
+}
+
+bool VXQuadViewWindow::saveStateFile(const QString& path)
+{
+  nlohmann::json record;
+  m_Module->quadView()->saveState(record);
+  const std::string text = record.dump(2);
+  QSaveFile file(path);
+  if (!file.open(QIODevice::WriteOnly) ||
+      file.write(text.data(), static_cast<qint64>(text.size())) !=
+        static_cast<qint64>(text.size()) ||
+      !file.commit())
+  {
+    Q_EMIT printOutput(QString("Failed to write Quad View state to '%1'.").arg(path));
+    return false;
+  }
+  return true;
+}
+
+bool VXQuadViewWindow::loadStateFile(const QString& path)
+{
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly))
+  {
+    Q_EMIT printOutput(QString("Could not read Quad View state '%1'.").arg(path));
+    return false;
+  }
+  const QByteArray bytes = file.readAll();
+  const nlohmann::json record = nlohmann::json::parse(bytes.begin(), bytes.end(), nullptr, false);
+  if (record.is_discarded())
+  {
+    Q_EMIT printOutput(QString("Quad View state '%1' is not valid JSON.").arg(path));
+    return false;
+  }
+  return m_Module->quadView()->loadState(record);
+}
+
+void VXQuadViewWindow::saveStateAs()
+{
+  const QString path = VXUserPrompt::getSaveFileName(this, "Save Quad View State", k_StateFilter);
+  if (!path.isEmpty())
+    saveStateFile(path);
+}
+
+void VXQuadViewWindow::openState()
+{
+  const QString path = VXUserPrompt::getOpenFileName(this, "Load Quad View State", k_StateFilter);
+  if (!path.isEmpty())
+    loadStateFile(path);
 }

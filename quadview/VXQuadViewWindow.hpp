@@ -35,9 +35,19 @@ public:
   /** Opens the pipeline's geometry of that path (bridge name + "/" + source name). */
   bool openGeometryPath(const QString& path);
 
+  /** Writes the view's record (VXQuadView::saveState) to @p path; false, with a message, on
+   * failure. */
+  bool saveStateFile(const QString& path);
+  /** Reads a record from @p path and applies it; false, with a message, when it cannot. */
+  bool loadStateFile(const QString& path);
+
 public Q_SLOTS:
   /** Asks for one of the pipeline's image geometries and opens it. */
   void chooseGeometry();
+  /** Asks a file name and saves the view's record there. */
+  void saveStateAs();
+  /** Asks for a record file and loads it. */
+  void openState();
 
 Q_SIGNALS:
   void printOutput(QString message);

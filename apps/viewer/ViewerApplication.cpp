@@ -219,7 +219,34 @@ bool ViewerApplication::openQuadView()
     std::fprintf(stderr, "kxvtk-viewer: --quad-view: no image geometry in the files given\n");
     return false;
   }
+  if (m_Options.isBatch())
+  {
+    QObject::connect(m_QuadViewWindow, &VXQuadViewWindow::printOutput, [](const QString& message)
+                     { std::fprintf(stderr, "%s\n", qPrintable(message)); });
+  }
   settle();
+  if (!m_Options.quadStateFile.isEmpty())
+  {
+    if (!m_QuadViewWindow->loadStateFile(m_Options.quadStateFile))
+    {
+      std::fprintf(stderr, "kxvtk-viewer: cannot apply quad view state '%s'\n",
+                   qPrintable(m_Options.quadStateFile));
+      return false;
+    }
+    settle();
+  }
+  return true;
+}
+
+bool ViewerApplication::saveQuadState()
+{
+  if (m_QuadViewWindow == nullptr || !m_QuadViewWindow->saveStateFile(m_Options.saveQuadStatePath))
+  {
+    std::fprintf(stderr, "kxvtk-viewer: failed to write quad view state '%s'\n",
+                 qPrintable(m_Options.saveQuadStatePath));
+    return false;
+  }
+  std::printf("%s\n", qPrintable(m_Options.saveQuadStatePath));
   return true;
 }
 

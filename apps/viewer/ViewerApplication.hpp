@@ -31,6 +31,8 @@ public:
   /** Captures all views (a batch run draws nothing before) and writes the PNG; false on failure.
    */
   bool saveScreenshot();
+  /** Writes the quad view's record to the --save-quad-state path. */
+  bool saveQuadState();
   /** Shows the window; a size given on the command line is the size of the render area. Each
    * view draws its first frame once the window is laid out. */
   void showWindow();

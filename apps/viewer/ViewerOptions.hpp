@@ -27,7 +27,14 @@ struct ViewerOptions
   /** Shows the first image geometry in the quad view window; a screenshot is then its four panes.
    */
   bool quadView = false;
+  /** A quad view record (JSON) to apply once the files are open; needs quadView. */
+  QString quadStateFile;
+  /** Where to write the quad view's record; needs quadView. */
+  QString saveQuadStatePath;
 
   /** Runs that end by themselves answer every question without a dialog. */
-  bool isBatch() const { return !screenshotPath.isEmpty() || !saveStatePath.isEmpty(); }
+  bool isBatch() const
+  {
+    return !screenshotPath.isEmpty() || !saveStatePath.isEmpty() || !saveQuadStatePath.isEmpty();
+  }
 };

@@ -3,7 +3,8 @@
 //
 //   kxvtk-viewer [--state FILE] [--save-state FILE] [--screenshot OUT.png] [--size WxH]
 //                [--representation NAME] [--color-by ARRAY] [--filter SPEC]... [--slice DIR:N]
-//                [--no-edges] [--print-frames] [--quad-view] FILE...
+//                [--no-edges] [--print-frames] [--quad-view]
+//                [--quad-state RECORD.json] [--save-quad-state OUT.json] FILE...
 #include "ViewFrameCounter.hpp"
 #include "ViewerApplication.hpp"
 
@@ -53,8 +54,14 @@ int main(int argc, char** argv)
   const QCommandLineOption quadView(
     "quad-view", "Open the first image geometry of the files in the quad view window; with "
                  "--screenshot, the picture holds its four panes, 2 by 2, of --size in all.");
+  const QCommandLineOption quadState(
+    "quad-state", "With --quad-view: apply this quad view record (JSON) once the files are open.",
+    "RECORD.json");
+  const QCommandLineOption saveQuadState(
+    "save-quad-state", "With --quad-view: write the quad view's record (JSON) to OUT and exit.",
+    "OUT.json");
   parser.addOptions({ state, saveState, screenshot, size, representation, colorBy, filter, slice,
-                      noEdges, printFrames, quadView });
+                      noEdges, printFrames, quadView, quadState, saveQuadState });
   parser.addPositionalArgument("FILE", "Data files (.voxelia, VTK files, images).", "[FILE...]");
   parser.process(app);
 
@@ -69,6 +76,13 @@ int main(int argc, char** argv)
   options.slice = parser.value(slice);
   options.hideEdges = parser.isSet(noEdges);
   options.quadView = parser.isSet(quadView);
+  options.quadStateFile = parser.value(quadState);
+  options.saveQuadStatePath = parser.value(saveQuadState);
+  if (!options.quadView && (parser.isSet(quadState) || parser.isSet(saveQuadState)))
+  {
+    std::fprintf(stderr, "kxvtk-viewer: --quad-state and --save-quad-state need --quad-view\n");
+    return 2;
+  }
   if (parser.isSet(size))
   {
     const QStringList dims = parser.value(size).split('x');
@@ -108,6 +122,8 @@ int main(int argc, char** argv)
   if (options.isBatch())
   {
     if (!options.saveStatePath.isEmpty() && !viewer.saveState())
+      return 1;
+    if (!options.saveQuadStatePath.isEmpty() && !viewer.saveQuadState())
       return 1;
     if (!options.screenshotPath.isEmpty() && !viewer.saveScreenshot())
       return 1;

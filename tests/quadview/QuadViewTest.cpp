@@ -8,12 +8,18 @@
 #include "../dataviews/DataViewTestSupport.hpp"
 
 #include <quadview/VXQuadView.hpp>
+#include <visualization/QtWidgets/VXViewActionsController.hpp>
+#include <visualization/VXUserPrompt.hpp>
 #include <quadview/VXResliceImageViewer.hpp>
 #include <quadview/vtkResliceCursorCallback.hpp>
 #include <visualization/QtWidgets/VXViewCubeWidget.hpp>
 
 #include <QVTKOpenGLNativeWidget.h>
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QMimeData>
+#include <QtCore/QUrl>
+#include <QtGui/QDropEvent>
+#include <QtWidgets/QMenu>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QGridLayout>
@@ -556,4 +562,215 @@ TEST(QuadViewImage, SampleAxisAlignedObliqueAndMaxSlab)
   shown.view.onArrayChanged("FeatureIds");
   const double center[3] = { 12.0, 12.0, 12.0 };
   compareThreeModes(shown, "sample", center, 4.0);
+}
+
+// ---------------------------------------------------------------------------
+// State, pane menu, drag and drop
+
+namespace
+{
+/** A shown view that answers loadGeometryRequested with @p image. */
+struct Answering : Shown
+{
+  explicit Answering(vtkImageData* image)
+  {
+    QObject::connect(&view, &VXQuadView::loadGeometryRequested, &view,
+                     [this, image](const QString&, VXQuadView*) { show(image); });
+  }
+};
+
+QStringList messagesOf(VXQuadView& view, const std::function<void()>& act)
+{
+  QStringList messages;
+  auto connection = QObject::connect(&view, &VXQuadView::printOutput,
+                                     [&messages](const QString& m) { messages << m; });
+  act();
+  QObject::disconnect(connection);
+  return messages;
+}
+} // namespace
+
+TEST(QuadViewState, RoundTripGivesTheSamePictureAndRecord)
+{
+  auto image = hostImage(
+    8, 6, 5, 3,
+    [](int i, int j, int k, int c) { return static_cast<float>((c + 1) * i + 3 * j + k); }, "vec");
+  Shown a;
+  a.show(image);
+  VXQuadView& view = a.view;
+  view.onComponentChanged(2); // "Component 1"
+  view.onCustomRangeChanged(2.0, 20.0);
+  view.getOpacityFunction()->AddPoint(0.1 + 0.2 + 7.0, 0.1 + 0.2);
+  kx::core::ColorTableUtilities::ColorPreset twoTone;
+  twoTone.name = "TwoTone";
+  twoTone.rgbPoints = { 0, 0.1f, 0.6f, 0.2f, 1, 0.9f, 0.3f, 0.8f };
+  view.onColorPresetSelected(twoTone);
+  view.onColorMapInverted(true);
+  view.thickMode(1);
+  view.setBlendMode(2);
+  const double center[3] = { 2.5, 1.5, 3.5 };
+  a.setCursor(center, 0.0);
+  view.getViewActionsController(1)->setBackgroundColor(QColor(40, 80, 120));
+  view.getViewActionsController(0)->setGridAxesEnabled(true);
+  nlohmann::json record;
+  view.saveState(record);
+  record["geometry_path"] = "Data/vec";
+  const QImage before = a.picture();
+
+  Answering b(image);
+  ASSERT_TRUE(b.view.loadState(record));
+  kxtest::pump();
+  const QImage after = b.picture();
+  EXPECT_LE(kxtest::RmsDifference(before, after), kxtest::k_ImageTolerance);
+  nlohmann::json again;
+  b.view.saveState(again);
+  again["geometry_path"] = "Data/vec";
+  EXPECT_EQ(again.dump(2), record.dump(2));
+  EXPECT_EQ(again["active_component"], 1);
+  EXPECT_EQ(again["mean_blend"], true);
+  EXPECT_EQ(again["cursor_center"], nlohmann::json({ 2.5, 1.5, 3.5 }));
+  EXPECT_NEAR(again["perPaneViewActionState"][1]["background"][0].get<double>() * 255.0, 40.0,
+              1e-4);
+  EXPECT_TRUE(again["perPaneViewActionState"][0]["grid_axes"].get<bool>());
+
+  // opacity points come back bit for bit
+  QStringList messages;
+  const VXQuadViewControls read = VXQuadViewControls::read(record, messages);
+  EXPECT_TRUE(messages.isEmpty());
+  double node[4];
+  const vtkPiecewiseFunction* restored = read.m_ArrayOpacityFunctions.value("vec");
+  ASSERT_NE(restored, nullptr);
+  const_cast<vtkPiecewiseFunction*>(restored)->GetNodeValue(1, node);
+  EXPECT_EQ(node[0], 0.1 + 0.2 + 7.0);
+  EXPECT_EQ(node[1], 0.1 + 0.2);
+}
+
+TEST(QuadViewState, HostileRecordsKeepTheViewUsable)
+{
+  auto image = rampImage(6, 4, 3);
+  Answering shown(image);
+  shown.show(image);
+  VXQuadView& view = shown.view;
+
+  // nobody answers: the view keeps what it shows
+  QObject::disconnect(&view, &VXQuadView::loadGeometryRequested, nullptr, nullptr);
+  QStringList messages =
+    messagesOf(view, [&view]() { view.loadState({ { "geometry_path", "nowhere" } }); });
+  EXPECT_EQ(messages, QStringList("Could not load Quad View state: geometry 'nowhere' was not "
+                                  "loaded by any handler."));
+  EXPECT_FALSE(view.loadState(nlohmann::json::array({ 1, 2 })));
+
+  // wrong types everywhere, a gone array, malformed points
+  QObject::connect(&view, &VXQuadView::loadGeometryRequested, &view,
+                   [&shown, image](const QString&, VXQuadView*) { shown.show(image); });
+  nlohmann::json record = { { "geometry_path", "Data/ramp" },
+                            { "thick_mode", "yes" },
+                            { "ambient", "bright" },
+                            { "active_component", 1.5 },
+                            { "active_array", "gone" },
+                            { "array_lut_fct", { { "values", 7 } } },
+                            { "array_scalar_opacity_fct",
+                              { { "values", { "1 0.5", "1e400 1", "2", 3, "4 0.5 junk" } } } },
+                            { "perPaneViewActionState", { 1, "x", { { "camera", 2 } }, nullptr } },
+                            { "perPaneAnnotations", { "not json", 5 } },
+                            { "cursor_center", { "a" } } };
+  messages = messagesOf(view, [&]() { EXPECT_TRUE(view.loadState(record)); });
+  for (const char* expected :
+       { "Quad View state: 'thick_mode' has the wrong type; kept the default.",
+         "Quad View state: 'ambient' has the wrong type; kept the default.",
+         "Quad View state: 'active_component' has the wrong type; kept the default.",
+         "Quad View state: array 'gone' does not exist; showing 'values'.",
+         "Skipped malformed opacity control point '1e400 1' for array 'values' while loading "
+         "state.",
+         "Skipped malformed opacity control point '2' for array 'values' while loading state.",
+         "Skipped malformed opacity control point '3' for array 'values' while loading state.",
+         "Skipped malformed opacity control point '4 0.5 junk' for array 'values' while loading "
+         "state.",
+         "Quad View state: the annotations of pane 0 are not a JSON array.",
+         "Quad View state: 'cursor_center' is not three numbers; the cursor stays where it is." })
+    EXPECT_TRUE(messages.contains(expected)) << expected;
+  EXPECT_TRUE(view.isInitialized());
+  EXPECT_EQ(view.getActiveArrayName(), "values");
+  EXPECT_EQ(view.getOpacityFunction()->GetSize(), 1);
+  EXPECT_FALSE(shown.picture().isNull());
+}
+
+TEST(QuadViewState, PaneMenuAndDrops)
+{
+  Shown shown;
+  shown.show(rampImage(6, 4, 3));
+  VXQuadView& view = shown.view;
+  QMenu* menu = view.buildPaneContextMenu(2, QPoint(10, 10));
+  ASSERT_NE(menu, nullptr);
+  QStringList titles;
+  for (QAction* action : menu->actions())
+    titles << action->text();
+  EXPECT_EQ(titles, QStringList({ "Current View", "All Views" }));
+  const QStringList entries{ "Save Screenshot ...", "Copy Screenshot", "Axes Grid",
+                             "Change Background Color", "Restore Default Background Color" };
+  for (QAction* sub : menu->actions())
+  {
+    QStringList texts;
+    for (QAction* action : sub->menu()->actions())
+    {
+      texts << action->text();
+      EXPECT_FALSE(action->toolTip().isEmpty());
+    }
+    EXPECT_EQ(texts, entries);
+  }
+  VXUserPrompt::setColorHandler([](const QColor&, const QString&) { return QColor(0, 255, 0); });
+  menu->actions().at(1)->menu()->actions().at(3)->trigger();
+  VXUserPrompt::resetHandlers();
+  for (int ui = 0; ui < 4; ++ui)
+    EXPECT_EQ(view.getViewActionsController(ui)->backgroundColor(), QColor(0, 255, 0));
+  menu->actions().at(0)->menu()->actions().at(2)->trigger(); // this pane's grid only
+  EXPECT_TRUE(view.getViewActionsController(2)->gridAxesEnabled());
+  EXPECT_FALSE(view.getViewActionsController(1)->gridAxesEnabled());
+  delete menu;
+
+  QSignalSpy states(&view, &VXQuadView::loadStateRequested);
+  QSignalSpy files(&view, &VXQuadView::loadFileRequested);
+  QSignalSpy geometries(&view, &VXQuadView::loadGeometryRequested);
+  // the handlers as a drag over the view calls them (a synthetic drop has no drag behind it)
+  struct Handlers : VXQuadView
+  {
+    using VXQuadView::dragEnterEvent;
+    using VXQuadView::dropEvent;
+  };
+  const auto drop = [&view](QMimeData* mime)
+  {
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, mime, Qt::LeftButton, Qt::NoModifier);
+    enter.setAccepted(false);
+    (view.*(&Handlers::dragEnterEvent))(&enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent event(QPointF(5, 5), Qt::CopyAction, mime, Qt::LeftButton, Qt::NoModifier);
+    (view.*(&Handlers::dropEvent))(&event);
+    delete mime;
+  };
+  const auto urls = [](QList<QUrl> list)
+  {
+    auto* mime = new QMimeData;
+    mime->setUrls(list);
+    return mime;
+  };
+  drop(urls({ QUrl::fromLocalFile("/tmp/a.vlxstate") }));
+  drop(urls({ QUrl::fromLocalFile("/tmp/b.voxelia") }));
+  drop(urls({ QUrl::fromLocalFile("/tmp/c.png") }));
+  drop(urls({ QUrl::fromLocalFile("/tmp/a.vlxstate"), QUrl::fromLocalFile("/tmp/d.vlxstate") }));
+  auto* item = new QMimeData;
+  item->setData("QuadViewItem", R"({"geometry_path": "Data/ramp"})");
+  drop(item);
+  ASSERT_EQ(states.count(), 1);
+  EXPECT_EQ(states.at(0).at(0).toString(), "/tmp/a.vlxstate");
+  ASSERT_EQ(files.count(), 1);
+  EXPECT_EQ(files.at(0).at(0).toString(), "/tmp/b.voxelia");
+  ASSERT_EQ(geometries.count(), 1);
+  EXPECT_EQ(geometries.at(0).at(0).toString(), "Data/ramp");
+
+  // a right click on a pane opens the menu at once
+  QTest::mousePress(view.getPaneWidget(3), Qt::RightButton, {}, QPoint(20, 20));
+  auto* open = view.findChild<QMenu*>("quadViewPaneMenu");
+  ASSERT_NE(open, nullptr);
+  EXPECT_TRUE(open->isVisible());
+  open->close();
 }

@@ -39,6 +39,8 @@
 #include <vtkXMLStructuredGridWriter.h>
 #include <vtkXMLUnstructuredGridWriter.h>
 
+#include <nlohmann/json.hpp>
+
 #include <QtCore/QDirIterator>
 #include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
@@ -290,6 +292,62 @@ TEST_F(ViewerCommandLine, QuadViewScreenshotHoldsItsFourPanesTwoByTwo)
   EXPECT_TRUE(run.output.contains("--quad-view: no image geometry in the files given"))
     << run.output.toStdString();
   EXPECT_FALSE(QFileInfo::exists(never));
+}
+
+TEST_F(ViewerCommandLine, QuadViewRecordIsSavedRestoredAndPictured)
+{
+  const QString sample = qpath(kxtest::writeSample(m_Dir, "grains.voxelia", 16));
+  const QString first = qpath(m_Dir / "first.json");
+  ViewerRun run = runViewer({ "--quad-view", "--save-quad-state", first, sample }, m_Dir);
+  ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
+  QFile firstFile(first);
+  ASSERT_TRUE(firstFile.open(QIODevice::ReadOnly));
+  nlohmann::json record = nlohmann::json::parse(firstFile.readAll().toStdString());
+  ASSERT_TRUE(record["geometry_path"].is_string());
+  EXPECT_EQ(record["perPaneViewActionState"].size(), 4u);
+
+  // the bottom right pane (YZ) in pure green, as a slab
+  record["perPaneViewActionState"][2]["background"] = { 0.0, 1.0, 0.0 };
+  record["thick_mode"] = true;
+  const QString edited = qpath(m_Dir / "edited.json");
+  {
+    QFile file(edited);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray::fromStdString(record.dump()));
+  }
+  const QString again = qpath(m_Dir / "again.json");
+  const QString shot = qpath(m_Dir / "restored.png");
+  run = runViewer({ "--quad-view", "--quad-state", edited, "--save-quad-state", again,
+                    "--screenshot", shot, "--size", "400x300", sample },
+                  m_Dir);
+  ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
+  QFile againFile(again);
+  ASSERT_TRUE(againFile.open(QIODevice::ReadOnly));
+  const nlohmann::json restored = nlohmann::json::parse(againFile.readAll().toStdString());
+  EXPECT_EQ(restored["thick_mode"], true);
+  EXPECT_EQ(restored["perPaneViewActionState"][2]["background"], nlohmann::json({ 0.0, 1.0, 0.0 }));
+  const QImage picture = QImage(shot).convertToFormat(QImage::Format_RGB32);
+  ASSERT_EQ(picture.size(), QSize(400, 300));
+  int green = 0;
+  for (int y = 150; y < 300; ++y)
+    for (int x = 200; x < 400; ++x)
+      green += picture.pixel(x, y) == qRgb(0, 255, 0) ? 1 : 0;
+  EXPECT_GT(green, 200 * 150 / 10);
+  EXPECT_EQ(picture.pixel(10, 10) == qRgb(0, 255, 0), false);
+
+  // a record for a geometry the viewer did not open
+  record["geometry_path"] = "nowhere";
+  {
+    QFile file(edited);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(QByteArray::fromStdString(record.dump()));
+  }
+  run =
+    runViewer({ "--quad-view", "--quad-state", edited, "--save-quad-state", again, sample }, m_Dir);
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_TRUE(run.output.contains(
+    "Could not load Quad View state: geometry 'nowhere' was not loaded by any handler."))
+    << run.output.toStdString();
 }
 
 TEST_F(ViewerCommandLine, BatchRunAnswersTheCategoricalWarningItself)

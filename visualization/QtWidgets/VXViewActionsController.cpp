@@ -6,6 +6,7 @@
 
 #include <vtkAbstractVolumeMapper.h>
 #include <vtkBoundingBox.h>
+#include <vtkCamera.h>
 #include <vtkGridAxesActor3D.h>
 #include <vtkImageActor.h>
 #include <vtkImageData.h>
@@ -22,6 +23,8 @@
 #include <QtGui/QGuiApplication>
 #include <QtGui/QAction>
 #include <QtWidgets/QWidget>
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -435,4 +438,78 @@ void VXViewActionsController::applyGridAxesEdits()
     return;
   m_GridConfig = m_GridAxesWidget->config();
   applyCachedConfigToActor();
+}
+
+// ---------------------------------------------------------------------------
+// State
+
+namespace
+{
+nlohmann::json vector3(const double v[3])
+{
+  return nlohmann::json::array({ v[0], v[1], v[2] });
+}
+
+// three finite numbers, or nothing
+bool readVector3(const nlohmann::json& state, const char* key, double out[3])
+{
+  const auto it = state.find(key);
+  if (it == state.end() || !it->is_array() || it->size() != 3)
+    return false;
+  for (size_t i = 0; i < 3; ++i)
+  {
+    if (!(*it)[i].is_number() || !std::isfinite((*it)[i].get<double>()))
+      return false;
+  }
+  for (size_t i = 0; i < 3; ++i)
+    out[i] = (*it)[i].get<double>();
+  return true;
+}
+} // namespace
+
+void VXViewActionsController::saveState(nlohmann::json& state) const
+{
+  state = nlohmann::json::object();
+  if (m_Renderer == nullptr)
+    return;
+  double background[3];
+  m_Renderer->GetBackground(background);
+  state["background"] = vector3(background);
+  state["grid_axes"] = gridAxesEnabled();
+  vtkCamera* camera = m_Renderer->GetActiveCamera();
+  state["camera"] = { { "position", vector3(camera->GetPosition()) },
+                      { "focal_point", vector3(camera->GetFocalPoint()) },
+                      { "view_up", vector3(camera->GetViewUp()) },
+                      { "parallel_scale", camera->GetParallelScale() },
+                      { "parallel_projection", camera->GetParallelProjection() != 0 } };
+}
+
+void VXViewActionsController::restoreState(const nlohmann::json& state)
+{
+  if (m_Renderer == nullptr || !state.is_object())
+    return;
+  double v[3];
+  if (readVector3(state, "background", v))
+    setBackgroundColorComponents({ v[0], v[1], v[2] });
+  if (const auto it = state.find("grid_axes"); it != state.end() && it->is_boolean())
+    setGridAxesEnabled(it->get<bool>());
+  const auto cam = state.find("camera");
+  if (cam != state.end() && cam->is_object())
+  {
+    vtkCamera* camera = m_Renderer->GetActiveCamera();
+    if (readVector3(*cam, "position", v))
+      camera->SetPosition(v);
+    if (readVector3(*cam, "focal_point", v))
+      camera->SetFocalPoint(v);
+    if (readVector3(*cam, "view_up", v))
+      camera->SetViewUp(v);
+    if (const auto it = cam->find("parallel_scale"); it != cam->end() && it->is_number() &&
+                                                     std::isfinite(it->get<double>()) &&
+                                                     it->get<double>() > 0.0)
+      camera->SetParallelScale(it->get<double>());
+    if (const auto it = cam->find("parallel_projection"); it != cam->end() && it->is_boolean())
+      camera->SetParallelProjection(it->get<bool>() ? 1 : 0);
+    m_Renderer->ResetCameraClippingRange();
+  }
+  renderWindowNow();
 }

@@ -7,6 +7,8 @@
 #include <vtkSmartPointer.h>
 #include <vtkWeakPointer.h>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <QtCore/QObject>
 #include <QtCore/QPointer>
 #include <QtCore/QString>
@@ -113,6 +115,15 @@ public:
   {
     return m_AppliedCustom.at(static_cast<size_t>(axis));
   }
+  /**
+   * Writes the view's state into @p state as an object: "background" (three 0..1 components),
+   * "grid_axes" (bool) and "camera" ("position", "focal_point", "view_up", "parallel_scale",
+   * "parallel_projection").
+   */
+  void saveState(nlohmann::json& state) const;
+  /** Applies what saveState wrote; keys missing or of a wrong type leave their setting alone. */
+  void restoreState(const nlohmann::json& state);
+
   /** The options dialog; null until "Edit Axes Grid" is first used. */
   VXGridAxesWidget* getGridAxesWidget() const { return m_GridAxesWidget; }
 

@@ -4,12 +4,15 @@
 // no crash, no undefined behaviour, the default data view type and the
 // loading flag put back, at least one view. "@SAMPLE@" and "@DATA_DIR@" in
 // the input stand for the generated sample file and the real data folder, so
-// that seeds reach the readers of real data.
+// that seeds reach the readers of real data. Input that parses as JSON goes
+// as well, as a record, to VXQuadView::loadState of a quad view showing a
+// small image, which must stay shown and save a record again.
 //
 // The entry points are libFuzzer's; StateLoadReplay.cpp drives the same
 // target without libFuzzer, from seeds and seeded random mutations.
 #include "../StatePlaceholders.hpp"
 
+#include <quadview/VXQuadView.hpp>
 #include <utils/GuiProcess.hpp>
 #include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/QtWidgets/VXViewGridWidget.hpp>
@@ -30,6 +33,10 @@
 #include <QtCore/QFile>
 #include <QtWidgets/QApplication>
 
+#include <vtkFloatArray.h>
+#include <vtkCellData.h>
+#include <vtkImageData.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -43,6 +50,8 @@ struct Harness
 {
   std::unique_ptr<QApplication> app;
   std::unique_ptr<VXVisualizationModuleWidget> module;
+  std::unique_ptr<VXQuadView> quadView;
+  vtkSmartPointer<vtkImageData> quadImage;
   std::filesystem::path folder;
   std::string samplePath;
   std::string dataDir;
@@ -132,6 +141,29 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
   h.module = std::make_unique<VXVisualizationModuleWidget>();
   h.module->resize(640, 400);
   h.module->show();
+
+  // four by three by two voxels, two arrays, one of them with three components
+  h.quadImage = vtkSmartPointer<vtkImageData>::New();
+  h.quadImage->SetDimensions(5, 4, 3);
+  for (int components : { 1, 3 })
+  {
+    vtkNew<vtkFloatArray> array;
+    array->SetName(components == 1 ? "values" : "vec");
+    array->SetNumberOfComponents(components);
+    array->SetNumberOfTuples(24);
+    for (vtkIdType t = 0; t < 24; ++t)
+      for (int c = 0; c < components; ++c)
+        array->SetComponent(t, c, static_cast<double>(t * (c + 1)));
+    h.quadImage->GetCellData()->AddArray(array);
+  }
+  h.quadImage->GetCellData()->SetActiveScalars("values"); // as a host hands an image over
+  h.quadView = std::make_unique<VXQuadView>();
+  h.quadView->resize(300, 300);
+  h.quadView->show();
+  QObject::connect(h.quadView.get(), &VXQuadView::loadGeometryRequested, h.quadView.get(),
+                   [](const QString&, VXQuadView* view)
+                   { view->setGeometry(nullptr, harness().quadImage); });
+  h.quadView->setGeometry(nullptr, h.quadImage);
   pump();
   std::atexit(
     []
@@ -176,6 +208,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!saved.contains("split_view_state") || !saved.contains("tree_view_state"))
       fail("a loaded module saved no state");
     clearTree(module);
+
+    VXQuadView& quad = *h.quadView;
+    quad.loadState(state);
+    pump();
+    if (!quad.isInitialized() || quad.getImageData() == nullptr)
+      fail("a quad view record left the quad view empty");
+    nlohmann::json record;
+    quad.saveState(record);
+    if (!record.contains("geometry_path") || !record.contains("cursor_center"))
+      fail("a loaded quad view saved no record");
   }
   return 0;
 }
