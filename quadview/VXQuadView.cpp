@@ -279,6 +279,9 @@ vtkSmartPointer<vtkImageData> VXQuadView::makeCellCenteredImage(vtkImageData* in
   }
   if (vtkDataArray* scalars = cells->GetScalars(); scalars != nullptr && scalars->GetName())
     points->SetActiveScalars(scalars->GetName());
+  // a host image need not mark an array active; the panes' colour mapping needs one
+  else if (points->GetNumberOfArrays() > 0 && points->GetArray(0)->GetName() != nullptr)
+    points->SetActiveScalars(points->GetArray(0)->GetName());
   return out;
 }
 
@@ -433,6 +436,12 @@ void VXQuadView::setupViewer(vtkImageData* image)
 {
   if (image == nullptr)
     return;
+  // VTK's slice colour mapping needs scalars to map: an image without any array is refused
+  if (image->GetPointData()->GetScalars() == nullptr)
+  {
+    Q_EMIT printOutput("The image geometry has no arrays to show in the Quad View.");
+    return;
+  }
   vtkSmartPointer<vtkImageData> keep = image; // clearView must not free it
 
   // 1. settings survive a rebuild

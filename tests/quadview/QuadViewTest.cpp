@@ -182,6 +182,12 @@ TEST(QuadViewPreparation, CellArraysAreSharedOntoPointsAndOnlyOversizedAxesShrin
   ASSERT_NE(prepared->GetPointData()->GetScalars(), nullptr);
   EXPECT_STREQ(prepared->GetPointData()->GetScalars()->GetName(), "values");
   EXPECT_EQ(VXQuadView::makeCellCenteredImage(nullptr), nullptr);
+  // without active cell scalars the first array is shown
+  auto unmarked = vtkSmartPointer<vtkImageData>::New();
+  unmarked->SetDimensions(3, 3, 3);
+  unmarked->GetCellData()->AddArray(host->GetCellData()->GetArray("values"));
+  EXPECT_STREQ(VXQuadView::makeCellCenteredImage(unmarked)->GetPointData()->GetScalars()->GetName(),
+               "values");
   EXPECT_EQ(VXQuadView::shrinkToTextureLimit(prepared, 2048), prepared);
 
   // 5000 samples along x with a 2048 limit: factor 3 on x only, every array averaged
@@ -263,6 +269,33 @@ TEST(QuadView, FormPanesAndSharedCursorOverTheHostArray)
   EXPECT_FALSE(view.isInitialized());
   EXPECT_EQ(view.getViewer(0), nullptr);
   EXPECT_EQ(view.getControls().m_LengthUnits, "mm");
+}
+
+TEST(QuadView, UnmarkedArraysShowTheFirstAndImagesWithoutArraysAreRefused)
+{
+  Shown shown;
+  auto unmarked = vtkSmartPointer<vtkImageData>::New();
+  unmarked->SetDimensions(6, 5, 4);
+  vtkNew<vtkFloatArray> values;
+  values->SetName("values");
+  values->SetNumberOfTuples(5 * 4 * 3);
+  values->Fill(2.0);
+  unmarked->GetCellData()->AddArray(values);
+  shown.show(unmarked);
+  ASSERT_TRUE(shown.view.isInitialized());
+  EXPECT_EQ(shown.view.getActiveArrayName(), "values");
+  EXPECT_FALSE(shown.picture().isNull());
+
+  // nothing to colour: refused with a message, the view shown before stays
+  auto empty = vtkSmartPointer<vtkImageData>::New();
+  empty->SetDimensions(6, 5, 4);
+  QSignalSpy messages(&shown.view, &VXQuadView::printOutput);
+  shown.show(empty);
+  ASSERT_EQ(messages.size(), 1);
+  EXPECT_EQ(messages[0][0].toString(),
+            "The image geometry has no arrays to show in the Quad View.");
+  EXPECT_TRUE(shown.view.isInitialized());
+  EXPECT_EQ(shown.view.getActiveArrayName(), "values");
 }
 
 TEST(QuadView, WindowLevelAndThickModeVisibility)
