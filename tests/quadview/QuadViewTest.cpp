@@ -1,5 +1,6 @@
 // The quad view as a whole: image preparation, the four panes in step, slice
 // modes, overlays, colour controls, throttling, and pictures of all panes.
+#include "QuadViewTestSupport.hpp"
 #include "HostDataSupport.hpp"
 #include "ImageCompare.hpp"
 #include "QtTestSupport.hpp"
@@ -54,35 +55,12 @@
 
 namespace
 {
-/**
- * An image as the host hands it over: @p nx x @p ny x @p nz voxels whose
- * values are cell data; @p value gives each component of voxel (i, j, k).
- */
-vtkSmartPointer<vtkImageData> hostImage(int nx, int ny, int nz, int components,
-                                        const std::function<float(int, int, int, int)>& value,
-                                        const char* name = "values")
-{
-  auto image = vtkSmartPointer<vtkImageData>::New();
-  image->SetDimensions(nx + 1, ny + 1, nz + 1);
-  vtkNew<vtkFloatArray> array;
-  array->SetName(name);
-  array->SetNumberOfComponents(components);
-  array->SetNumberOfTuples(static_cast<vtkIdType>(nx) * ny * nz);
-  vtkIdType id = 0;
-  for (int k = 0; k < nz; ++k)
-    for (int j = 0; j < ny; ++j)
-      for (int i = 0; i < nx; ++i, ++id)
-        for (int c = 0; c < components; ++c)
-          array->SetComponent(id, c, value(i, j, k, c));
-  image->GetCellData()->SetScalars(array);
-  return image;
-}
-
 vtkSmartPointer<vtkImageData> rampImage(int nx, int ny, int nz)
 {
   // 0 at the first voxel, 100 at the last along x
-  return hostImage(nx, ny, nz, 1, [nx](int i, int, int, int)
-                   { return nx > 1 ? 100.0f * static_cast<float>(i) / (nx - 1) : 0.0f; });
+  return kxtest::hostCellImage(
+    nx, ny, nz, 1, [nx](int i, int, int, int)
+    { return nx > 1 ? 100.0f * static_cast<float>(i) / (nx - 1) : 0.0f; });
 }
 
 /** hydrogen.vti's point samples made into the voxels of a host image. */
@@ -168,7 +146,8 @@ std::string lastLine(const std::string& text)
 TEST(QuadViewPreparation, CellArraysAreSharedOntoPointsAndOnlyOversizedAxesShrink)
 {
   // 1 voxel along x: the prepared image is one sample thick there, not empty
-  auto host = hostImage(1, 4, 5, 1, [](int, int j, int k, int) { return float(j + 10 * k); });
+  auto host =
+    kxtest::hostCellImage(1, 4, 5, 1, [](int, int j, int k, int) { return float(j + 10 * k); });
   host->SetSpacing(2.0, 1.0, 0.5);
   host->SetOrigin(1.0, 2.0, 3.0);
   auto prepared = VXQuadView::makeCellCenteredImage(host);
@@ -342,7 +321,7 @@ TEST(QuadView, ReloadExchangesArraysInPlaceOrRebuildsKeepingSettings)
   camera->Zoom(1.5);
   const double scale = camera->GetParallelScale();
 
-  auto same = hostImage(8, 9, 10, 1, [](int, int, int, int) { return 7.0f; });
+  auto same = kxtest::hostCellImage(8, 9, 10, 1, [](int, int, int, int) { return 7.0f; });
   view.reload(same);
   EXPECT_EQ(view.getImageData(), shownImage);
   EXPECT_EQ(view.getImageData()->GetPointData()->GetArray("values"),
@@ -415,7 +394,7 @@ TEST(QuadView, ComponentsMagnitudeAndHistogramCache)
   QSignalSpy components(&view, &VXQuadView::componentListChanged);
   QSignalSpy histograms(&view, &VXQuadView::histogramUpdated);
   // (3, 4, 12) in every voxel: magnitude 13
-  shown.show(hostImage(
+  shown.show(kxtest::hostCellImage(
     4, 4, 4, 3, [](int, int, int, int c) { return c == 0   ? 3.0f
                                                   : c == 1 ? 4.0f
                                                            : 12.0f; }, "vec"));
@@ -625,7 +604,7 @@ QStringList messagesOf(VXQuadView& view, const std::function<void()>& act)
 
 TEST(QuadViewState, RoundTripGivesTheSamePictureAndRecord)
 {
-  auto image = hostImage(
+  auto image = kxtest::hostCellImage(
     8, 6, 5, 3,
     [](int i, int j, int k, int c) { return static_cast<float>((c + 1) * i + 3 * j + k); }, "vec");
   Shown a;

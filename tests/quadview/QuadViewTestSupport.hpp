@@ -66,7 +66,7 @@ inline vtkSmartPointer<vtkImageData> makeQuadViewImage(int nx = 21, int ny = 31,
  */
 inline vtkSmartPointer<vtkImageData> hostCellImage(
   int nx, int ny, int nz, int components, const std::function<float(int, int, int, int)>& value,
-  const char* name)
+  const char* name = "values")
 {
   auto image = vtkSmartPointer<vtkImageData>::New();
   image->SetDimensions(nx + 1, ny + 1, nz + 1);
