@@ -242,12 +242,7 @@ bool VXImageSliceRepPimpl::initialize(vtkAlgorithmOutput* port)
     infoCallback->setRepresentation(sliceRep);
     m_ImageSliceFilter->AddObserver(vtkCommand::EndEvent, infoCallback);
   }
-  vtkNew<VXMemberCallback<VXRepresentationPimpl>> decimateCallback;
-  decimateCallback->setTarget(this, &VXRepresentationPimpl::decimateGeometry);
-  m_ImageSliceFilter->AddObserver(vtkCommand::EndEvent, decimateCallback);
-  vtkNew<VXUpdateHistogramCallback> histogramCallback;
-  histogramCallback->setRepresentationPimpl(this);
-  m_ImageSliceFilter->AddObserver(vtkCommand::EndEvent, histogramCallback);
+  observeDataUpdates(m_ImageSliceFilter);
 
   setupScalarBar();
   if (VXDataSource* source = parentDataSource())

@@ -208,12 +208,7 @@ bool VXPointsRepPimpl::initialize(vtkAlgorithmOutput* port)
     infoCallback->setRepresentation(pointsRep);
     m_GeometryFilter->AddObserver(vtkCommand::EndEvent, infoCallback);
   }
-  vtkNew<VXMemberCallback<VXRepresentationPimpl>> decimateCallback;
-  decimateCallback->setTarget(this, &VXRepresentationPimpl::decimateGeometry);
-  m_GeometryFilter->AddObserver(vtkCommand::EndEvent, decimateCallback);
-  vtkNew<VXUpdateHistogramCallback> histogramCallback;
-  histogramCallback->setRepresentationPimpl(this);
-  m_GeometryFilter->AddObserver(vtkCommand::EndEvent, histogramCallback);
+  observeDataUpdates(m_GeometryFilter);
 
   setupScalarBar();
   if (VXDataSource* source = parentDataSource())

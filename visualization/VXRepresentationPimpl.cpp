@@ -8,6 +8,8 @@
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXRepresentation.hpp"
+#include "visualization/VXRepresentationCallbacks.hpp"
+#include "visualization/VXUpdateHistogramCallback.hpp"
 #include "visualization/VXUserPrompt.hpp"
 
 #include <KXComponents/KXIconPushButton.hpp>
@@ -32,6 +34,7 @@
 #include <vtkCommand.h>
 #include <vtkDataSet.h>
 #include <vtkMatrix4x4.h>
+#include <vtkNew.h>
 #include <vtkGridAxesActor3D.h>
 #include <vtkProp3D.h>
 #include <vtkProperty.h>
@@ -886,4 +889,14 @@ QPushButton* VXRepresentationPimpl::addPageButton(QBoxLayout* row, const char* i
   button->setObjectName(objectName);
   row->addWidget(button);
   return button;
+}
+
+void VXRepresentationPimpl::observeDataUpdates(vtkAlgorithm* algorithm)
+{
+  vtkNew<VXMemberCallback<VXRepresentationPimpl>> decimateCallback;
+  decimateCallback->setTarget(this, &VXRepresentationPimpl::decimateGeometry);
+  algorithm->AddObserver(vtkCommand::EndEvent, decimateCallback);
+  vtkNew<VXUpdateHistogramCallback> histogramCallback;
+  histogramCallback->setRepresentationPimpl(this);
+  algorithm->AddObserver(vtkCommand::EndEvent, histogramCallback);
 }

@@ -27,6 +27,7 @@ class QElidedLabel;
 class QFrame;
 class QScrollArea;
 class QWidget;
+class vtkAlgorithm;
 class QtKXSettings;
 class VXAbstractViewWidget;
 class VXFTransformFilterWidget;
@@ -194,6 +195,11 @@ Q_SIGNALS:
   void showTransformBoxChanged(bool shown);
 
 protected:
+  /**
+   * After each run of the algorithm that feeds this view's mapper: the coarse copy used while
+   * interacting and the histogram follow the new data.
+   */
+  void observeDataUpdates(vtkAlgorithm* algorithm);
   /** Asks the view for one frame. */
   void requestRender();
   /** Puts @p prop into the view or takes it out (with @p highlight), keeps the page's eye button in
