@@ -10,6 +10,8 @@
 #include <visualization/VXStateItemFactory.hpp>
 #include <visualization/VXTextAnnotationSource.hpp>
 
+#include <QtTest/QTest>
+#include <QtWidgets/QCheckBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 
@@ -161,7 +163,21 @@ TEST_F(GlobalSourceFixture, MenuAddsEachKindAsATopLevelRowCheckedInTheActiveView
                                  "VXCaptionAnnotationSource", "VXArrowAnnotationSource",
                                  "VXEllipseAnnotationSource", "VXDistanceAnnotationSource",
                                  "VXImageAnnotationSource", "VXBuildPlateAnnotationSource" }));
-  // the last one added is selected and its page is built from its settings
+  // the last one added is selected and its page, built from its settings, edits the active view's
+  VXGlobalSource* plate = m_Module->pipeline()->globalSources().back();
+  QCheckBox* grid = nullptr;
+  for (QCheckBox* box : m_Module->findChildren<QCheckBox*>("show_grid"))
+  {
+    if (box->isVisible())
+      grid = box;
+  }
+  ASSERT_NE(grid, nullptr);
+  ASSERT_TRUE(grid->isChecked());
+  QSignalSpy edited(plate, &VXGlobalSource::settingsChanged);
+  QTest::mouseClick(grid, Qt::LeftButton, Qt::NoModifier, QPoint(6, grid->height() / 2));
+  ASSERT_EQ(edited.count(), 1);
+  EXPECT_EQ(edited.front().front().value<VXAbstractViewWidget*>(), view(0));
+  EXPECT_EQ(plate->implementation(view(0))->settings().at("show_grid"), false);
   const QModelIndex last = model()->index(model()->rowCount() - 1, 1);
   QWidget* page = model()->itemWidget(last);
   ASSERT_NE(page, nullptr);
