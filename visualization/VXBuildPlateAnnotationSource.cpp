@@ -49,12 +49,12 @@ void VXBuildPlateAnnotationSource::fitToBounds(const double bounds[6])
   const double dx = bounds[1] - bounds[0];
   const double dy = bounds[3] - bounds[2];
   const double size = std::max({ dx, dy, 1e-3 });
-  setInitialSettings({ { "center", { (bounds[0] + bounds[1]) / 2, (bounds[2] + bounds[3]) / 2,
-                                     bounds[4] } },
-                       { "width", std::max(dx, size * 0.2) * 1.5 },
-                       { "depth", std::max(dy, size * 0.2) * 1.5 },
-                       { "thickness", size * 0.03 },
-                       { "grid_spacing", size / 10.0 } });
+  setInitialSettings(
+    { { "center", { (bounds[0] + bounds[1]) / 2, (bounds[2] + bounds[3]) / 2, bounds[4] } },
+      { "width", std::max(dx, size * 0.2) * 1.5 },
+      { "depth", std::max(dy, size * 0.2) * 1.5 },
+      { "thickness", size * 0.03 },
+      { "grid_spacing", size / 10.0 } });
 }
 
 QString VXBuildPlateAnnotationSource::build(VXGlobalSourcePimpl& impl)

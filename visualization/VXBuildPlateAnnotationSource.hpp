@@ -4,7 +4,8 @@
 
 #include <string_view>
 
-/** The build plate of an additive manufacturing machine: a flat slab whose top face lies at the given centre, under the part, with an optional grid on top. */
+/** The build plate of an additive manufacturing machine: a flat slab whose top face lies at the
+ * given centre, under the part, with an optional grid on top. */
 class KXVTKLIB_EXPORT VXBuildPlateAnnotationSource : public VXGlobalSource
 {
   Q_OBJECT
@@ -20,6 +21,7 @@ public:
   nlohmann::json defaultSettings() const override;
   std::vector<Field> fields() const override;
   void fitToBounds(const double bounds[6]) override;
+
 protected:
   QString build(VXGlobalSourcePimpl& impl) override;
 };

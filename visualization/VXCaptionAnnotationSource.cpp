@@ -44,8 +44,9 @@ std::vector<VXGlobalSource::Field> VXCaptionAnnotationSource::fields() const
 void VXCaptionAnnotationSource::fitToBounds(const double bounds[6])
 {
   // the caption points at the top of the middle of what is shown
-  setInitialSettings({ { "attachment_point", { (bounds[0] + bounds[1]) / 2,
-                                               (bounds[2] + bounds[3]) / 2, bounds[5] } } });
+  setInitialSettings(
+    { { "attachment_point",
+        { (bounds[0] + bounds[1]) / 2, (bounds[2] + bounds[3]) / 2, bounds[5] } } });
 }
 
 QString VXCaptionAnnotationSource::build(VXGlobalSourcePimpl& impl)

@@ -20,6 +20,7 @@ public:
   nlohmann::json defaultSettings() const override;
   std::vector<Field> fields() const override;
   void fitToBounds(const double bounds[6]) override;
+
 protected:
   QString build(VXGlobalSourcePimpl& impl) override;
 };

@@ -13,9 +13,8 @@ VXCornerAnnotationSource::~VXCornerAnnotationSource() = default;
 
 nlohmann::json VXCornerAnnotationSource::defaultSettings() const
 {
-  return { { "upper_left_text", "" },  { "upper_right_text", "" },
-           { "lower_left_text", "" },  { "lower_right_text", "" },
-           { "font_size", 14 },        { "color", { 1.0, 1.0, 1.0 } },
+  return { { "upper_left_text", "" },  { "upper_right_text", "" }, { "lower_left_text", "" },
+           { "lower_right_text", "" }, { "font_size", 14 },        { "color", { 1.0, 1.0, 1.0 } },
            { "opacity", 1.0 } };
 }
 

@@ -102,7 +102,8 @@ QString VXDistanceAnnotationSource::build(VXGlobalSourcePimpl& impl)
   auto rep = vtkSmartPointer<vtkDistanceRepresentation2D>::New();
   rep->SetHandleRepresentation(handle);
   rep->InstantiateHandleRepresentation();
-  for (vtkHandleRepresentation* end : { rep->GetPoint1Representation(), rep->GetPoint2Representation() })
+  for (vtkHandleRepresentation* end :
+       { rep->GetPoint1Representation(), rep->GetPoint2Representation() })
   {
     end->SetPointPlacer(placer);
     // a handle goes to the point under the pointer, not to where it was plus the pointer's step:
@@ -119,9 +120,10 @@ QString VXDistanceAnnotationSource::build(VXGlobalSourcePimpl& impl)
   if (numberFormat.match(format).hasMatch())
     rep->SetLabelFormat(format.toUtf8().constData());
   else
-    error = QString("The label format '%1' of the ruler '%2' is not a format for one number such as "
-                    "%-#6.3g; the default format is used.")
-              .arg(format, name());
+    error =
+      QString("The label format '%1' of the ruler '%2' is not a format for one number such as "
+              "%-#6.3g; the default format is used.")
+        .arg(format, name());
   rep->GetAxisProperty()->SetColor(color.data());
   rep->GetAxis()->GetTitleTextProperty()->SetColor(color.data());
   rep->GetAxis()->GetLabelTextProperty()->SetColor(color.data());

@@ -4,7 +4,8 @@
 
 #include <string_view>
 
-/** A ruler between two points that the user drags in the view; it shows the distance in world units. */
+/** A ruler between two points that the user drags in the view; it shows the distance in world
+ * units. */
 class KXVTKLIB_EXPORT VXDistanceAnnotationSource : public VXGlobalSource
 {
   Q_OBJECT
@@ -22,6 +23,7 @@ public:
   void fitToBounds(const double bounds[6]) override;
   /** The ruler's length in a view, in world units. */
   double distance(VXAbstractViewWidget* view) const;
+
 protected:
   QString build(VXGlobalSourcePimpl& impl) override;
 };

@@ -49,8 +49,8 @@ void VXEllipseAnnotationSource::fitToBounds(const double bounds[6])
   setInitialSettings(
     { { "center",
         { (bounds[0] + bounds[1]) / 2, (bounds[2] + bounds[3]) / 2, (bounds[4] + bounds[5]) / 2 } },
-      { "major_radius_vector", dx >= dy ? nlohmann::json{ major, 0.0, 0.0 }
-                                        : nlohmann::json{ 0.0, major, 0.0 } },
+      { "major_radius_vector",
+        dx >= dy ? nlohmann::json{ major, 0.0, 0.0 } : nlohmann::json{ 0.0, major, 0.0 } },
       { "ratio", major > 0.0 ? std::clamp(std::min(dx, dy) * 0.6 / major, 0.05, 1.0) : 0.5 } });
 }
 

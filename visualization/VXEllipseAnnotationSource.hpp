@@ -4,7 +4,8 @@
 
 #include <string_view>
 
-/** An ellipse drawn as a line in the world: centre, normal of its plane, major axis and the ratio of the minor to the major radius. */
+/** An ellipse drawn as a line in the world: centre, normal of its plane, major axis and the ratio
+ * of the minor to the major radius. */
 class KXVTKLIB_EXPORT VXEllipseAnnotationSource : public VXGlobalSource
 {
   Q_OBJECT
@@ -20,6 +21,7 @@ public:
   nlohmann::json defaultSettings() const override;
   std::vector<Field> fields() const override;
   void fitToBounds(const double bounds[6]) override;
+
 protected:
   QString build(VXGlobalSourcePimpl& impl) override;
 };

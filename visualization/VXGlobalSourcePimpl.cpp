@@ -64,7 +64,8 @@ void VXGlobalSourcePimpl::addProp(vtkProp* prop)
     ren->AddViewProp(prop);
 }
 
-void VXGlobalSourcePimpl::setWidget(vtkAbstractWidget* widget, std::function<void()> onInteractionEnd)
+void VXGlobalSourcePimpl::setWidget(vtkAbstractWidget* widget,
+                                    std::function<void()> onInteractionEnd)
 {
   vtkRenderWindowInteractor* iren = interactor();
   if (widget == nullptr || iren == nullptr)

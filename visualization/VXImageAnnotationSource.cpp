@@ -53,8 +53,9 @@ QString VXImageAnnotationSource::build(VXGlobalSourcePimpl& impl)
   reader.setAutoTransform(true);
   const QImage decoded = reader.read();
   if (decoded.isNull())
-    return QString("Cannot show the image '%1': the file is not a PNG, JPEG, BMP or TIFF image that "
-                   "can be read.")
+    return QString(
+             "Cannot show the image '%1': the file is not a PNG, JPEG, BMP or TIFF image that "
+             "can be read.")
       .arg(path);
   const QImage rgba = decoded.convertToFormat(QImage::Format_RGBA8888);
   auto picture = vtkSmartPointer<vtkImageData>::New();

@@ -4,7 +4,8 @@
 
 #include <string_view>
 
-/** An image file shown as a logo in the view: a place and a size in the view's fraction coordinates, and an opacity. The logo can be dragged and resized. */
+/** An image file shown as a logo in the view: a place and a size in the view's fraction
+ * coordinates, and an opacity. The logo can be dragged and resized. */
 class KXVTKLIB_EXPORT VXImageAnnotationSource : public VXGlobalSource
 {
   Q_OBJECT

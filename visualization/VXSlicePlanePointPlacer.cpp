@@ -50,9 +50,8 @@ int VXSlicePlanePointPlacer::ComputeWorldPosition(vtkRenderer* ren, double displ
   return 1;
 }
 
-int VXSlicePlanePointPlacer::ComputeWorldPosition(vtkRenderer* ren, double displayPos[2],
-                                                  double*, double worldPos[3],
-                                                  double worldOrient[9])
+int VXSlicePlanePointPlacer::ComputeWorldPosition(vtkRenderer* ren, double displayPos[2], double*,
+                                                  double worldPos[3], double worldOrient[9])
 {
   return ComputeWorldPosition(ren, displayPos, worldPos, worldOrient);
 }

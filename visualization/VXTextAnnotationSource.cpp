@@ -39,16 +39,12 @@ VXTextAnnotationSource::~VXTextAnnotationSource() = default;
 
 nlohmann::json VXTextAnnotationSource::defaultSettings() const
 {
-  return { { "text", "Text" },
-           { "placement", "Upper Left" },
-           { "position", { 0.1, 0.1 } },
-           { "font_family", "Arial" },
-           { "font_size", 18 },
-           { "bold", false },
-           { "italic", false },
-           { "shadow", false },
-           { "color", { 1.0, 1.0, 1.0 } },
-           { "opacity", 1.0 } };
+  return {
+    { "text", "Text" },         { "placement", "Upper Left" }, { "position", { 0.1, 0.1 } },
+    { "font_family", "Arial" }, { "font_size", 18 },           { "bold", false },
+    { "italic", false },        { "shadow", false },           { "color", { 1.0, 1.0, 1.0 } },
+    { "opacity", 1.0 }
+  };
 }
 
 std::vector<VXGlobalSource::Field> VXTextAnnotationSource::fields() const

@@ -4,7 +4,8 @@
 
 #include <string_view>
 
-/** A line of text in the view, at a preset place (a corner, an edge's middle, the centre) or at a free place in the view's fraction coordinates. */
+/** A line of text in the view, at a preset place (a corner, an edge's middle, the centre) or at a
+ * free place in the view's fraction coordinates. */
 class KXVTKLIB_EXPORT VXTextAnnotationSource : public VXGlobalSource
 {
   Q_OBJECT

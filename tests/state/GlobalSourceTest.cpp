@@ -302,13 +302,14 @@ TEST_F(GlobalSourceFixture, BadImagesAndBadValuesAreReportedWithoutTakingTheLoad
                   { "source_view_implementations",
                     json::array({ { { "render_window_index", 0 }, { "file_path", path } } }) } });
   };
-  json badValue = item("VXTextAnnotationSource",
-                       { { "source_view_implementations",
-                           json::array({ { { "render_window_index", 0 }, { "font_size", "x" } } }) } });
+  json badValue =
+    item("VXTextAnnotationSource",
+         { { "source_view_implementations",
+             json::array({ { { "render_window_index", 0 }, { "font_size", "x" } } }) } });
   // only the window: a text with the starting settings
   json plain = item("VXTextAnnotationSource", { { "render_window_index", -1 } });
-  load(stateWith(json::array({ imageItem(missing), imageItem((m_Dir / "broken.png").string()),
-                               badValue, plain })));
+  load(stateWith(json::array(
+    { imageItem(missing), imageItem((m_Dir / "broken.png").string()), badValue, plain })));
   EXPECT_EQ(output,
             (QStringList{
               QString("Cannot show the image '%1': the file does not exist.")
@@ -379,8 +380,8 @@ TEST_F(GlobalSourceFixture, RulerHandlesSnapToPixelCornersOfTheShownPicture)
   // a ruler on the picture: its second handle dragged with the mouse lands on a pixel corner
   auto* ruler = qobject_cast<VXDistanceAnnotationSource*>(add("VXDistanceAnnotationSource"));
   ASSERT_NE(ruler, nullptr);
-  ASSERT_TRUE(ruler->setSettings(view(0), { { "point1", { 1.5, 1.5, 0.0 } },
-                                            { "point2", { 5.5, 1.5, 0.0 } } }));
+  ASSERT_TRUE(ruler->setSettings(
+    view(0), { { "point1", { 1.5, 1.5, 0.0 } }, { "point2", { 5.5, 1.5, 0.0 } } }));
   view(0)->getVisualizationWidget()->renderWindow()->Render();
   QSignalSpy changed(ruler, &VXGlobalSource::settingsChanged);
   auto from = toDisplay(5.5, 1.5);
