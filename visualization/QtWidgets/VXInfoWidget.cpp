@@ -818,11 +818,9 @@ QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
   return menu;
 }
 
-void VXInfoWidget::addAnnotationActions(QMenu* menu)
+QList<QPair<QString, QString>> VXInfoWidget::AnnotationKinds()
 {
-  menu->addSeparator();
-  QMenu* annotations = menu->addMenu("Add Annotation");
-  const QList<QPair<QString, QString>> kinds = {
+  return {
     { "VXTextAnnotationSource", "Text" },
     { "VXCornerAnnotationSource", "Corner Annotation" },
     { "VXCaptionAnnotationSource", "Caption" },
@@ -832,8 +830,14 @@ void VXInfoWidget::addAnnotationActions(QMenu* menu)
     { "VXImageAnnotationSource", "Image (Logo)..." },
     { "VXBuildPlateAnnotationSource", "Build Plate" },
   };
+}
+
+void VXInfoWidget::addAnnotationActions(QMenu* menu)
+{
+  menu->addSeparator();
+  QMenu* annotations = menu->addMenu("Add Annotation");
   const bool hasView = pipeline() != nullptr && pipeline()->activeViewWidget() != nullptr;
-  for (const auto& [itemType, label] : kinds)
+  for (const auto& [itemType, label] : AnnotationKinds())
   {
     QAction* action = annotations->addAction(label);
     action->setEnabled(hasView);

@@ -9,6 +9,7 @@
 #include <QtCore/QList>
 #include <QtCore/QMap>
 #include <QtCore/QModelIndex>
+#include <QtCore/QPair>
 #include <QtCore/QPointer>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -91,6 +92,8 @@ public:
   /** Adds an annotation of a global source type to the active view, placed around what it shows,
    * and selects it; an image asks for its file first. Null when nothing was added. */
   VXGlobalSource* addGlobalSource(const QString& itemType);
+  /** The annotations a user can add, as (item type, menu label), in menu order. */
+  static QList<QPair<QString, QString>> AnnotationKinds();
   /** The names of the presets stored in the settings. */
   static QStringList PresetNames();
 
