@@ -26,6 +26,8 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXFSlice.hpp
   visualization/VXFThreshold.hpp
   visualization/VXGlobalSource.hpp
+  visualization/VXGlyphRep.hpp
+  visualization/VXGlyphRepPimpl.hpp
   visualization/VXImageSliceRep.hpp
   visualization/VXImageSliceRepPimpl.hpp
   visualization/VXImageSliceUtilities.hpp
