@@ -452,8 +452,9 @@ void VXGlyphRepPimpl::applySampling()
   // only the arrays the glyphs read go on, so a mask copies nothing else
   vtkDataArraySelection* selection = m_ArrayPass->GetPointDataArraySelection();
   selection->RemoveAllArrays();
-  for (const QString& name : { m_OrientationArray, m_ScaleMode != ScaleOff ? m_ScaleArray : QString(),
-                               m_Coloring.useSolidColor ? QString() : m_Coloring.activeArray })
+  for (const QString& name :
+       { m_OrientationArray, m_ScaleMode != ScaleOff ? m_ScaleArray : QString(),
+         m_Coloring.useSolidColor ? QString() : m_Coloring.activeArray })
   {
     if (!name.isEmpty())
       selection->EnableArray(name.toStdString().c_str());
@@ -935,16 +936,16 @@ void VXGlyphRepPimpl::read(const nlohmann::json& input)
     m_Opacity = std::clamp(input.at("opacity_percent").get<double>() / 100.0, 0.0, 1.0);
   if (input.contains("solid_color_r") && input.contains("solid_color_g") &&
       input.contains("solid_color_b"))
-    m_SolidColor =
-      QColor(std::clamp(input.at("solid_color_r").get<int>(), 0, 255),
-             std::clamp(input.at("solid_color_g").get<int>(), 0, 255),
-             std::clamp(input.at("solid_color_b").get<int>(), 0, 255));
+    m_SolidColor = QColor(std::clamp(input.at("solid_color_r").get<int>(), 0, 255),
+                          std::clamp(input.at("solid_color_g").get<int>(), 0, 255),
+                          std::clamp(input.at("solid_color_b").get<int>(), 0, 255));
   if (input.contains("glyph_type"))
     m_GlyphType = EnumFromInt<GlyphType>(input.at("glyph_type").get<int>(),
                                          static_cast<int>(k_GlyphTypeNames.size()));
   if (input.contains("glyph_orientation_array"))
   {
-    m_OrientationArray = QString::fromStdString(input.at("glyph_orientation_array").get<std::string>());
+    m_OrientationArray =
+      QString::fromStdString(input.at("glyph_orientation_array").get<std::string>());
     m_ArraysChosen = true;
   }
   if (input.contains("glyph_scale_mode"))
@@ -1289,8 +1290,7 @@ void VXGlyphRepPimpl::buildSettingsPage()
   connect(m_OrientationCombo, &QComboBox::currentTextChanged, this,
           &VXGlyphRepPimpl::setOrientationArray);
   connect(m_ScaleModeCombo, &QComboBox::currentIndexChanged, this, &VXGlyphRepPimpl::setScaleMode);
-  connect(m_ScaleArrayCombo, &QComboBox::currentTextChanged, this,
-          &VXGlyphRepPimpl::setScaleArray);
+  connect(m_ScaleArrayCombo, &QComboBox::currentTextChanged, this, &VXGlyphRepPimpl::setScaleArray);
   connect(m_ScaleFactorSpinBox, &QDoubleSpinBox::valueChanged, this,
           &VXGlyphRepPimpl::setScaleFactor);
   connect(m_ResetScaleFactorButton, &QPushButton::clicked, this,
