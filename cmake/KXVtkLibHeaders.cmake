@@ -36,6 +36,8 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXImageAnnotationSource.hpp
   visualization/VXSlicePlanePointPlacer.hpp
   visualization/VXTextAnnotationSource.hpp
+  visualization/VXGlyphRep.hpp
+  visualization/VXGlyphRepPimpl.hpp
   visualization/VXImageSliceRep.hpp
   visualization/VXImageSliceRepPimpl.hpp
   visualization/VXImageSliceUtilities.hpp

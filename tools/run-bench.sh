@@ -19,3 +19,5 @@ xvfb-run -a -s "-screen 0 1280x1024x24" "$build_dir/bench/kxvtk_slice_bench" --b
   --benchmark_out="$build_dir/bench/slice-results.json" --benchmark_out_format=json
 xvfb-run -a -s "-screen 0 1280x1024x24" "$build_dir/bench/kxvtk_quadview_bench" --benchmark_filter="$filter" \
   --benchmark_out="$build_dir/bench/quadview-results.json" --benchmark_out_format=json
+xvfb-run -a -s "-screen 0 1280x1024x24" "$build_dir/bench/kxvtk_glyph_bench" --benchmark_filter="$filter" \
+  --benchmark_out="$build_dir/bench/glyph-results.json" --benchmark_out_format=json

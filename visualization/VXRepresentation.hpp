@@ -52,8 +52,8 @@ public:
   /** A new data view of the type, or null when no class is registered for it. */
   static VXRepresentation* Create(Type type, VXPipeline* pipeline);
   static bool IsRegistered(Type type);
-  /** Registers the outline, points, wireframe, surface, image slice and volume data views (done
-   * once when the library loads). */
+  /** Registers the outline, points, wireframe, surface, image slice, volume and glyph data views
+   * (done once when the library loads). */
   static void RegisterBuiltInRepresentations();
 
   /** Implementations by view, in address order of the views. */

@@ -1,3 +1,4 @@
+#include "visualization/VXGlyphRep.hpp"
 #include "visualization/VXImageSliceRep.hpp"
 #include "visualization/VXOutlineRep.hpp"
 #include "visualization/VXPointsRep.hpp"
@@ -13,6 +14,7 @@ void VXRepresentation::RegisterBuiltInRepresentations()
   RegisterType(Surface, [](VXPipeline* pipeline) { return new VXSurfaceRep(pipeline); });
   RegisterType(Volume, [](VXPipeline* pipeline) { return new VXVolumeRep(pipeline); });
   RegisterType(ImageSlice, [](VXPipeline* pipeline) { return new VXImageSliceRep(pipeline); });
+  RegisterType(Glyph, [](VXPipeline* pipeline) { return new VXGlyphRep(pipeline); });
 }
 
 namespace

@@ -18,6 +18,7 @@
 #include <visualization/VXPlane.hpp>
 #include <visualization/VXBox.hpp>
 #include <visualization/VXStateItemFactory.hpp>
+#include <visualization/VXGlyphRepPimpl.hpp>
 #include <visualization/VXImageSliceRep.hpp>
 #include <visualization/VXImageSliceRepPimpl.hpp>
 #include <visualization/VXPipeline.hpp>
@@ -648,6 +649,11 @@ bool ViewerApplication::applyColoring()
           else if (auto* slice = dynamic_cast<VXImageSliceRepPimpl*>(split))
           {
             slice->setActiveArray(m_Options.colorBy);
+            ++coloredViews;
+          }
+          else if (auto* glyphs = dynamic_cast<VXGlyphRepPimpl*>(split))
+          {
+            glyphs->setActiveArray(m_Options.colorBy);
             ++coloredViews;
           }
           else

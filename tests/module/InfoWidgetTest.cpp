@@ -72,7 +72,7 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
   QMenu* views = submenu(sourceMenu.get(), "Add Data View");
   ASSERT_NE(views, nullptr);
   EXPECT_EQ(texts(views), (QStringList{ "Outline", "Points", "Wireframe", "Surface",
-                                        "2D Image/Slice", "Volume" }));
+                                        "2D Image/Slice", "Volume", "Glyph" }));
   // the volume and the image slice are offered for images only
   int images = 0;
   int others = 0;
@@ -84,6 +84,7 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
     std::unique_ptr<QMenu> menu(info()->createContextMenu(sourceIndex(row)));
     EXPECT_EQ(action(submenu(menu.get(), "Add Data View"), "Volume")->isEnabled(), image);
     EXPECT_EQ(action(submenu(menu.get(), "Add Data View"), "2D Image/Slice")->isEnabled(), image);
+    EXPECT_TRUE(action(submenu(menu.get(), "Add Data View"), "Glyph")->isEnabled());
     ++(image ? images : others);
   }
   EXPECT_GT(images, 0);

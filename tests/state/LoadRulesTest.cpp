@@ -61,7 +61,7 @@ const QString k_NotTopLevel = "Error reading state file; found VXBridgeObject it
 
 TEST_F(LoadRulesFixture, UnknownAndNotYetAvailableTypesUnderASourceAreReportedAndTheirSistersLoad)
 {
-  // volumes and glyphs come with their own classes; until then their names are unknown here
+  // names of items this library has no class for
   const QStringList unknown = { "VXMystery", "VXDistanceSource", "VXFImageResample",
                                 "VXFQuadricClustering" };
   json children = json::array();
@@ -72,6 +72,7 @@ TEST_F(LoadRulesFixture, UnknownAndNotYetAvailableTypesUnderASourceAreReportedAn
   // the image slice loads under both of its names, the newer one with its trailing blank
   children.push_back(item("VXImageSliceRep "));
   children.push_back(item("VXSliceRep"));
+  children.push_back(item("VXGlyphRep"));
   children.push_back(item("VXOutlineRep"));
   load(stateWith(json::array(
     { fileBridge(m_Sample, json::array({ voxeliaSource("Microstructure", children) })) })));
@@ -83,8 +84,8 @@ TEST_F(LoadRulesFixture, UnknownAndNotYetAvailableTypesUnderASourceAreReportedAn
   // the unknown items' children never load; the known sisters do, in order
   const QModelIndex source = sourceNamed("Microstructure");
   ASSERT_TRUE(source.isValid());
-  EXPECT_EQ(childTypes(source),
-            (QStringList{ "VXPointsRep", "VXImageSliceRep ", "VXImageSliceRep ", "VXOutlineRep" }));
+  EXPECT_EQ(childTypes(source), (QStringList{ "VXPointsRep", "VXImageSliceRep ", "VXImageSliceRep ",
+                                              "VXGlyphRep", "VXOutlineRep" }));
   // the sample's other geometries are not named by the state: they are gone
   EXPECT_EQ(dataSources().size(), 1);
 }

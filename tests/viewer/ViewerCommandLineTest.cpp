@@ -242,6 +242,14 @@ TEST_F(ViewerCommandLine, ChosenDataViewIsDrawnOnEveryKindOfDataSet)
   ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
   EXPECT_GT(colouredShare(QImage(volumeShot)), 0.03);
 
+  // arrows along the grid's momentum, coloured by its density
+  const QString glyphShot = qpath(m_Dir / "glyphs.png");
+  run = runViewer({ "--screenshot", glyphShot, "--size", "320x240", "--representation", "Glyph",
+                    "--color-by", "Density", QStringLiteral(KXVTK_DATA_DIR "/StructuredGrid.vts") },
+                  m_Dir);
+  ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
+  EXPECT_GT(colouredShare(QImage(glyphShot)), 0.03);
+
   // requests that cannot be honoured fail with the reason, and write nothing
   const QString never = qpath(m_Dir / "never.png");
   run = runViewer({ "--screenshot", never, "--representation", "Volume", files[0] }, m_Dir);

@@ -1,0 +1,275 @@
+#pragma once
+
+#include "visualization/VXColoringSettings.hpp"
+#include "visualization/VXRepresentationPimpl.hpp"
+#include "visualization/VXScalarColoring.hpp"
+
+#include <kxcore/ColorPreset.hpp>
+
+#include <QtCore/QStringList>
+#include <QtWidgets/QWidget> // control<W>() searches the page
+
+#include <vtkActor.h>
+#include <vtkGlyph3DMapper.h>
+#include <vtkMaskPoints.h>
+#include <vtkSmartPointer.h>
+
+#include <array>
+
+class KXColorButton;
+class QCheckBox;
+class QComboBox;
+class QDoubleSpinBox;
+class QPushButton;
+class QSlider;
+class QSpinBox;
+class VXArrayHistogramWidget;
+class VXDataSource;
+class vtkDataArray;
+class vtkDataSet;
+class vtkPassSelectedArrays;
+class vtkPolyDataAlgorithm;
+
+/**
+ * The glyph data view in one render view: a vtkGlyph3DMapper draws one shape per shown point,
+ * turned along a vector array (or not turned), sized by nothing, a scalar or a vector's magnitude
+ * times a factor, and coloured through this view's lookup table like the points family
+ * (VXColoringSettings, same keys and defaults). Before the mapper, a shallow pass keeps only the
+ * point arrays the glyphs use, and a large data set is thinned to every Nth point or to a uniform
+ * random subset of at most a given count, so the mask copies only the sampled tuples of those
+ * arrays. Where no thinning is needed the mapper reads the parent's data itself.
+ */
+class KXVTKLIB_EXPORT VXGlyphRepPimpl
+  : public VXRepresentationPimpl
+  , public VXScalarColoring
+{
+  Q_OBJECT
+
+public:
+  using ColorPreset = VXScalarColoring::ColorPreset;
+
+  enum GlyphType
+  {
+    Arrow = 0,
+    Cone = 1,
+    Sphere = 2,
+    Cube = 3,
+    Line = 4
+  };
+  enum ScaleMode
+  {
+    ScaleOff = 0,
+    ScaleByScalar = 1,
+    ScaleByVectorMagnitude = 2
+  };
+  enum SamplingMode
+  {
+    AllPoints = 0,
+    EveryNthPoint = 1,
+    UniformRandomSubset = 2
+  };
+  /** The combo texts, in enum order. */
+  static const QStringList k_GlyphTypeNames;
+  static const QStringList k_ScaleModeNames;
+  static const QStringList k_SamplingModeNames;
+  /** The orientation combo's first entry: glyphs keep the shape's own direction. */
+  static inline const QString k_NoOrientation = QStringLiteral("No Orientation");
+  /** The largest glyph of a factor taken from the data spans this share of the data's extent. */
+  static constexpr double k_DefaultSizeOfExtent = 0.1;
+
+  VXGlyphRepPimpl(VXAbstractViewWidget* view, VXRepresentation* owner);
+  ~VXGlyphRepPimpl() override;
+
+  bool initialize(vtkAlgorithmOutput* port) override;
+  bool finalize() override;
+  void write(nlohmann::json& output) const override;
+  void read(const nlohmann::json& input) override;
+  /** The points glyphs are drawn at: the mask's output, or the array pass where nothing is masked.
+   */
+  vtkAlgorithmOutput* outputPort() override;
+  vtkAlgorithmOutput* inputPort() override;
+  void buildSettingsPage() override;
+  void connectParentColorSignals(bool trigger) override;
+  void disconnectParentColorSignals() override;
+  void bounds(double bounds[6]) override;
+  bool isVisible() const override { return m_Visible; }
+  void setVisibility(bool visible) override;
+  void copySettingsToClipboard() override;
+  void copyFrom(VXRepresentationPimpl* other) override;
+  void pasteSettingsFromClipboard() override;
+  void saveDefaultSettings() override;
+  void loadDefaultSettings() override;
+  void setHighlighted(bool highlighted) override;
+  void updateToolTips() override;
+  // glyphs thin their input by sampling; there is no coarse copy to switch to
+  void useFullGeometry() override {}
+  void useDecimatedGeometry() override {}
+  bool isInitialized() const override { return m_Initialized; }
+
+  vtkActor* actor() const { return m_Actor; }
+  vtkGlyph3DMapper* glyphMapper() const { return m_Mapper; }
+  vtkMaskPoints* maskPoints() const { return m_Mask; }
+  /** The parent's data set that the glyphs are taken from. */
+  vtkDataSet* inputDataSet() const;
+  /** The data set the mapper draws: one glyph per point. */
+  vtkDataSet* glyphedDataSet() const;
+  /** How many glyphs the mapper draws. */
+  vtkIdType glyphCount() const;
+  VXLookupTable* lookupTable() const { return m_LookupTable.data(); }
+  VXArrayHistogramWidget* histogramWidget() const;
+
+  GlyphType glyphType() const { return m_GlyphType; }
+  QString orientationArray() const { return m_OrientationArray; }
+  ScaleMode scaleMode() const { return m_ScaleMode; }
+  QString scaleArray() const { return m_ScaleArray; }
+  double scaleFactor() const { return m_ScaleFactor; }
+  /** Whether the factor still follows the data (no factor was given by the user or a file). */
+  bool scaleFactorFromData() const { return m_ScaleFactorFromData; }
+  SamplingMode samplingMode() const { return m_SamplingMode; }
+  int stride() const { return m_Stride; }
+  int maximumCount() const { return m_MaximumCount; }
+  QColor solidColor() const { return m_SolidColor; }
+  double opacity() const { return m_Opacity; }
+  /**
+   * The factor a scientist expects: the largest glyph spans a tenth of the data's largest extent,
+   * whatever the scale array's values.
+   */
+  double defaultScaleFactor() const;
+  /** Point arrays of the parent's data fit to orient glyphs (three components). */
+  QStringList orientationArrayChoices() const;
+  /** Point arrays fit for a scale mode: one component for a scalar, more for a vector. */
+  QStringList scaleArrayChoices(ScaleMode mode) const;
+
+  /** A control of the settings page by object name (for hosts and tests). */
+  template<typename W>
+  W* control(const QString& name) const
+  {
+    return m_SettingsWidget != nullptr ? m_SettingsWidget->template findChild<W*>(name) : nullptr;
+  }
+
+public Q_SLOTS:
+  void receivePipelineOutputReloaded() override;
+  void setGlyphType(int type);
+  /** An empty name or k_NoOrientation turns orientation off. */
+  void setOrientationArray(const QString& arrayName);
+  /** A mode whose array is missing takes the first fitting array. */
+  void setScaleMode(int mode);
+  void setScaleArray(const QString& arrayName);
+  /** A factor the user gives; the data no longer moves it. */
+  void setScaleFactor(double factor);
+  /** Back to the factor taken from the data. */
+  void resetScaleFactor();
+  void setSamplingMode(int mode);
+  /** N of "Every Nth Point", at least 1. */
+  void setStride(int stride);
+  /** The most glyphs "Uniform Random Subset" draws, at least 1. */
+  void setMaximumCount(int count);
+  void setActiveArray(const QString& arrayName);
+  void setActiveComponent(int component);
+  void arrayNameComboIndexChanged(int index);
+  void arrayComponentComboChanged(int index);
+  void loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset);
+  void loadIndexedPresetColors(kx::core::ColorTableUtilities::ColorPreset preset);
+  void restoreDefaultRgbPresetColors();
+  void restoreDefaultIndexedPresetColors();
+  void setColorMapInverted(bool inverted);
+  void rescaleToDataRange();
+  void rescaleToCustomRange(double min, double max);
+  void openCustomRangeDialog();
+  void setUseSolidColor(bool checked);
+  void setSolidColor(QColor color);
+  void setNanColor(QColor color);
+  void setInterpretValuesAsCategories(bool categories);
+  /** "Map Scalars :"; as in the points family the choice lands in the active component field. */
+  void updateColorMode(int index);
+  void editColorsButtonClicked();
+  void onColorMapEdited();
+  void setScalarBarVisibility(bool visible);
+  void setOpacity(int percent);
+  void setGenerateHistogram(bool generate);
+  void onDetachColorSettings(bool checked);
+  void onSyncColorMapToParentGeometry() override;
+  void applyTransform() override;
+  void decimateGeometry() override {}
+  void updateHistogram() override;
+
+Q_SIGNALS:
+  /** The data of the histogram changed: the array, its component and the range in use. */
+  void histogramDataChanged(vtkDataArray* array, int component, bool usingCustomRange,
+                            double rangeMin, double rangeMax);
+
+private:
+  VXDataSource* parentDataSource() const;
+  vtkDataArray* activeDataArray() const;
+  /** Shape source of the glyph type. */
+  void applyGlyphType();
+  /** Orientation, scale mode, array and factor onto the mapper. */
+  void applyOrientationAndScale();
+  /** Keeps the arrays in use, and masks or not by the sampling mode. */
+  void applySampling();
+  /** Arrays not chosen yet get the data's: its vectors to orient, no scaling. */
+  void chooseDefaultArrays();
+  /** Solid colour or the table onto the mapper and the actor's property. */
+  void applyColoring();
+  void setupScalarBar();
+  void refillComponentCombo();
+  void updateArrayColoringChoices();
+  void refillGlyphCombos();
+  void syncControls();
+  vtkDataSet* coloringDataSet() const override;
+  void coloringTableChanged() override;
+  void coloringHistogramChanged() override;
+  void coloringRender() override;
+  void loadGlyphDefaults(QtKXSettings& settings);
+
+  vtkSmartPointer<vtkActor> m_Actor;
+  vtkSmartPointer<vtkGlyph3DMapper> m_Mapper;
+  vtkSmartPointer<vtkPassSelectedArrays> m_ArrayPass;
+  vtkSmartPointer<vtkMaskPoints> m_Mask;
+  vtkSmartPointer<vtkPolyDataAlgorithm> m_GlyphSource;
+  vtkSmartPointer<vtkActor> m_HighlightActor;
+
+  GlyphType m_GlyphType = Arrow;
+  QString m_OrientationArray;
+  ScaleMode m_ScaleMode = ScaleOff;
+  QString m_ScaleArray;
+  double m_ScaleFactor = 1.0;
+  bool m_ScaleFactorFromData = true;
+  /** False until arrays were taken from the data, a file, the user or another view. */
+  bool m_ArraysChosen = false;
+  SamplingMode m_SamplingMode = UniformRandomSubset;
+  int m_Stride = 10;
+  int m_MaximumCount = 5000;
+  QColor m_SolidColor = Qt::white;
+  double m_Opacity = 1.0;
+  QList<QMetaObject::Connection> m_ParentColorConnections;
+  bool m_Initialized = false;
+  bool m_Highlighted = false;
+
+  QPointer<QWidget> m_PageContent;
+  QPointer<QComboBox> m_GlyphTypeCombo;
+  QPointer<QComboBox> m_OrientationCombo;
+  QPointer<QComboBox> m_ScaleModeCombo;
+  QPointer<QComboBox> m_ScaleArrayCombo;
+  QPointer<QDoubleSpinBox> m_ScaleFactorSpinBox;
+  QPointer<QPushButton> m_ResetScaleFactorButton;
+  QPointer<QComboBox> m_SamplingCombo;
+  QPointer<QSpinBox> m_StrideSpinBox;
+  QPointer<QSpinBox> m_MaximumCountSpinBox;
+  QPointer<QCheckBox> m_DetachColorCheckBox;
+  QPointer<KXColorButton> m_SolidColorButton;
+  QPointer<QComboBox> m_ArrayCombo;
+  QPointer<QComboBox> m_ComponentCombo;
+  QPointer<QCheckBox> m_SolidColorCheckBox;
+  QPointer<QCheckBox> m_CategoriesCheckBox;
+  QPointer<QPushButton> m_ColorPresetButton;
+  QPointer<QPushButton> m_InvertColorBtn;
+  QPointer<QPushButton> m_EditColorMapButton;
+  QPointer<QComboBox> m_ScalarMappingCombo;
+  QPointer<QPushButton> m_ScaleToDataButton;
+  QPointer<QPushButton> m_CustomRangeButton;
+  QPointer<QSlider> m_OpacitySlider;
+  QPointer<QCheckBox> m_LegendCheckBox;
+  QPointer<QCheckBox> m_HistogramCheckBox;
+  QPointer<VXArrayHistogramWidget> m_HistogramWidget;
+};
