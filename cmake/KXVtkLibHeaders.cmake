@@ -85,7 +85,18 @@ set(KXVTK_INSTALLED_HEADERS
   quadview/VXQuadViewControlWidget.hpp
   quadview/VXQuadViewModuleWidget.hpp
   quadview/VXQuadViewWindow.hpp
+  quadview/annotations/AnnotationCommon.hpp
+  quadview/annotations/AnnotationId.hpp
+  quadview/annotations/AnnotationJson.hpp
+  quadview/annotations/AnnotationRestore.hpp
+  quadview/annotations/MarkShape.hpp
   quadview/annotations/SliceGeometry.hpp
+  quadview/annotations/VXAnnotationHud.hpp
+  quadview/annotations/VXQuadViewAnnotation.hpp
+  quadview/annotations/VXQuadViewAnnotationsController.hpp
+  quadview/annotations/VXQuadViewMark.hpp
+  quadview/annotations/VXQuadViewRuler.hpp
+  quadview/annotations/VXRulerHandleRepresentation.hpp
   quadview/VXResliceCursorLineRepresentation.hpp
   quadview/VXResliceCursorRepresentationBase.hpp
   quadview/VXResliceCursorRepresentationCommon.hpp
