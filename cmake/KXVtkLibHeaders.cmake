@@ -94,8 +94,11 @@ set(KXVTK_INSTALLED_HEADERS
   quadview/annotations/VXAnnotationHud.hpp
   quadview/annotations/VXQuadViewAnnotation.hpp
   quadview/annotations/VXQuadViewAnnotationsController.hpp
+  quadview/annotations/VXQuadViewAnnotationsTableModel.hpp
   quadview/annotations/VXQuadViewMark.hpp
+  quadview/annotations/VXQuadViewMarkHUD.hpp
   quadview/annotations/VXQuadViewRuler.hpp
+  quadview/annotations/VXQuadViewRulerHUD.hpp
   quadview/annotations/VXRulerHandleRepresentation.hpp
   quadview/VXResliceCursorLineRepresentation.hpp
   quadview/VXResliceCursorRepresentationBase.hpp
