@@ -32,9 +32,7 @@ class VXQuadViewAnnotationsController;
  * constant size in pixels whatever the zoom, with an optional name label.
  * A new mark is locked: it shows only on its own slice.
  */
-class KXVTKLIB_EXPORT VXQuadViewMark
-  : public QObject
-  , public VXQuadViewAnnotation
+class KXVTKLIB_EXPORT VXQuadViewMark : public QObject, public VXQuadViewAnnotation
 {
   Q_OBJECT
 
@@ -114,7 +112,8 @@ public:
 private:
   static void onInteraction(vtkObject* caller, unsigned long eventId, void* clientData,
                             void* callData);
-  static void onCamera(vtkObject* caller, unsigned long eventId, void* clientData, void* callData);
+  static void onCamera(vtkObject* caller, unsigned long eventId, void* clientData,
+                       void* callData);
   void observeCamera();
   void setShown(bool shown);
 

@@ -33,9 +33,7 @@ class VXRulerHandleRepresentation;
  * shows only on the slice it was pinned to. It exists only on axis aligned
  * slices: oblique, it hides.
  */
-class KXVTKLIB_EXPORT VXQuadViewRuler
-  : public QObject
-  , public VXQuadViewAnnotation
+class KXVTKLIB_EXPORT VXQuadViewRuler : public QObject, public VXQuadViewAnnotation
 {
   Q_OBJECT
 
