@@ -44,10 +44,10 @@ public:
     ColumnCount = 6
   };
 
-  /** Lists the annotations the controllers hold now, by slice pane index; null entries are skipped. */
+  /** Lists the annotations the controllers hold now, by slice pane index; null entries are skipped.
+   */
   explicit VXQuadViewAnnotationsTableModel(
-    const std::array<VXQuadViewAnnotationsController*, 3>& controllers,
-    QObject* parent = nullptr);
+    const std::array<VXQuadViewAnnotationsController*, 3>& controllers, QObject* parent = nullptr);
   ~VXQuadViewAnnotationsTableModel() override;
 
   int rowCount(const QModelIndex& parent = QModelIndex()) const override;

@@ -64,8 +64,7 @@ void VXQuadViewMarkHUD::setupUi()
   for (QDoubleSpinBox* spin : { m_Anchor.u, m_Anchor.v })
     connect(spin, &QDoubleSpinBox::valueChanged, this, &VXQuadViewMarkHUD::onAnchorUvEdited);
   connect(m_ColorButton, &KXColorButton::changedColor, this, &VXQuadViewMarkHUD::onColorChanged);
-  connect(m_ShapeCombo, &QComboBox::currentIndexChanged, this,
-          &VXQuadViewMarkHUD::onShapeChanged);
+  connect(m_ShapeCombo, &QComboBox::currentIndexChanged, this, &VXQuadViewMarkHUD::onShapeChanged);
   connect(m_SizeSpin, &QSpinBox::valueChanged, this, &VXQuadViewMarkHUD::onSizeChanged);
   connect(m_LabelCheck, &QCheckBox::toggled, this, &VXQuadViewMarkHUD::onLabelVisibleToggled);
   connect(m_LockedCheck, &QCheckBox::toggled, this, &VXQuadViewMarkHUD::onLockedToggled);

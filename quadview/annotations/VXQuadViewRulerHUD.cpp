@@ -13,8 +13,7 @@
 namespace voxelia::quadview::annotations
 {
 VXQuadViewRulerHUD::VXQuadViewRulerHUD(VXQuadViewRuler* ruler,
-                                       VXQuadViewAnnotationsController* controller,
-                                       QWidget* parent)
+                                       VXQuadViewAnnotationsController* controller, QWidget* parent)
   : VXAnnotationHud(controller, parent)
   , m_Ruler(ruler)
 {

@@ -6,7 +6,6 @@
 
 #include <QtCore/QPointer>
 
-
 namespace voxelia::quadview::annotations
 {
 class VXQuadViewAnnotationsController;
