@@ -85,7 +85,6 @@ set(KXVTK_INSTALLED_HEADERS
   quadview/VXQuadViewControlWidget.hpp
   quadview/VXQuadViewModuleWidget.hpp
   quadview/VXQuadViewWindow.hpp
-  quadview/annotations/AnnotationCommon.hpp
   quadview/annotations/AnnotationId.hpp
   quadview/annotations/AnnotationJson.hpp
   quadview/annotations/AnnotationRestore.hpp
@@ -97,6 +96,7 @@ set(KXVTK_INSTALLED_HEADERS
   quadview/annotations/VXQuadViewAnnotationsTableModel.hpp
   quadview/annotations/VXQuadViewMark.hpp
   quadview/annotations/VXQuadViewMarkHUD.hpp
+  quadview/annotations/VXQuadViewPaneAnnotation.hpp
   quadview/annotations/VXQuadViewRuler.hpp
   quadview/annotations/VXQuadViewRulerHUD.hpp
   quadview/annotations/VXRulerHandleRepresentation.hpp

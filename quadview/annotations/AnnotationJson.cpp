@@ -7,7 +7,7 @@ namespace voxelia::quadview::annotations
 namespace
 {
 /** Up to @p count numbers of @p value's array, the rest 0. */
-template <size_t N>
+template<size_t N>
 std::array<double, N> numbersFromJson(const QJsonValue& value)
 {
   std::array<double, N> out{};

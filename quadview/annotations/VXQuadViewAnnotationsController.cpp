@@ -237,9 +237,10 @@ void VXQuadViewAnnotationsController::positionHud()
   const QRect pane = m_Pane->rect();
   const int w = m_Hud->width();
   const int h = m_Hud->height();
-  const auto limit = [](int value, int low, int high) { return std::max(low, std::min(value, high)); };
-  const int x = limit(r.center().x() - w / 2, pane.left() + k_HudMargin,
-                      pane.right() - k_HudMargin - w);
+  const auto limit = [](int value, int low, int high)
+  { return std::max(low, std::min(value, high)); };
+  const int x =
+    limit(r.center().x() - w / 2, pane.left() + k_HudMargin, pane.right() - k_HudMargin - w);
   int y = r.top() - k_HudGap - h;
   if (y < pane.top() + k_HudMargin)
     y = r.bottom() + k_HudGap;
@@ -357,8 +358,7 @@ void VXQuadViewAnnotationsController::onFocusChanged(QWidget* /*oldFocus*/, QWid
   hideHud();
 }
 
-void VXQuadViewAnnotationsController::setHovered(VXQuadViewAnnotation* annotation,
-                                                 QPoint globalPos)
+void VXQuadViewAnnotationsController::setHovered(VXQuadViewAnnotation* annotation, QPoint globalPos)
 {
   if (annotation == m_Hovered)
     return;

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "KXVtkLib_export.h"
-#include "quadview/annotations/AnnotationCommon.hpp"
 #include "quadview/annotations/MarkShape.hpp"
-#include "quadview/annotations/VXQuadViewAnnotation.hpp"
+#include "quadview/annotations/VXQuadViewPaneAnnotation.hpp"
 
 #include <QtCore/QObject>
 #include <QtCore/QPointF>
@@ -32,7 +31,7 @@ class VXQuadViewAnnotationsController;
  * constant size in pixels whatever the zoom, with an optional name label.
  * A new mark is locked: it shows only on its own slice.
  */
-class KXVTKLIB_EXPORT VXQuadViewMark : public QObject, public VXQuadViewAnnotation
+class KXVTKLIB_EXPORT VXQuadViewMark : public VXQuadViewPaneAnnotation
 {
   Q_OBJECT
 
@@ -48,17 +47,8 @@ public:
                  const std::array<double, 3>& anchor, QObject* parent = nullptr);
   ~VXQuadViewMark() override;
 
-  AnnotationId id() const override;
   Type type() const override;
-  SlicePaneRole role() const override;
-  QString name() const override;
-  void setName(const QString& name) override;
-  bool locked() const override;
-  void setLocked(bool locked) override;
-  int anchorSliceIndex() const override;
-  int displaySliceIndex() const override;
   QString summaryText() const override;
-  void navigateTo() override;
   void onSliceChanged(const SlicePlane& plane) override;
   bool hitTestScreen(const QPoint& p) const override;
   void setSelectedVisual(bool on) override;
@@ -88,16 +78,6 @@ public:
   void rebuildHandleRepForShape();
   /** Keeps the pixel size and the label's place while the camera moves. */
   void onCameraModified();
-  void configurePlacerForCurrentPlane(const SlicePlane& plane);
-  vtkRenderer* paneRenderer() const;
-  std::optional<QPointF> worldToPaneLocal(const std::array<double, 3>& p) const;
-  /** Tells the controller the mark changed, unless the mark is moving itself. */
-  void notifyChanged();
-
-  const SlicePlane& anchorPlane() const;
-  const WorldBounds& geomBounds() const;
-  VXQuadViewAnnotationsController* controller() const;
-  QVTKOpenGLNativeWidget* paneWidget() const;
   /** The hit radius in pixels: max(6, sizeInPixels). */
   int hitRadius() const;
   /** The label's font size: max(8, round(sizeInPixels * 1.25)). */
@@ -107,24 +87,24 @@ public:
   /** The label actor, null until first needed. */
   vtkTextActor* labelActor() const;
   /** Whether the mark is drawn now. */
-  bool isShown() const;
+  bool isShown() const override;
+
+protected:
+  void onNameChanged() override;
 
 private:
   static void onInteraction(vtkObject* caller, unsigned long eventId, void* clientData,
                             void* callData);
-  static void onCamera(vtkObject* caller, unsigned long eventId, void* clientData,
-                       void* callData);
+  static void onCamera(vtkObject* caller, unsigned long eventId, void* clientData, void* callData);
   void observeCamera();
   void setShown(bool shown);
 
-  AnnotationCommon m_Common;
   QColor m_Color{ 255, 0, 255, 255 };
   int m_SizeInPixels = k_DefaultSize;
   MarkShape m_Shape = MarkShape::Sphere;
   bool m_LabelVisible = false;
   vtkSmartPointer<vtkHandleWidget> m_Widget;
   vtkSmartPointer<vtkPolygonalHandleRepresentation3D> m_Representation;
-  vtkSmartPointer<vtkBoundedPlanePointPlacer> m_Placer;
   vtkSmartPointer<vtkCallbackCommand> m_InteractionCallback;
   vtkSmartPointer<vtkCallbackCommand> m_CameraCallback;
   unsigned long m_InteractionTag = 0;
@@ -133,7 +113,6 @@ private:
   vtkObject* m_ObservedCamera = nullptr;
   vtkSmartPointer<vtkTextActor> m_Label;
   bool m_LabelAdded = false;
-  bool m_SuppressNotify = false;
   bool m_Selected = false;
   bool m_Shown = true;
   std::array<double, 3> m_Anchor{};

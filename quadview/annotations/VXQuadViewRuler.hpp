@@ -1,8 +1,7 @@
 #pragma once
 
 #include "KXVtkLib_export.h"
-#include "quadview/annotations/AnnotationCommon.hpp"
-#include "quadview/annotations/VXQuadViewAnnotation.hpp"
+#include "quadview/annotations/VXQuadViewPaneAnnotation.hpp"
 
 #include <QtCore/QObject>
 #include <QtCore/QPointF>
@@ -33,7 +32,7 @@ class VXRulerHandleRepresentation;
  * shows only on the slice it was pinned to. It exists only on axis aligned
  * slices: oblique, it hides.
  */
-class KXVTKLIB_EXPORT VXQuadViewRuler : public QObject, public VXQuadViewAnnotation
+class KXVTKLIB_EXPORT VXQuadViewRuler : public VXQuadViewPaneAnnotation
 {
   Q_OBJECT
 
@@ -46,17 +45,8 @@ public:
                   QObject* parent = nullptr);
   ~VXQuadViewRuler() override;
 
-  AnnotationId id() const override;
   Type type() const override;
-  SlicePaneRole role() const override;
-  QString name() const override;
-  void setName(const QString& name) override;
-  bool locked() const override;
-  void setLocked(bool locked) override;
-  int anchorSliceIndex() const override;
-  int displaySliceIndex() const override;
   QString summaryText() const override;
-  void navigateTo() override;
   void onSliceChanged(const SlicePlane& plane) override;
   bool hitTestScreen(const QPoint& p) const override;
   void setSelectedVisual(bool on) override;
@@ -72,45 +62,28 @@ public:
   void setPoint2(const std::array<double, 3>& p);
   /** Euclidean distance of the end points in world units. */
   double distance() const;
-  /** Keeps both handles on @p plane. */
-  void configurePlacerForCurrentPlane(const SlicePlane& plane);
-  vtkRenderer* paneRenderer() const;
-  /** Pane-local widget position of @p p, if the pane can project. */
-  std::optional<QPointF> worldToPaneLocal(const std::array<double, 3>& p) const;
-  /** Tells the controller the ruler changed, unless the ruler is moving itself. */
-  void notifyChanged();
-
-  /** The plane the ruler was placed or pinned on. */
-  const SlicePlane& anchorPlane() const;
-  /** The geometry's bounds when placed. */
-  const WorldBounds& geomBounds() const;
-  VXQuadViewAnnotationsController* controller() const;
-  QVTKOpenGLNativeWidget* paneWidget() const;
   /** The widget, or null without a pane window. */
   vtkDistanceWidget* distanceWidget() const;
   /** End @p index (1 or 2), or null. */
   VXRulerHandleRepresentation* handleRepresentation(int index) const;
   /** Whether the ruler is drawn now: widget enabled and handles visible. */
-  bool isShown() const;
+  bool isShown() const override;
 
 private:
   static void onEndInteraction(vtkObject* caller, unsigned long eventId, void* clientData,
                                void* callData);
   void setShown(bool shown);
 
-  AnnotationCommon m_Common;
   vtkSmartPointer<vtkDistanceWidget> m_Widget;
   vtkSmartPointer<vtkDistanceRepresentation2D> m_Representation;
   vtkSmartPointer<VXRulerHandleRepresentation> m_Handle1;
   vtkSmartPointer<VXRulerHandleRepresentation> m_Handle2;
-  vtkSmartPointer<vtkBoundedPlanePointPlacer> m_Placer;
   vtkSmartPointer<vtkCallbackCommand> m_EndCallback;
   unsigned long m_EndTag = 0;
   double m_HandleSizeNormal = 0.0;
   double m_HandleSizeSelected = 0.0;
   double m_LineWidthNormal = 1.0;
   double m_LineWidthSelected = 3.0;
-  bool m_SuppressNotify = false;
   /** End points kept when there is no widget. */
   std::array<double, 3> m_Point1{};
   std::array<double, 3> m_Point2{};

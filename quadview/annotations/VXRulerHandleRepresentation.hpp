@@ -40,9 +40,6 @@ public:
 
   int ComputeInteractionState(int X, int Y, int modify = 0) override;
   void Highlight(int highlight) override;
-  void SetWorldPosition(double p[3]) override;
-  void SetDisplayPosition(double p[3]) override;
-  void ShallowCopy(vtkProp* prop) override;
 
 protected:
   VXRulerHandleRepresentation();
@@ -51,8 +48,6 @@ protected:
   void buildRingAndCrosshair();
   void buildDigitBadge();
   void applyActorVisibilities();
-  /** Moves ring, crosshair and badge to the handle's world position. */
-  void placeActors();
   void setHighlightState(int state);
 
 private:
