@@ -263,6 +263,29 @@ void VXQuadView::assignBlankRenderWindows()
 // ---------------------------------------------------------------------------
 // Image preparation
 
+namespace
+{
+/** The voxels of a host image are its cells; an image that only carries point arrays is shown
+ * by those instead. */
+/**
+ * VTK's ambient occlusion darkens a volume by its shading gradient: without shading it refuses
+ * the volume on every frame. The wish stays in the record and takes effect with shading.
+ */
+void applyAmbientOcclusion(vtkRenderer* renderer, const VXQuadViewControls& controls)
+{
+  if (renderer != nullptr)
+    renderer->SetUseSSAO(controls.m_SSAOEnabled && controls.m_ShadingEnabled);
+}
+
+vtkDataSetAttributes* voxelArraysOf(vtkImageData* image)
+{
+  if (image->GetCellData()->GetNumberOfArrays() == 0 &&
+      image->GetPointData()->GetNumberOfArrays() > 0)
+    return image->GetPointData();
+  return image->GetCellData();
+}
+} // namespace
+
 vtkSmartPointer<vtkImageData> VXQuadView::makeCellCenteredImage(vtkImageData* in)
 {
   if (in == nullptr)
@@ -274,20 +297,29 @@ vtkSmartPointer<vtkImageData> VXQuadView::makeCellCenteredImage(vtkImageData* in
   double origin[3];
   in->GetOrigin(origin);
   auto out = vtkSmartPointer<vtkImageData>::New();
-  // a one point axis has no cells along it: keep it one sample thick rather than empty
-  out->SetExtent(0, std::max(0, dims[0] - 2), 0, std::max(0, dims[1] - 2), 0,
-                 std::max(0, dims[2] - 2));
-  out->SetSpacing(spacing);
-  out->SetOrigin(origin[0] + 0.5 * spacing[0], origin[1] + 0.5 * spacing[1],
-                 origin[2] + 0.5 * spacing[2]);
-  vtkCellData* cells = in->GetCellData();
-  vtkPointData* points = out->GetPointData();
-  for (int a = 0; a < cells->GetNumberOfArrays(); ++a)
+  vtkDataSetAttributes* samples = voxelArraysOf(in);
+  if (samples == in->GetCellData())
   {
-    if (vtkDataArray* array = cells->GetArray(a))
+    // a one point axis has no cells along it: keep it one sample thick rather than empty
+    out->SetExtent(0, std::max(0, dims[0] - 2), 0, std::max(0, dims[1] - 2), 0,
+                   std::max(0, dims[2] - 2));
+    out->SetOrigin(origin[0] + 0.5 * spacing[0], origin[1] + 0.5 * spacing[1],
+                   origin[2] + 0.5 * spacing[2]);
+  }
+  else
+  {
+    // values already on the points (a .vti file, for instance) stand where they are
+    out->SetExtent(0, dims[0] - 1, 0, dims[1] - 1, 0, dims[2] - 1);
+    out->SetOrigin(origin);
+  }
+  out->SetSpacing(spacing);
+  vtkPointData* points = out->GetPointData();
+  for (int a = 0; a < samples->GetNumberOfArrays(); ++a)
+  {
+    if (vtkDataArray* array = samples->GetArray(a))
       points->AddArray(array); // shared: the reference count goes up, no voxel is copied
   }
-  if (vtkDataArray* scalars = cells->GetScalars(); scalars != nullptr && scalars->GetName())
+  if (vtkDataArray* scalars = samples->GetScalars(); scalars != nullptr && scalars->GetName())
     points->SetActiveScalars(scalars->GetName());
   // a host image need not mark an array active; the panes' colour mapping needs one
   else if (points->GetNumberOfArrays() > 0 && points->GetArray(0)->GetName() != nullptr)
@@ -419,13 +451,13 @@ void VXQuadView::reload(vtkImageData* image)
     vtkPointData* points = d->image->GetPointData();
     for (int a = points->GetNumberOfArrays() - 1; a >= 0; --a)
       points->RemoveArray(a);
-    vtkCellData* cells = image->GetCellData();
-    for (int a = 0; a < cells->GetNumberOfArrays(); ++a)
+    vtkDataSetAttributes* samples = voxelArraysOf(image);
+    for (int a = 0; a < samples->GetNumberOfArrays(); ++a)
     {
-      if (vtkDataArray* array = cells->GetArray(a))
+      if (vtkDataArray* array = samples->GetArray(a))
         points->AddArray(array);
     }
-    if (vtkDataArray* scalars = cells->GetScalars(); scalars != nullptr && scalars->GetName())
+    if (vtkDataArray* scalars = samples->GetScalars(); scalars != nullptr && scalars->GetName())
       points->SetActiveScalars(scalars->GetName());
     d->image->Modified();
     refreshActiveDataArrayCache();
@@ -1473,6 +1505,7 @@ void VXQuadView::setShadingEnabled(bool enabled)
 {
   d->controls.m_ShadingEnabled = enabled;
   applyShadingToVolumeProperty();
+  applyAmbientOcclusion(volumeRenderer(), d->controls);
   render();
 }
 
@@ -1515,8 +1548,7 @@ void VXQuadView::setLightFollowsCamera(bool follows)
 void VXQuadView::setSSAOEnabled(bool enabled)
 {
   d->controls.m_SSAOEnabled = enabled;
-  if (vtkRenderer* renderer = volumeRenderer())
-    renderer->SetUseSSAO(enabled);
+  applyAmbientOcclusion(volumeRenderer(), d->controls);
   render();
 }
 

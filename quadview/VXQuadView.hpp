@@ -91,6 +91,8 @@ public:
    * A new image whose point data are the cell arrays of @p in, shared, not
    * copied: extent 0 to dimension - 2 per axis, same spacing, origin moved by
    * half a voxel. The active scalars follow by name. Null for a null input.
+   * An image with point arrays only (values sampled at the points, as in a
+   * .vti file) keeps its geometry, and its point arrays are shared instead.
    */
   static vtkSmartPointer<vtkImageData> makeCellCenteredImage(vtkImageData* in);
   /**

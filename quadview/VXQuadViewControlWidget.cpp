@@ -116,6 +116,8 @@ void VXQuadViewControlWidget::buildForm()
   m_LightFollowsCameraCheck =
     addCheck(volume, tr("Light Follows Camera"), "lightFollowsCameraCheck");
   m_SSAOCheck = addCheck(volume, tr("Ambient Occlusion (SSAO)"), "ssaoCheck");
+  m_SSAOCheck->setToolTip(tr("Ambient occlusion darkens the volume by its shading: it needs "
+                             "\"Shading\" on."));
   // indices follow VXQuadView::setVolumeBlendMode: 0 composite, 1 maximum, 2 minimum
   m_VolumeBlendCombo =
     addCombo(volume, tr("Blend Mode"), "volumeBlendCombo",
@@ -189,6 +191,7 @@ void VXQuadViewControlWidget::connectControls()
   checkTo(m_ShadingCheck, [](VXQuadView* v, bool on) { v->setShadingEnabled(on); });
   checkTo(m_LightFollowsCameraCheck, [](VXQuadView* v, bool on) { v->setLightFollowsCamera(on); });
   checkTo(m_SSAOCheck, [](VXQuadView* v, bool on) { v->setSSAOEnabled(on); });
+  connect(m_ShadingCheck, &QCheckBox::toggled, m_SSAOCheck, &QWidget::setEnabled);
 
   const auto spinTo = [this, view](QDoubleSpinBox* spin, void (VXQuadView::*slot)(double))
   {
@@ -330,6 +333,7 @@ void VXQuadViewControlWidget::syncFromControls()
   m_SpecularPowerSpin->setValue(controls.m_SpecularPower);
   m_LightFollowsCameraCheck->setChecked(controls.m_LightFollowsCamera);
   m_SSAOCheck->setChecked(controls.m_SSAOEnabled);
+  m_SSAOCheck->setEnabled(controls.m_ShadingEnabled);
   m_VolumeBlendCombo->setCurrentIndex(std::clamp(controls.m_VolumeBlendMode, 0, 2));
   m_GIReachSpin->setValue(controls.m_GIReach);
   m_ScatteringSpin->setValue(controls.m_VolumetricScattering);

@@ -135,6 +135,12 @@ ViewerApplication::ViewerApplication(ViewerOptions options)
                    [this](const QString&, const QString& message) { m_Errors << message; });
   QObject::connect(module, &VXVisualizationModuleWidget::printOutput, [](const QString& message)
                    { std::fprintf(stderr, "%s\n", qPrintable(message)); });
+  if (m_Options.isBatch())
+  {
+    // the window's own log (the quad view's reasons among it) is the only trace of a batch run
+    QObject::connect(m_Window.get(), &ViewerMainWindow::outputAppended, [](const QString& message)
+                     { std::fprintf(stderr, "%s\n", qPrintable(message)); });
+  }
 }
 
 ViewerApplication::~ViewerApplication()
@@ -216,13 +222,9 @@ bool ViewerApplication::openQuadView()
   m_QuadViewWindow = m_Window->openQuadView();
   if (m_QuadViewWindow == nullptr)
   {
-    std::fprintf(stderr, "kxvtk-viewer: --quad-view: no image geometry in the files given\n");
+    std::fprintf(
+      stderr, "kxvtk-viewer: --quad-view: no image geometry in the files given could be shown\n");
     return false;
-  }
-  if (m_Options.isBatch())
-  {
-    QObject::connect(m_QuadViewWindow, &VXQuadViewWindow::printOutput, [](const QString& message)
-                     { std::fprintf(stderr, "%s\n", qPrintable(message)); });
   }
   settle();
   if (!m_Options.quadStateFile.isEmpty())

@@ -440,4 +440,5 @@ void ViewerMainWindow::createApplyTransformationGeometryFilter(
 void ViewerMainWindow::appendOutput(const QString& message)
 {
   m_Output->appendPlainText(message);
+  Q_EMIT outputAppended(message);
 }

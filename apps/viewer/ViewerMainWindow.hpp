@@ -62,6 +62,10 @@ public:
   /** The last output of the sample pipeline, shared with the module; empty before the first run. */
   std::shared_ptr<kx::core::DataStructure> hostData() const { return m_HostData; }
 
+Q_SIGNALS:
+  /** Every line written to the output pane, for a batch run to echo. */
+  void outputAppended(const QString& message);
+
 public Q_SLOTS:
   void openFiles();
   /** Runs the sample pipeline in memory and shows its output (zero-copy). */

@@ -25,6 +25,7 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 
+#include <vtkRendererCollection.h>
 #include <vtkCellData.h>
 #include <vtkDataArray.h>
 #include <vtkFloatArray.h>
@@ -124,6 +125,15 @@ TEST(QuadViewControls, EveryControlChangesTheViewsRecord)
   EXPECT_FALSE(record.m_LightFollowsCamera);
   click(panel, "ssaoCheck");
   EXPECT_TRUE(record.m_SSAOEnabled);
+  // ambient occlusion works through the shading: without it VTK refuses the volume each frame
+  vtkRenderer* volumeRenderer = view->getVolumeRenderWindow()->GetRenderers()->GetFirstRenderer();
+  EXPECT_TRUE(volumeRenderer->GetUseSSAO());
+  click(panel, "shadingCheck");
+  EXPECT_FALSE(volumeRenderer->GetUseSSAO());
+  EXPECT_FALSE(control<QCheckBox>(panel, "ssaoCheck")->isEnabled());
+  EXPECT_TRUE(record.m_SSAOEnabled);
+  click(panel, "shadingCheck");
+  EXPECT_TRUE(volumeRenderer->GetUseSSAO());
   QTest::keyClick(control<QComboBox>(panel, "volumeBlendCombo"), Qt::Key_Down);
   EXPECT_EQ(record.m_VolumeBlendMode, 1);
   QTest::keyClick(control<QDoubleSpinBox>(panel, "giReachSpin"), Qt::Key_Up);

@@ -154,6 +154,20 @@ TEST(QuadViewPreparation, CellArraysAreSharedOntoPointsAndOnlyOversizedAxesShrin
   EXPECT_STREQ(VXQuadView::makeCellCenteredImage(unmarked)->GetPointData()->GetScalars()->GetName(),
                "values");
   EXPECT_EQ(VXQuadView::shrinkToTextureLimit(prepared, 2048), prepared);
+  // values on the points (a .vti file) stay where they are, shared as well
+  auto sampled = vtkSmartPointer<vtkImageData>::New();
+  sampled->SetDimensions(3, 4, 5);
+  sampled->SetOrigin(1.0, 2.0, 3.0);
+  vtkNew<vtkFloatArray> density;
+  density->SetName("density");
+  density->SetNumberOfTuples(60);
+  density->Fill(1.0);
+  sampled->GetPointData()->SetScalars(density);
+  auto asIs = VXQuadView::makeCellCenteredImage(sampled);
+  asIs->GetExtent(extent);
+  EXPECT_EQ(std::vector<int>(extent, extent + 6), (std::vector<int>{ 0, 2, 0, 3, 0, 4 }));
+  EXPECT_DOUBLE_EQ(asIs->GetOrigin()[2], 3.0);
+  EXPECT_EQ(asIs->GetPointData()->GetScalars(), density.Get());
 
   // 5000 samples along x with a 2048 limit: factor 3 on x only, every array averaged
   auto wide = vtkSmartPointer<vtkImageData>::New();
