@@ -11,6 +11,7 @@
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDoubleSpinBox>
 #include <QtWidgets/QFormLayout>
+#include <QtWidgets/QGridLayout>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -35,7 +36,8 @@ QDoubleSpinBox* makeCoordinateSpin()
   spin->setRange(-1e12, 1e12);
   spin->setDecimals(4);
   spin->setKeyboardTracking(false);
-  spin->setMinimumWidth(90);
+  // the wide range would size the box for thirteen digits
+  spin->setFixedWidth(88);
   return spin;
 }
 
@@ -172,8 +174,11 @@ VXAnnotationHud::PointFields VXAnnotationHud::makePointFields(const QString& tit
 {
   PointFields fields;
   fields.group = new QGroupBox(title);
-  auto* form = new QFormLayout(fields.group);
-  form->setContentsMargins(6, 4, 6, 4);
+  // U and V side by side, the cross-plane value below: the editor has to fit small panes
+  auto* grid = new QGridLayout(fields.group);
+  grid->setContentsMargins(6, 4, 6, 4);
+  grid->setHorizontalSpacing(4);
+  grid->setVerticalSpacing(2);
   QString u = worldAxisName(plane.axisU, k_AxisEps);
   QString v = worldAxisName(plane.axisV, k_AxisEps);
   const int third = crossPlaneIndex(plane);
@@ -188,9 +193,12 @@ VXAnnotationHud::PointFields VXAnnotationHud::makePointFields(const QString& tit
   fields.v = makeCoordinateSpin();
   fields.crossPlane = new QLabel;
   fields.crossPlane->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  form->addRow(u + QStringLiteral(":"), fields.u);
-  form->addRow(v + QStringLiteral(":"), fields.v);
-  form->addRow(normal + QStringLiteral(":"), fields.crossPlane);
+  grid->addWidget(new QLabel(u + QStringLiteral(":")), 0, 0);
+  grid->addWidget(fields.u, 0, 1);
+  grid->addWidget(new QLabel(v + QStringLiteral(":")), 0, 2);
+  grid->addWidget(fields.v, 0, 3);
+  grid->addWidget(new QLabel(normal + QStringLiteral(":")), 1, 0);
+  grid->addWidget(fields.crossPlane, 1, 1, 1, 3);
   m_Layout->addWidget(fields.group);
   return fields;
 }
@@ -227,16 +235,23 @@ std::array<double, 3> VXAnnotationHud::pointFromFields(const PointFields& fields
                                                        const SlicePlane& plane,
                                                        const std::array<double, 3>& current)
 {
-  const double u = fields.u->value();
-  const double v = fields.v->value();
+  // a field the user left alone shows the value rounded: keep the exact one behind it
+  const auto exact = [](const QDoubleSpinBox* spin, double shown)
+  {
+    const double rounded = QString::number(shown, 'f', spin->decimals()).toDouble();
+    return spin->value() == rounded ? shown : spin->value();
+  };
   if (slicePlaneIsAxisAligned(plane, k_AxisEps) && crossPlaneIndex(plane) >= 0)
   {
     std::array<double, 3> point = current;
-    point[static_cast<size_t>(worldAxisIndexOf(plane.axisU, k_AxisEps))] = u;
-    point[static_cast<size_t>(worldAxisIndexOf(plane.axisV, k_AxisEps))] = v;
+    const auto iu = static_cast<size_t>(worldAxisIndexOf(plane.axisU, k_AxisEps));
+    const auto iv = static_cast<size_t>(worldAxisIndexOf(plane.axisV, k_AxisEps));
+    point[iu] = exact(fields.u, current[iu]);
+    point[iv] = exact(fields.v, current[iv]);
     return point;
   }
-  return worldFromInPlane(plane, { u, v });
+  const Vec2 uv = inPlaneFromWorld(plane, current);
+  return worldFromInPlane(plane, { exact(fields.u, uv[0]), exact(fields.v, uv[1]) });
 }
 
 void VXAnnotationHud::addCommonControls()
@@ -244,9 +259,10 @@ void VXAnnotationHud::addCommonControls()
   m_LockedCheck = new QCheckBox(QStringLiteral("Locked"));
   m_LockedCheck->setToolTip(
     QStringLiteral("A locked annotation stays on its slice and shows only there."));
-  m_Layout->addWidget(m_LockedCheck);
 
   auto* buttons = new QHBoxLayout;
+  buttons->addWidget(m_LockedCheck);
+  buttons->addStretch(1);
   m_DeleteButton = new QPushButton(QStringLiteral("Delete"));
   m_DeleteButton->setObjectName(QStringLiteral("hudDestructiveButton"));
   m_CloseButton = new QPushButton(QStringLiteral("Close"));
@@ -254,7 +270,6 @@ void VXAnnotationHud::addCommonControls()
   m_CloseButton->setToolTip(QStringLiteral("Close the editor (Esc)"));
   m_CloseButton->setDefault(true);
   buttons->addWidget(m_DeleteButton);
-  buttons->addStretch(1);
   buttons->addWidget(m_CloseButton);
   m_Layout->addLayout(buttons);
 

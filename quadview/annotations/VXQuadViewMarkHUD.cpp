@@ -8,7 +8,8 @@
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDoubleSpinBox>
-#include <QtWidgets/QFormLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QGridLayout>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
@@ -41,22 +42,29 @@ void VXQuadViewMarkHUD::setupUi()
   m_Anchor = makePointFields(QStringLiteral("Anchor"), plane);
 
   auto* appearance = new QGroupBox(QStringLiteral("Appearance"));
-  auto* form = new QFormLayout(appearance);
-  form->setContentsMargins(6, 4, 6, 4);
+  auto* grid = new QGridLayout(appearance);
+  grid->setContentsMargins(6, 4, 6, 4);
+  grid->setHorizontalSpacing(4);
+  grid->setVerticalSpacing(2);
   m_ColorButton = new KXColorButton;
+  // the swatch grows with the button: keep it small
+  m_ColorButton->setFixedSize(48, 22);
   VXUserPrompt::routeColorButton(m_ColorButton, QStringLiteral("Mark Color"));
-  form->addRow(QStringLiteral("Color:"), m_ColorButton);
+  grid->addWidget(new QLabel(QStringLiteral("Color:")), 0, 0);
+  grid->addWidget(m_ColorButton, 0, 1);
   m_ShapeCombo = new QComboBox;
   for (MarkShape shape : { MarkShape::Sphere, MarkShape::Cross, MarkShape::Square })
     m_ShapeCombo->addItem(markShapeLabel(shape));
-  form->addRow(QStringLiteral("Shape:"), m_ShapeCombo);
+  grid->addWidget(new QLabel(QStringLiteral("Shape:")), 0, 2);
+  grid->addWidget(m_ShapeCombo, 0, 3);
   m_SizeSpin = new QSpinBox;
   m_SizeSpin->setRange(VXQuadViewMark::k_MinSize, VXQuadViewMark::k_MaxSize);
   m_SizeSpin->setSuffix(QStringLiteral(" px"));
   m_SizeSpin->setKeyboardTracking(false);
-  form->addRow(QStringLiteral("Size:"), m_SizeSpin);
+  grid->addWidget(new QLabel(QStringLiteral("Size:")), 1, 0);
+  grid->addWidget(m_SizeSpin, 1, 1);
   m_LabelCheck = new QCheckBox(QStringLiteral("Show Label in Viewport"));
-  form->addRow(m_LabelCheck);
+  grid->addWidget(m_LabelCheck, 2, 0, 1, 4);
   m_Layout->addWidget(appearance);
   addCommonControls();
 

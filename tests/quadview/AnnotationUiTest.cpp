@@ -20,6 +20,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QDoubleSpinBox>
+#include <QtWidgets/QGroupBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
@@ -38,12 +39,12 @@ using namespace voxelia::quadview::annotations;
 
 namespace
 {
-/** A shown quad view of 600 by 600 pixels over a 20 x 16 x 12 voxel ramp. */
+/** A shown quad view of @p side by @p side pixels over a 20 x 16 x 12 voxel ramp. */
 struct Annotated
 {
-  Annotated()
+  explicit Annotated(int side = 600)
   {
-    view.resize(600, 600);
+    view.resize(side, side);
     view.show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(&view));
     QObject::connect(&view, &VXQuadView::loadGeometryRequested, &view,
@@ -78,7 +79,7 @@ struct Annotated
   VXQuadView view;
 };
 
-/** What a confirmation asked, answered with the button named @p answer. */
+/** What the last confirmation asked. */
 struct Asked
 {
   QString title;
@@ -89,13 +90,17 @@ struct Asked
   bool cancelIsDefault = false;
 };
 
-Asked answerBox(const QString& answer)
+/** Answers every confirmation with the button named @p answer, noting the question in @p asked. */
+void answerBox(Asked& asked, const QString& answer)
 {
-  Asked asked;
   VXUserPrompt::setBoxHandler(
     [&asked, answer](QMessageBox& box)
     {
-      asked = { box.windowTitle(), box.text(), box.informativeText(), box.icon(), {},
+      asked = { box.windowTitle(),
+                box.text(),
+                box.informativeText(),
+                box.icon(),
+                {},
                 box.standardButton(box.defaultButton()) == QMessageBox::Cancel };
       QAbstractButton* chosen = nullptr;
       for (QAbstractButton* button : box.buttons())
@@ -108,7 +113,6 @@ Asked answerBox(const QString& answer)
         chosen->click();
       return 0;
     });
-  return asked;
 }
 
 QStringList texts(const QMenu* menu)
@@ -128,8 +132,7 @@ TEST(AnnotationsTable, ColumnsEditsAndRowsFollowTheControllers)
   QStringList headers;
   for (int c = 0; c < model->columnCount(); ++c)
     headers << model->headerData(c, Qt::Horizontal).toString();
-  EXPECT_EQ(headers,
-            QStringList({ "Type", "Name", "Pane", "Slice", "Length / Shape", "Locked" }));
+  EXPECT_EQ(headers, QStringList({ "Type", "Name", "Pane", "Slice", "Length / Shape", "Locked" }));
 
   a.view.addRulerAtPaneLocalPos(2, QPoint(150, 150));
   a.view.addMarkAtPaneLocalPos(1, QPoint(140, 160));
@@ -142,8 +145,8 @@ TEST(AnnotationsTable, ColumnsEditsAndRowsFollowTheControllers)
   EXPECT_TRUE(cell(0, 1).toString().startsWith("Ruler "));
   EXPECT_EQ(cell(0, 2).toString(), "XY");
   EXPECT_EQ(cell(0, 3).toInt(), a.view.currentSliceIndexFor(2));
-  // a tenth of the shorter in-plane extent (16 voxels of 1) away
-  EXPECT_EQ(cell(0, 4).toString(), "1.60");
+  // a tenth of the shorter in-plane extent away: the voxel centres span 15 in y
+  EXPECT_EQ(cell(0, 4).toString(), "1.50");
   EXPECT_EQ(cell(0, 5, Qt::CheckStateRole).toInt(), Qt::Unchecked);
   EXPECT_FALSE(cell(0, 5).isValid());
   EXPECT_EQ(cell(1, 0).toString(), "Mark");
@@ -188,12 +191,13 @@ TEST(AnnotationsTable, ColumnsEditsAndRowsFollowTheControllers)
   EXPECT_EQ(table->model(), model);
   a.view.addMarkAtPaneLocalPos(2, QPoint(100, 100));
   a.view.addMarkAtPaneLocalPos(2, QPoint(200, 200));
-  Asked asked = answerBox("Cancel");
+  Asked asked;
+  answerBox(asked, "Cancel");
   panel.findChild<QPushButton*>("clearAnnotationsButton")->click();
   EXPECT_EQ(asked.text, "Clear all annotations in all slice panes?");
   EXPECT_EQ(model->rowCount(), 2);
   table->selectAll();
-  asked = answerBox("Delete");
+  answerBox(asked, "Delete");
   panel.findChild<QPushButton*>("deleteSelectedAnnotationsButton")->click();
   EXPECT_EQ(asked.text, "Delete 2 annotations?");
   EXPECT_EQ(model->rowCount(), 0);
@@ -203,7 +207,8 @@ TEST(AnnotationsTable, ColumnsEditsAndRowsFollowTheControllers)
 TEST(AnnotationsTable, ConfirmationsAskThroughThePromptHook)
 {
   using Model = VXQuadViewAnnotationsTableModel;
-  Asked asked = answerBox("Delete");
+  Asked asked;
+  answerBox(asked, "Delete");
   EXPECT_TRUE(Model::confirmDeleteOne(nullptr, "Mark 3"));
   EXPECT_EQ(asked.title, "Delete Annotation");
   EXPECT_EQ(asked.text, "Delete \"Mark 3\"?");
@@ -220,13 +225,13 @@ TEST(AnnotationsTable, ConfirmationsAskThroughThePromptHook)
   EXPECT_EQ(asked.text, "Delete 4 annotations?");
   EXPECT_EQ(asked.informative, "This cannot be undone.");
 
-  asked = answerBox("Clear All");
+  answerBox(asked, "Clear All");
   EXPECT_TRUE(Model::confirmClearAll(nullptr, "the XY pane"));
   EXPECT_EQ(asked.title, "Clear Annotations");
   EXPECT_EQ(asked.text, "Clear all annotations in the XY pane?");
   EXPECT_TRUE(asked.cancelIsDefault);
 
-  asked = answerBox("Cancel");
+  answerBox(asked, "Cancel");
   EXPECT_FALSE(Model::confirmClearAll(nullptr, "the XY pane"));
   EXPECT_FALSE(Model::confirmDeleteOne(nullptr, "Mark 3"));
   VXUserPrompt::resetHandlers();
@@ -244,23 +249,22 @@ TEST(AnnotationHud, OutOfBoundsValueIsRevertedAndTheRulerKept)
   ASSERT_NE(hud, nullptr);
   EXPECT_EQ(hud->objectName(), "rulerHud");
   EXPECT_GE(hud->width(), 180);
-  EXPECT_EQ(hud->findChild<QPushButton*>("hudPrimaryButton")->toolTip(),
-            "Close the editor (Esc)");
+  EXPECT_EQ(hud->findChild<QPushButton*>("hudPrimaryButton")->toolTip(), "Close the editor (Esc)");
   EXPECT_EQ(hud->findChild<QPushButton*>("hudDestructiveButton")->text(), "Delete");
   const QStringList groups = { hud->endpoint1Fields().group->title(),
                                hud->endpoint2Fields().group->title() };
   EXPECT_EQ(groups, QStringList({ "Endpoint 1", "Endpoint 2" }));
 
-  // the XY pane edits world x and y; x runs from 0 to 20 here
+  // the XY pane edits world x and y; x runs from 0.5 to 19.5 here
   const std::array<double, 3> before = ruler->point1();
   QDoubleSpinBox* x = hud->endpoint1Fields().u;
-  EXPECT_DOUBLE_EQ(x->value(), before[0]);
+  EXPECT_NEAR(x->value(), before[0], 1e-4);
   x->setValue(25.0);
   auto* error = hud->findChild<QLabel*>("hudInlineError");
   EXPECT_EQ(error->text(), "Out of bounds — reverted");
   EXPECT_TRUE(error->isVisible());
   EXPECT_EQ(ruler->point1(), before);
-  EXPECT_DOUBLE_EQ(x->value(), before[0]);
+  EXPECT_NEAR(x->value(), before[0], 1e-4);
 
   // a value inside moves the end, and the length follows
   x->setValue(2.0);
@@ -271,14 +275,15 @@ TEST(AnnotationHud, OutOfBoundsValueIsRevertedAndTheRulerKept)
 
 TEST(AnnotationHud, MovedByHandItStaysWhenTheSliceChanges)
 {
-  Annotated a;
-  a.view.addRulerAtPaneLocalPos(2, QPoint(120, 200));
+  Annotated a(1000); // panes taller than the editor, so that it has room to move
+  a.view.addRulerAtPaneLocalPos(2, QPoint(250, 300));
   VXQuadViewAnnotationsController& controller = a.controller(2);
   VXQuadViewAnnotation* ruler = controller.annotations().front().get();
   controller.showHudFor(ruler);
   VXAnnotationHud* hud = controller.hud();
   ASSERT_NE(hud, nullptr);
   kxtest::pump();
+  ASSERT_GT(hud->parentWidget()->height(), hud->height() + 60);
 
   // pan the pane: a HUD the user did not move follows its ruler on the next slice change
   vtkCamera* camera = a.view.getViewer(2)->GetRenderer()->GetActiveCamera();
@@ -303,12 +308,12 @@ TEST(AnnotationHud, MovedByHandItStaysWhenTheSliceChanges)
   const QPoint start = hud->pos();
   QTest::mousePress(hud, Qt::LeftButton, {}, grip);
   EXPECT_EQ(hud->cursor().shape(), Qt::ClosedHandCursor);
-  QTest::mouseMove(hud, grip + QPoint(-30, 25));
-  QTest::mouseRelease(hud, Qt::LeftButton, {}, grip + QPoint(-30, 25));
+  QTest::mouseMove(hud, grip + QPoint(-30, -25));
+  QTest::mouseRelease(hud, Qt::LeftButton, {}, grip + QPoint(-30, -25));
   EXPECT_EQ(hud->cursor().shape(), Qt::OpenHandCursor);
   EXPECT_TRUE(hud->userMoved());
   const QPoint dragged = hud->pos();
-  EXPECT_EQ(dragged, start + QPoint(-30, 25));
+  EXPECT_EQ(dragged, start + QPoint(-30, -25));
 
   pan(3.0);
   a.moveSlice(2, 6);
@@ -331,6 +336,9 @@ TEST(AnnotationHud, TypingMInTheNameFieldArmsNothing)
   auto* hud = qobject_cast<VXQuadViewMarkHUD*>(controller.hud());
   ASSERT_NE(hud, nullptr);
   EXPECT_EQ(hud->objectName(), "markHud");
+  // small enough for a pane of a 600 pixel quad view
+  EXPECT_LT(hud->height(), hud->parentWidget()->height());
+  EXPECT_LT(hud->width(), hud->parentWidget()->width());
   QLineEdit* name = hud->nameEdit();
   a.view.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&a.view));
@@ -426,9 +434,9 @@ TEST(AnnotationMenu, PaneMenuEntriesAddEditLockAndDelete)
   Annotated a;
   QMenu* menu = a.view.buildPaneContextMenu(3, QPoint(150, 150)); // the XY pane
   ASSERT_NE(menu, nullptr);
-  EXPECT_EQ(texts(menu), QStringList({ "Add Ruler Here", "Add Mark Here",
-                                       "Clear All Annotations in This Pane", "", "Current View",
-                                       "All Views" }));
+  EXPECT_EQ(texts(menu),
+            QStringList({ "Add Ruler Here", "Add Mark Here", "Clear All Annotations in This Pane",
+                          "", "Current View", "All Views" }));
   EXPECT_EQ(menu->actions()[1]->toolTip(),
             "Or hold M and left-click on the slice to drop a mark at the cursor.");
   EXPECT_EQ(menu->actions()[2]->toolTip(),
@@ -454,7 +462,8 @@ TEST(AnnotationMenu, PaneMenuEntriesAddEditLockAndDelete)
   menu = a.view.buildPaneContextMenu(3, QPoint(150, 150));
   EXPECT_EQ(menu->actions()[1]->text(), "Unlock");
   const QString name = ruler->name();
-  Asked asked = answerBox("Delete");
+  Asked asked;
+  answerBox(asked, "Delete");
   menu->actions()[2]->trigger();
   EXPECT_EQ(asked.text, QString("Delete \"%1\"?").arg(name));
   delete menu;
