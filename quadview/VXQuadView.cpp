@@ -26,6 +26,7 @@
 
 #include <QVTKOpenGLNativeWidget.h>
 #include <vtkActor.h>
+#include <vtkCallbackCommand.h>
 #include <vtkCamera.h>
 #include <vtkCellArray.h>
 #include <vtkColorTransferFunction.h>
@@ -719,6 +720,30 @@ void VXQuadView::attachAnnotationControllers()
     connect(controller, &qva::VXQuadViewAnnotationsController::navigateRequested, this,
             [this, i](qva::AnnotationId id) { navigateToAnnotation(i, id); });
     d->annotationControllers[idx(i)] = controller;
+  }
+  // a resize changes the pixels per world unit: marks keep their size and their label's place
+  for (int i = 0; i < 3; ++i)
+  {
+    vtkRenderWindow* window =
+      d->viewers[idx(i)] != nullptr ? d->viewers[idx(i)]->GetRenderWindow() : nullptr;
+    if (window == nullptr || d->annotationControllers[idx(i)] == nullptr)
+      continue;
+    vtkNew<vtkCallbackCommand> resized;
+    resized->SetClientData(d->annotationControllers[idx(i)]);
+    resized->SetCallback(
+      [](vtkObject*, unsigned long, void* clientData, void*)
+      {
+        const auto* controller = static_cast<qva::VXQuadViewAnnotationsController*>(clientData);
+        for (const auto& annotation : controller->annotations())
+        {
+          if (auto* mark = dynamic_cast<qva::VXQuadViewMark*>(annotation.get()))
+          {
+            mark->applyVisualSettings();
+            mark->updateLabelActor();
+          }
+        }
+      });
+    window->AddObserver(vtkCommand::WindowResizeEvent, resized);
   }
   // 16.
   if (d->annotationsModel == nullptr)
