@@ -32,11 +32,12 @@ bool snapToPlane(Vec3& p, const SlicePlane& plane, const std::optional<Vec3>& no
 }
 } // namespace
 
-int restoreAnnotationRecords(VXQuadViewAnnotationsController& controller,
-                             const QJsonArray& records, const WorldBounds& currentBounds,
+int restoreAnnotationRecords(VXQuadViewAnnotationsController& controller, const QJsonArray& records,
+                             const WorldBounds& currentBounds,
                              const std::function<void(const QString&)>& print)
 {
-  const auto report = [&print](const QString& message) {
+  const auto report = [&print](const QString& message)
+  {
     if (print)
       print(message);
   };
@@ -73,9 +74,8 @@ int restoreAnnotationRecords(VXQuadViewAnnotationsController& controller,
         report(QStringLiteral("QuadView: ruler '%1' had off-plane endpoint(s); snapped to anchor "
                               "plane.")
                  .arg(name));
-      annotation = std::make_unique<VXQuadViewRuler>(controller.role(), controller.pane(),
-                                                     &controller, name, sliceIndex, plane,
-                                                     bounds, p1, p2);
+      annotation = std::make_unique<VXQuadViewRuler>(
+        controller.role(), controller.pane(), &controller, name, sliceIndex, plane, bounds, p1, p2);
     }
     else if (type == QLatin1String("Mark"))
     {
@@ -84,9 +84,8 @@ int restoreAnnotationRecords(VXQuadViewAnnotationsController& controller,
         report(
           QStringLiteral("QuadView: mark '%1' had an off-plane anchor; snapped to anchor plane.")
             .arg(name));
-      annotation = std::make_unique<VXQuadViewMark>(controller.role(), controller.pane(),
-                                                    &controller, name, sliceIndex, plane,
-                                                    bounds, anchor);
+      annotation = std::make_unique<VXQuadViewMark>(
+        controller.role(), controller.pane(), &controller, name, sliceIndex, plane, bounds, anchor);
     }
     else
     {

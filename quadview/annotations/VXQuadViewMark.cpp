@@ -86,8 +86,8 @@ VXQuadViewMark::VXQuadViewMark(SlicePaneRole role, QVTKOpenGLNativeWidget* pane,
                                int anchorSliceIndex, const SlicePlane& plane,
                                const WorldBounds& bounds, const std::array<double, 3>& anchor,
                                QObject* parent)
-  : VXQuadViewPaneAnnotation(role, pane, controller, name, anchorSliceIndex, plane, bounds,
-                             true, parent)
+  : VXQuadViewPaneAnnotation(role, pane, controller, name, anchorSliceIndex, plane, bounds, true,
+                             parent)
   , m_Anchor(anchor)
 {
   if (!paneReady())

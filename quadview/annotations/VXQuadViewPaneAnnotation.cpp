@@ -21,10 +21,12 @@ constexpr double k_MatchEps = 1e-5;
 constexpr double k_NormalEps = 1e-12;
 } // namespace
 
-VXQuadViewPaneAnnotation::VXQuadViewPaneAnnotation(
-  SlicePaneRole role, QVTKOpenGLNativeWidget* pane, VXQuadViewAnnotationsController* controller,
-  const QString& name, int anchorSliceIndex, const SlicePlane& plane, const WorldBounds& bounds,
-  bool locked, QObject* parent)
+VXQuadViewPaneAnnotation::VXQuadViewPaneAnnotation(SlicePaneRole role, QVTKOpenGLNativeWidget* pane,
+                                                   VXQuadViewAnnotationsController* controller,
+                                                   const QString& name, int anchorSliceIndex,
+                                                   const SlicePlane& plane,
+                                                   const WorldBounds& bounds, bool locked,
+                                                   QObject* parent)
   : QObject(parent)
   , m_Role(role)
   , m_Name(name)

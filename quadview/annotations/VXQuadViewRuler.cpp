@@ -36,13 +36,12 @@ double squaredDistance(const QPointF& a, const QPointF& b)
 } // namespace
 
 VXQuadViewRuler::VXQuadViewRuler(SlicePaneRole role, QVTKOpenGLNativeWidget* pane,
-                                 VXQuadViewAnnotationsController* controller,
-                                 const QString& name, int anchorSliceIndex,
-                                 const SlicePlane& plane, const WorldBounds& bounds,
-                                 const std::array<double, 3>& point1,
+                                 VXQuadViewAnnotationsController* controller, const QString& name,
+                                 int anchorSliceIndex, const SlicePlane& plane,
+                                 const WorldBounds& bounds, const std::array<double, 3>& point1,
                                  const std::array<double, 3>& point2, QObject* parent)
-  : VXQuadViewPaneAnnotation(role, pane, controller, name, anchorSliceIndex, plane, bounds,
-                             false, parent)
+  : VXQuadViewPaneAnnotation(role, pane, controller, name, anchorSliceIndex, plane, bounds, false,
+                             parent)
   , m_Point1(point1)
   , m_Point2(point2)
 {
@@ -57,8 +56,10 @@ VXQuadViewRuler::VXQuadViewRuler(SlicePaneRole role, QVTKOpenGLNativeWidget* pan
   m_Widget->SetRepresentation(m_Representation);
   m_Widget->SetPriority(0.6f);
   m_Representation->InstantiateHandleRepresentation();
-  m_Handle1 = VXRulerHandleRepresentation::SafeDownCast(m_Representation->GetPoint1Representation());
-  m_Handle2 = VXRulerHandleRepresentation::SafeDownCast(m_Representation->GetPoint2Representation());
+  m_Handle1 =
+    VXRulerHandleRepresentation::SafeDownCast(m_Representation->GetPoint1Representation());
+  m_Handle2 =
+    VXRulerHandleRepresentation::SafeDownCast(m_Representation->GetPoint2Representation());
   int index = 1;
   for (VXRulerHandleRepresentation* handle : { m_Handle1.Get(), m_Handle2.Get() })
   {
@@ -76,6 +77,8 @@ VXQuadViewRuler::VXQuadViewRuler(SlicePaneRole role, QVTKOpenGLNativeWidget* pan
 
   m_Widget->SetEnabled(1);
   m_Widget->SetWidgetStateToManipulate();
+  // enabled while still in its start state, the widget hid the line: both points exist already
+  m_Representation->VisibilityOn();
   m_Representation->SetPoint1WorldPosition(m_Point1.data());
   m_Representation->SetPoint2WorldPosition(m_Point2.data());
 

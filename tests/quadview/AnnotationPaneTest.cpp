@@ -10,6 +10,7 @@
 
 #include <vtkCamera.h>
 #include <vtkDistanceWidget.h>
+#include <vtkPlane.h>
 #include <vtkResliceCursor.h>
 #include <vtkTextActor.h>
 #include <vtkTextProperty.h>
@@ -65,7 +66,8 @@ TEST(AnnotationPane, RecordsRoundTripInThreePanes)
   std::array<QJsonArray, 3> saved;
   for (int i = 0; i < 3; ++i)
   {
-    VXQuadViewRuler* ruler = s.addRuler(i, { 1.0, 2.0 }, { 3.0, -4.0 }, QStringLiteral("R%1").arg(i));
+    VXQuadViewRuler* ruler =
+      s.addRuler(i, { 1.0, 2.0 }, { 3.0, -4.0 }, QStringLiteral("R%1").arg(i));
     VXQuadViewMark* mark = s.addMark(i, { 2.0, 5.0 }, QStringLiteral("M%1").arg(i));
     mark->setColor(QColor(10, 200, 30, 128));
     mark->setSizeInPixels(20);
@@ -127,7 +129,8 @@ TEST(AnnotationPane, LoadRepairsRecordsWithOneMessageEach)
 {
   kxtest::AnnotatedTrio s;
   const SlicePlane plane{ { 0.0, 0.0, 0.0 }, { 1.0, 0.0, 0.0 }, { 0.0, 1.0, 0.0 } };
-  const auto record = [&plane](const char* type, const char* name) {
+  const auto record = [&plane](const char* type, const char* name)
+  {
     QJsonObject o;
     if (type != nullptr)
       o.insert("type", type);
@@ -149,8 +152,14 @@ TEST(AnnotationPane, LoadRepairsRecordsWithOneMessageEach)
   QJsonObject noBounds = record("Mark", "M bare");
   noBounds.remove("geomBounds");
   noBounds.insert("anchor", vec3ToJson({ 3.0, 4.0, 0.0 }));
-  const QJsonArray records{ off,  edge, mark, noBounds, record("Ellipse", "e1"),
-                            42,   record("Ellipse", "e2"), record(nullptr, "nameless") };
+  const QJsonArray records{ off,
+                            edge,
+                            mark,
+                            noBounds,
+                            record("Ellipse", "e1"),
+                            42,
+                            record("Ellipse", "e2"),
+                            record(nullptr, "nameless") };
 
   Controller* c = s.controller(2);
   QStringList messages;
@@ -225,9 +234,16 @@ TEST(AnnotationPane, ObliqueSlicesHideRulersButNotMarks)
   VXQuadViewMark* mark = s.addMark(2, { 0.5, 0.5 });
   mark->setLocked(false);
 
+  // turn the cursor about z: the cursor derives its axes from the planes' normals
+  s.trio().setOblique(true);
   vtkResliceCursor* cursor = s.trio().cursor();
-  cursor->SetXAxis(0.8, 0.6, 0.0);
-  cursor->SetYAxis(-0.6, 0.8, 0.0);
+  double normal0[3];
+  double normal1[3];
+  cursor->GetPlane(0)->GetNormal(normal0);
+  cursor->GetPlane(1)->GetNormal(normal1);
+  cursor->GetPlane(0)->SetNormal(0.8, 0.6, 0.0);
+  cursor->GetPlane(1)->SetNormal(-0.6, 0.8, 0.0);
+  cursor->Update();
   s.trio().renderAll();
   s.controller(2)->onSliceChanged();
   EXPECT_FALSE(slicePlaneIsAxisAligned(s.plane(2), 1e-5));
@@ -235,8 +251,10 @@ TEST(AnnotationPane, ObliqueSlicesHideRulersButNotMarks)
   EXPECT_FALSE(pinned->isShown());
   EXPECT_TRUE(mark->isShown());
 
-  cursor->SetXAxis(1.0, 0.0, 0.0);
-  cursor->SetYAxis(0.0, 1.0, 0.0);
+  cursor->GetPlane(0)->SetNormal(normal0);
+  cursor->GetPlane(1)->SetNormal(normal1);
+  cursor->Update();
+  s.trio().renderAll();
   s.controller(2)->onSliceChanged();
   EXPECT_TRUE(free->isShown());
   EXPECT_TRUE(pinned->isShown());
@@ -374,17 +392,20 @@ TEST(AnnotationPane, NewestAnnotationWinsAndNamesKeepCounting)
 TEST(AnnotationPane, RulerAndMarksPicture)
 {
   kxtest::AnnotatedTrio s;
-  s.addRuler(2, { -3.0, -10.0 }, { 3.0, 8.0 }, QStringLiteral("Ruler A"));
-  VXQuadViewMark* sphere = s.addMark(2, { -2.5, 10.0 }, QStringLiteral("Sphere"));
+  s.trio().renderer(2)->GetActiveCamera()->Zoom(2.5);
+  s.addRuler(2, { -4.0, 12.0 }, { 4.0, 2.0 }, QStringLiteral("Ruler A"));
+  VXQuadViewMark* sphere = s.addMark(2, { -4.0, -4.0 }, QStringLiteral("Sphere"));
   sphere->setLabelVisibleInViewport(true);
-  VXQuadViewMark* cross = s.addMark(2, { 0.0, 10.0 }, QStringLiteral("Cross"));
+  VXQuadViewMark* cross = s.addMark(2, { 0.0, -8.0 }, QStringLiteral("Cross"));
   cross->setShape(MarkShape::Cross);
   cross->setColor(QColor(0, 255, 255));
   cross->setSizeInPixels(16);
-  VXQuadViewMark* square = s.addMark(2, { 2.5, 10.0 }, QStringLiteral("Square"));
+  cross->setLabelVisibleInViewport(true);
+  VXQuadViewMark* square = s.addMark(2, { 4.0, -12.0 }, QStringLiteral("Square"));
   square->setShape(MarkShape::Square);
   square->setColor(QColor(255, 200, 0));
   square->setSizeInPixels(8);
+  square->setLabelVisibleInViewport(true);
   s.trio().renderAll();
   kxtest::CompareWithBaseline(s.trio().pane(2)->grabFramebuffer(), "quadview",
                               "annotations_ruler_marks");
