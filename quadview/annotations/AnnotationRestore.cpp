@@ -16,7 +16,6 @@ namespace voxelia::quadview::annotations
 {
 namespace
 {
-constexpr double k_NormalEps = 1e-12;
 /** Farther than this from its plane, a saved point is moved back onto it. */
 constexpr double k_SnapDistance = 1e-6;
 
@@ -61,7 +60,7 @@ int restoreAnnotationRecords(VXQuadViewAnnotationsController& controller, const 
                             "current geometry bounds.")
                .arg(name));
     }
-    const std::optional<Vec3> normal = planeNormal(plane, k_NormalEps);
+    const std::optional<Vec3> normal = planeNormal(plane, k_PlaneNormalEps);
 
     std::unique_ptr<VXQuadViewAnnotation> annotation;
     if (type == QLatin1String("Ruler"))

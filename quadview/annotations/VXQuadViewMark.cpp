@@ -29,8 +29,6 @@ namespace voxelia::quadview::annotations
 {
 namespace
 {
-constexpr double k_MatchEps = 1e-5;
-constexpr double k_NormalEps = 1e-12;
 constexpr int k_MinHitRadius = 6;
 constexpr int k_MinLabelFont = 8;
 /** Gap in pixels between the mark's edge and its label. */
@@ -191,7 +189,7 @@ void VXQuadViewMark::onSliceChanged(const SlicePlane& plane)
     renderPane();
     return;
   }
-  const auto normal = planeNormal(plane, k_NormalEps);
+  const auto normal = planeNormal(plane, k_PlaneNormalEps);
   if (!normal)
     return;
   const Vec3 moved = projectOntoPlane(anchor(), plane.origin, *normal);

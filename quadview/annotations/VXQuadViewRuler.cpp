@@ -23,8 +23,6 @@ namespace voxelia::quadview::annotations
 {
 namespace
 {
-constexpr double k_MatchEps = 1e-5;
-constexpr double k_NormalEps = 1e-12;
 /** How near, in pixels, the mouse must be to an end or the line. */
 constexpr double k_HitPixels = 6.0;
 
@@ -123,7 +121,7 @@ void VXQuadViewRuler::onSliceChanged(const SlicePlane& plane)
 {
   if (!m_Widget)
     return;
-  if (!slicePlaneIsAxisAligned(plane, k_MatchEps))
+  if (!slicePlaneIsAxisAligned(plane, k_AlignEps))
   {
     // rulers exist only on axis aligned slices
     setShown(false);
@@ -136,7 +134,7 @@ void VXQuadViewRuler::onSliceChanged(const SlicePlane& plane)
     renderPane();
     return;
   }
-  const auto normal = planeNormal(plane, k_NormalEps);
+  const auto normal = planeNormal(plane, k_PlaneNormalEps);
   if (!normal)
     return;
   m_SuppressNotify = true;

@@ -3,6 +3,7 @@
 // mouse and key gestures of the controller.
 #include "AnnotationTestSupport.hpp"
 #include "ImageCompare.hpp"
+#include "VXTestSupport.hpp"
 
 #include <quadview/annotations/AnnotationJson.hpp>
 #include <quadview/annotations/AnnotationRestore.hpp>
@@ -23,6 +24,8 @@
 #include <QtWidgets/QLineEdit>
 
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 using namespace voxelia::quadview::annotations;
 using Controller = VXQuadViewAnnotationsController;
@@ -258,6 +261,40 @@ TEST(AnnotationPane, ObliqueSlicesHideRulersButNotMarks)
   s.controller(2)->onSliceChanged();
   EXPECT_TRUE(free->isShown());
   EXPECT_TRUE(pinned->isShown());
+}
+
+TEST(AnnotationPane, DraggedHandlesStayOnTheirPlane)
+{
+  kxtest::AnnotatedTrio s;
+  VXQuadViewRuler* ruler = s.addRuler(2, { -3.0, 6.0 }, { 3.0, 10.0 });
+  VXQuadViewMark* mark = s.addMark(2, { 2.0, -6.0 });
+  s.trio().renderAll();
+  QSignalSpy changed(s.controller(2), &Controller::annotationChanged);
+  const SlicePlane plane = s.plane(2);
+  const Vec3 end2 = ruler->point2();
+
+  const Vec3 end1 = ruler->point1();
+  const auto from = s.trio().toDisplay(2, end1.data());
+  // the mouse comes to the handle before it presses, as a hand does
+  s.trio().interactor(2)->SetEventInformation(from[0], from[1], 0, 0);
+  s.trio().interactor(2)->InvokeEvent(vtkCommand::MouseMoveEvent);
+  kxtest::drag(s.trio().interactor(2), from[0], from[1], from[0] + 24, from[1] - 16);
+  const Vec3 moved1 = ruler->point1();
+  EXPECT_NEAR(moved1[2], plane.origin[2], 1e-9);
+  const Vec2 shift = inPlaneFromWorld(plane, moved1);
+  EXPECT_GT(std::hypot(shift[0] + 3.0, shift[1] - 6.0), 5.0);
+  expectNear(ruler->point2(), end2);
+  EXPECT_EQ(ruler->summaryText(), QString::number(ruler->distance(), 'f', 2));
+  ASSERT_EQ(changed.count(), 1);
+  EXPECT_EQ(changed.at(0).at(0).value<AnnotationId>(), ruler->id());
+
+  const Vec3 anchor = mark->anchor();
+  const auto at = s.trio().toDisplay(2, anchor.data());
+  kxtest::drag(s.trio().interactor(2), at[0], at[1], at[0] - 30, at[1] + 10);
+  EXPECT_NEAR(mark->anchor()[2], plane.origin[2], 1e-9);
+  EXPECT_GT(std::hypot(mark->anchor()[0] - anchor[0], mark->anchor()[1] - anchor[1]), 5.0);
+  ASSERT_EQ(changed.count(), 2);
+  EXPECT_EQ(changed.at(1).at(0).value<AnnotationId>(), mark->id());
 }
 
 TEST(AnnotationPane, MarkSizeInPixelsHitAreaAndLabel)
