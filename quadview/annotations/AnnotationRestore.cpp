@@ -16,7 +16,6 @@ namespace voxelia::quadview::annotations
 {
 namespace
 {
-constexpr double k_NormalEps = 1e-12;
 /** Farther than this from its plane, a saved point is moved back onto it. */
 constexpr double k_SnapDistance = 1e-6;
 
@@ -32,11 +31,12 @@ bool snapToPlane(Vec3& p, const SlicePlane& plane, const std::optional<Vec3>& no
 }
 } // namespace
 
-int restoreAnnotationRecords(VXQuadViewAnnotationsController& controller,
-                             const QJsonArray& records, const WorldBounds& currentBounds,
+int restoreAnnotationRecords(VXQuadViewAnnotationsController& controller, const QJsonArray& records,
+                             const WorldBounds& currentBounds,
                              const std::function<void(const QString&)>& print)
 {
-  const auto report = [&print](const QString& message) {
+  const auto report = [&print](const QString& message)
+  {
     if (print)
       print(message);
   };
@@ -60,7 +60,7 @@ int restoreAnnotationRecords(VXQuadViewAnnotationsController& controller,
                             "current geometry bounds.")
                .arg(name));
     }
-    const std::optional<Vec3> normal = planeNormal(plane, k_NormalEps);
+    const std::optional<Vec3> normal = planeNormal(plane, k_PlaneNormalEps);
 
     std::unique_ptr<VXQuadViewAnnotation> annotation;
     if (type == QLatin1String("Ruler"))
@@ -73,9 +73,8 @@ int restoreAnnotationRecords(VXQuadViewAnnotationsController& controller,
         report(QStringLiteral("QuadView: ruler '%1' had off-plane endpoint(s); snapped to anchor "
                               "plane.")
                  .arg(name));
-      annotation = std::make_unique<VXQuadViewRuler>(controller.role(), controller.pane(),
-                                                     &controller, name, sliceIndex, plane,
-                                                     bounds, p1, p2);
+      annotation = std::make_unique<VXQuadViewRuler>(
+        controller.role(), controller.pane(), &controller, name, sliceIndex, plane, bounds, p1, p2);
     }
     else if (type == QLatin1String("Mark"))
     {
@@ -84,9 +83,8 @@ int restoreAnnotationRecords(VXQuadViewAnnotationsController& controller,
         report(
           QStringLiteral("QuadView: mark '%1' had an off-plane anchor; snapped to anchor plane.")
             .arg(name));
-      annotation = std::make_unique<VXQuadViewMark>(controller.role(), controller.pane(),
-                                                    &controller, name, sliceIndex, plane,
-                                                    bounds, anchor);
+      annotation = std::make_unique<VXQuadViewMark>(
+        controller.role(), controller.pane(), &controller, name, sliceIndex, plane, bounds, anchor);
     }
     else
     {

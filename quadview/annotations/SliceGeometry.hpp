@@ -17,6 +17,11 @@ namespace voxelia::quadview::annotations
 using Vec3 = std::array<double, 3>;
 using Vec2 = std::array<double, 2>;
 
+/** The tolerance of the alignment and matching tests the annotations make. */
+inline constexpr double k_AlignEps = 1e-5;
+/** The tolerance of planeNormal as the annotations call it. */
+inline constexpr double k_PlaneNormalEps = 1e-12;
+
 /** One value per slice pane, numbered as the slice panes: 0 YZ, 1 XZ, 2 XY. */
 enum class SlicePaneRole : int
 {

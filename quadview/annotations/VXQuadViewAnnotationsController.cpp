@@ -16,6 +16,7 @@
 #include <QtWidgets/QToolTip>
 
 #include <algorithm>
+#include <functional>
 
 namespace voxelia::quadview::annotations
 {
@@ -32,6 +33,36 @@ bool typingInTextField()
          qobject_cast<QPlainTextEdit*>(focus) != nullptr ||
          qobject_cast<QAbstractSpinBox*>(focus) != nullptr;
 }
+
+/**
+ * Watches every key event of the application for the M key, which arms the
+ * mark gesture wherever the keyboard focus is. Kept apart from the pane's
+ * filter so that each pane event is handled once, and cheap: it only reads
+ * the key code.
+ */
+class MarkKeyWatcher : public QObject
+{
+public:
+  MarkKeyWatcher(std::function<void(bool)> onMarkKey, QObject* parent)
+    : QObject(parent)
+    , m_OnMarkKey(std::move(onMarkKey))
+  {
+  }
+
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override
+  {
+    const QEvent::Type type = event->type();
+    if (type != QEvent::KeyPress && type != QEvent::KeyRelease)
+      return false;
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (key->key() == Qt::Key_M && !key->isAutoRepeat() && !typingInTextField())
+      m_OnMarkKey(type == QEvent::KeyPress);
+    return false;
+  }
+
+private:
+  std::function<void(bool)> m_OnMarkKey;
+};
 } // namespace
 
 VXQuadViewAnnotationsController::VXQuadViewAnnotationsController(
@@ -52,7 +83,7 @@ VXQuadViewAnnotationsController::VXQuadViewAnnotationsController(
   }
   if (auto* app = qobject_cast<QApplication*>(QCoreApplication::instance()))
   {
-    app->installEventFilter(this);
+    app->installEventFilter(new MarkKeyWatcher([this](bool held) { m_MarkKeyHeld = held; }, this));
     connect(app, &QApplication::focusChanged, this,
             &VXQuadViewAnnotationsController::onFocusChanged);
   }
@@ -285,14 +316,8 @@ void VXQuadViewAnnotationsController::notifyNavigateRequested(AnnotationId id)
 
 bool VXQuadViewAnnotationsController::eventFilter(QObject* watched, QEvent* event)
 {
+  // the M key is followed application-wide by the key watcher; here only the pane's own events
   const QEvent::Type type = event->type();
-  // the application-wide part: only the key code is looked at
-  if (type == QEvent::KeyPress || type == QEvent::KeyRelease)
-  {
-    const auto* key = static_cast<QKeyEvent*>(event);
-    if (key->key() == Qt::Key_M && !key->isAutoRepeat() && !typingInTextField())
-      m_MarkKeyHeld = type == QEvent::KeyPress;
-  }
   if (watched != m_Pane.data() || !m_Pane)
     return false;
 

@@ -29,8 +29,6 @@ namespace voxelia::quadview::annotations
 {
 namespace
 {
-constexpr double k_MatchEps = 1e-5;
-constexpr double k_NormalEps = 1e-12;
 constexpr int k_MinHitRadius = 6;
 constexpr int k_MinLabelFont = 8;
 /** Gap in pixels between the mark's edge and its label. */
@@ -86,8 +84,8 @@ VXQuadViewMark::VXQuadViewMark(SlicePaneRole role, QVTKOpenGLNativeWidget* pane,
                                int anchorSliceIndex, const SlicePlane& plane,
                                const WorldBounds& bounds, const std::array<double, 3>& anchor,
                                QObject* parent)
-  : VXQuadViewPaneAnnotation(role, pane, controller, name, anchorSliceIndex, plane, bounds,
-                             true, parent)
+  : VXQuadViewPaneAnnotation(role, pane, controller, name, anchorSliceIndex, plane, bounds, true,
+                             parent)
   , m_Anchor(anchor)
 {
   if (!paneReady())
@@ -191,7 +189,7 @@ void VXQuadViewMark::onSliceChanged(const SlicePlane& plane)
     renderPane();
     return;
   }
-  const auto normal = planeNormal(plane, k_NormalEps);
+  const auto normal = planeNormal(plane, k_PlaneNormalEps);
   if (!normal)
     return;
   const Vec3 moved = projectOntoPlane(anchor(), plane.origin, *normal);

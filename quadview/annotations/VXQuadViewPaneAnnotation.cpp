@@ -15,16 +15,12 @@
 
 namespace voxelia::quadview::annotations
 {
-namespace
-{
-constexpr double k_MatchEps = 1e-5;
-constexpr double k_NormalEps = 1e-12;
-} // namespace
-
-VXQuadViewPaneAnnotation::VXQuadViewPaneAnnotation(
-  SlicePaneRole role, QVTKOpenGLNativeWidget* pane, VXQuadViewAnnotationsController* controller,
-  const QString& name, int anchorSliceIndex, const SlicePlane& plane, const WorldBounds& bounds,
-  bool locked, QObject* parent)
+VXQuadViewPaneAnnotation::VXQuadViewPaneAnnotation(SlicePaneRole role, QVTKOpenGLNativeWidget* pane,
+                                                   VXQuadViewAnnotationsController* controller,
+                                                   const QString& name, int anchorSliceIndex,
+                                                   const SlicePlane& plane,
+                                                   const WorldBounds& bounds, bool locked,
+                                                   QObject* parent)
   : QObject(parent)
   , m_Role(role)
   , m_Name(name)
@@ -109,7 +105,7 @@ void VXQuadViewPaneAnnotation::navigateTo()
 
 void VXQuadViewPaneAnnotation::configurePlacerForCurrentPlane(const SlicePlane& plane)
 {
-  const auto normal = planeNormal(plane, k_NormalEps);
+  const auto normal = planeNormal(plane, k_PlaneNormalEps);
   if (!normal)
     return;
   vtkNew<vtkPlane> oblique;
@@ -195,7 +191,7 @@ bool VXQuadViewPaneAnnotation::lockedVisibleOn(const SlicePlane& plane) const
 {
   const bool onSlice =
     m_Controller == nullptr || m_Controller->currentSliceIndex() == m_AnchorSliceIndex;
-  return onSlice && slicePlaneAxesMatch(m_AnchorPlane, plane, k_MatchEps);
+  return onSlice && slicePlaneAxesMatch(m_AnchorPlane, plane, k_AlignEps);
 }
 
 void VXQuadViewPaneAnnotation::adoptPlane(const SlicePlane& plane)

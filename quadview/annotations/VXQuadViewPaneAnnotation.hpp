@@ -30,7 +30,9 @@ class VXQuadViewAnnotationsController;
  * a VTK handle on the plane, the pane's projection and the lock rule. The
  * drawing is left to the two kinds.
  */
-class KXVTKLIB_EXPORT VXQuadViewPaneAnnotation : public QObject, public VXQuadViewAnnotation
+class KXVTKLIB_EXPORT VXQuadViewPaneAnnotation
+  : public QObject
+  , public VXQuadViewAnnotation
 {
   Q_OBJECT
 
@@ -72,8 +74,8 @@ public:
 protected:
   VXQuadViewPaneAnnotation(SlicePaneRole role, QVTKOpenGLNativeWidget* pane,
                            VXQuadViewAnnotationsController* controller, const QString& name,
-                           int anchorSliceIndex, const SlicePlane& plane,
-                           const WorldBounds& bounds, bool locked, QObject* parent);
+                           int anchorSliceIndex, const SlicePlane& plane, const WorldBounds& bounds,
+                           bool locked, QObject* parent);
 
   /** Called after the name changed, before the controller hears of it. */
   virtual void onNameChanged();

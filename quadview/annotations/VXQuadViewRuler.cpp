@@ -23,8 +23,6 @@ namespace voxelia::quadview::annotations
 {
 namespace
 {
-constexpr double k_MatchEps = 1e-5;
-constexpr double k_NormalEps = 1e-12;
 /** How near, in pixels, the mouse must be to an end or the line. */
 constexpr double k_HitPixels = 6.0;
 
@@ -36,13 +34,12 @@ double squaredDistance(const QPointF& a, const QPointF& b)
 } // namespace
 
 VXQuadViewRuler::VXQuadViewRuler(SlicePaneRole role, QVTKOpenGLNativeWidget* pane,
-                                 VXQuadViewAnnotationsController* controller,
-                                 const QString& name, int anchorSliceIndex,
-                                 const SlicePlane& plane, const WorldBounds& bounds,
-                                 const std::array<double, 3>& point1,
+                                 VXQuadViewAnnotationsController* controller, const QString& name,
+                                 int anchorSliceIndex, const SlicePlane& plane,
+                                 const WorldBounds& bounds, const std::array<double, 3>& point1,
                                  const std::array<double, 3>& point2, QObject* parent)
-  : VXQuadViewPaneAnnotation(role, pane, controller, name, anchorSliceIndex, plane, bounds,
-                             false, parent)
+  : VXQuadViewPaneAnnotation(role, pane, controller, name, anchorSliceIndex, plane, bounds, false,
+                             parent)
   , m_Point1(point1)
   , m_Point2(point2)
 {
@@ -57,8 +54,10 @@ VXQuadViewRuler::VXQuadViewRuler(SlicePaneRole role, QVTKOpenGLNativeWidget* pan
   m_Widget->SetRepresentation(m_Representation);
   m_Widget->SetPriority(0.6f);
   m_Representation->InstantiateHandleRepresentation();
-  m_Handle1 = VXRulerHandleRepresentation::SafeDownCast(m_Representation->GetPoint1Representation());
-  m_Handle2 = VXRulerHandleRepresentation::SafeDownCast(m_Representation->GetPoint2Representation());
+  m_Handle1 =
+    VXRulerHandleRepresentation::SafeDownCast(m_Representation->GetPoint1Representation());
+  m_Handle2 =
+    VXRulerHandleRepresentation::SafeDownCast(m_Representation->GetPoint2Representation());
   int index = 1;
   for (VXRulerHandleRepresentation* handle : { m_Handle1.Get(), m_Handle2.Get() })
   {
@@ -76,6 +75,8 @@ VXQuadViewRuler::VXQuadViewRuler(SlicePaneRole role, QVTKOpenGLNativeWidget* pan
 
   m_Widget->SetEnabled(1);
   m_Widget->SetWidgetStateToManipulate();
+  // enabled while still in its start state, the widget hid the line: both points exist already
+  m_Representation->VisibilityOn();
   m_Representation->SetPoint1WorldPosition(m_Point1.data());
   m_Representation->SetPoint2WorldPosition(m_Point2.data());
 
@@ -120,7 +121,7 @@ void VXQuadViewRuler::onSliceChanged(const SlicePlane& plane)
 {
   if (!m_Widget)
     return;
-  if (!slicePlaneIsAxisAligned(plane, k_MatchEps))
+  if (!slicePlaneIsAxisAligned(plane, k_AlignEps))
   {
     // rulers exist only on axis aligned slices
     setShown(false);
@@ -133,7 +134,7 @@ void VXQuadViewRuler::onSliceChanged(const SlicePlane& plane)
     renderPane();
     return;
   }
-  const auto normal = planeNormal(plane, k_NormalEps);
+  const auto normal = planeNormal(plane, k_PlaneNormalEps);
   if (!normal)
     return;
   m_SuppressNotify = true;

@@ -131,8 +131,8 @@ void VXRulerHandleRepresentation::buildRingAndCrosshair()
   for (int i = 0; i <= k_RingSegments; ++i)
   {
     const double angle = 2.0 * std::numbers::pi * i / k_RingSegments;
-    ringLines->InsertCellPoint(ringPoints->InsertNextPoint(
-      k_RingRadius * std::cos(angle), k_RingRadius * std::sin(angle), 0.0));
+    ringLines->InsertCellPoint(ringPoints->InsertNextPoint(k_RingRadius * std::cos(angle),
+                                                           k_RingRadius * std::sin(angle), 0.0));
   }
   vtkNew<vtkPolyData> ring;
   ring->SetPoints(ringPoints);

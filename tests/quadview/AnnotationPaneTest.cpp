@@ -3,6 +3,7 @@
 // mouse and key gestures of the controller.
 #include "AnnotationTestSupport.hpp"
 #include "ImageCompare.hpp"
+#include "VXTestSupport.hpp"
 
 #include <quadview/annotations/AnnotationJson.hpp>
 #include <quadview/annotations/AnnotationRestore.hpp>
@@ -10,6 +11,7 @@
 
 #include <vtkCamera.h>
 #include <vtkDistanceWidget.h>
+#include <vtkPlane.h>
 #include <vtkResliceCursor.h>
 #include <vtkTextActor.h>
 #include <vtkTextProperty.h>
@@ -22,6 +24,8 @@
 #include <QtWidgets/QLineEdit>
 
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 using namespace voxelia::quadview::annotations;
 using Controller = VXQuadViewAnnotationsController;
@@ -65,7 +69,8 @@ TEST(AnnotationPane, RecordsRoundTripInThreePanes)
   std::array<QJsonArray, 3> saved;
   for (int i = 0; i < 3; ++i)
   {
-    VXQuadViewRuler* ruler = s.addRuler(i, { 1.0, 2.0 }, { 3.0, -4.0 }, QStringLiteral("R%1").arg(i));
+    VXQuadViewRuler* ruler =
+      s.addRuler(i, { 1.0, 2.0 }, { 3.0, -4.0 }, QStringLiteral("R%1").arg(i));
     VXQuadViewMark* mark = s.addMark(i, { 2.0, 5.0 }, QStringLiteral("M%1").arg(i));
     mark->setColor(QColor(10, 200, 30, 128));
     mark->setSizeInPixels(20);
@@ -127,7 +132,8 @@ TEST(AnnotationPane, LoadRepairsRecordsWithOneMessageEach)
 {
   kxtest::AnnotatedTrio s;
   const SlicePlane plane{ { 0.0, 0.0, 0.0 }, { 1.0, 0.0, 0.0 }, { 0.0, 1.0, 0.0 } };
-  const auto record = [&plane](const char* type, const char* name) {
+  const auto record = [&plane](const char* type, const char* name)
+  {
     QJsonObject o;
     if (type != nullptr)
       o.insert("type", type);
@@ -149,8 +155,14 @@ TEST(AnnotationPane, LoadRepairsRecordsWithOneMessageEach)
   QJsonObject noBounds = record("Mark", "M bare");
   noBounds.remove("geomBounds");
   noBounds.insert("anchor", vec3ToJson({ 3.0, 4.0, 0.0 }));
-  const QJsonArray records{ off,  edge, mark, noBounds, record("Ellipse", "e1"),
-                            42,   record("Ellipse", "e2"), record(nullptr, "nameless") };
+  const QJsonArray records{ off,
+                            edge,
+                            mark,
+                            noBounds,
+                            record("Ellipse", "e1"),
+                            42,
+                            record("Ellipse", "e2"),
+                            record(nullptr, "nameless") };
 
   Controller* c = s.controller(2);
   QStringList messages;
@@ -225,9 +237,16 @@ TEST(AnnotationPane, ObliqueSlicesHideRulersButNotMarks)
   VXQuadViewMark* mark = s.addMark(2, { 0.5, 0.5 });
   mark->setLocked(false);
 
+  // turn the cursor about z: the cursor derives its axes from the planes' normals
+  s.trio().setOblique(true);
   vtkResliceCursor* cursor = s.trio().cursor();
-  cursor->SetXAxis(0.8, 0.6, 0.0);
-  cursor->SetYAxis(-0.6, 0.8, 0.0);
+  double normal0[3];
+  double normal1[3];
+  cursor->GetPlane(0)->GetNormal(normal0);
+  cursor->GetPlane(1)->GetNormal(normal1);
+  cursor->GetPlane(0)->SetNormal(0.8, 0.6, 0.0);
+  cursor->GetPlane(1)->SetNormal(-0.6, 0.8, 0.0);
+  cursor->Update();
   s.trio().renderAll();
   s.controller(2)->onSliceChanged();
   EXPECT_FALSE(slicePlaneIsAxisAligned(s.plane(2), 1e-5));
@@ -235,11 +254,47 @@ TEST(AnnotationPane, ObliqueSlicesHideRulersButNotMarks)
   EXPECT_FALSE(pinned->isShown());
   EXPECT_TRUE(mark->isShown());
 
-  cursor->SetXAxis(1.0, 0.0, 0.0);
-  cursor->SetYAxis(0.0, 1.0, 0.0);
+  cursor->GetPlane(0)->SetNormal(normal0);
+  cursor->GetPlane(1)->SetNormal(normal1);
+  cursor->Update();
+  s.trio().renderAll();
   s.controller(2)->onSliceChanged();
   EXPECT_TRUE(free->isShown());
   EXPECT_TRUE(pinned->isShown());
+}
+
+TEST(AnnotationPane, DraggedHandlesStayOnTheirPlane)
+{
+  kxtest::AnnotatedTrio s;
+  VXQuadViewRuler* ruler = s.addRuler(2, { -3.0, 6.0 }, { 3.0, 10.0 });
+  VXQuadViewMark* mark = s.addMark(2, { 2.0, -6.0 });
+  s.trio().renderAll();
+  QSignalSpy changed(s.controller(2), &Controller::annotationChanged);
+  const SlicePlane plane = s.plane(2);
+  const Vec3 end2 = ruler->point2();
+
+  const Vec3 end1 = ruler->point1();
+  const auto from = s.trio().toDisplay(2, end1.data());
+  // the mouse comes to the handle before it presses, as a hand does
+  s.trio().interactor(2)->SetEventInformation(from[0], from[1], 0, 0);
+  s.trio().interactor(2)->InvokeEvent(vtkCommand::MouseMoveEvent);
+  kxtest::drag(s.trio().interactor(2), from[0], from[1], from[0] + 24, from[1] - 16);
+  const Vec3 moved1 = ruler->point1();
+  EXPECT_NEAR(moved1[2], plane.origin[2], 1e-9);
+  const Vec2 shift = inPlaneFromWorld(plane, moved1);
+  EXPECT_GT(std::hypot(shift[0] + 3.0, shift[1] - 6.0), 5.0);
+  expectNear(ruler->point2(), end2);
+  EXPECT_EQ(ruler->summaryText(), QString::number(ruler->distance(), 'f', 2));
+  ASSERT_EQ(changed.count(), 1);
+  EXPECT_EQ(changed.at(0).at(0).value<AnnotationId>(), ruler->id());
+
+  const Vec3 anchor = mark->anchor();
+  const auto at = s.trio().toDisplay(2, anchor.data());
+  kxtest::drag(s.trio().interactor(2), at[0], at[1], at[0] - 30, at[1] + 10);
+  EXPECT_NEAR(mark->anchor()[2], plane.origin[2], 1e-9);
+  EXPECT_GT(std::hypot(mark->anchor()[0] - anchor[0], mark->anchor()[1] - anchor[1]), 5.0);
+  ASSERT_EQ(changed.count(), 2);
+  EXPECT_EQ(changed.at(1).at(0).value<AnnotationId>(), mark->id());
 }
 
 TEST(AnnotationPane, MarkSizeInPixelsHitAreaAndLabel)
@@ -341,17 +396,24 @@ TEST(AnnotationPane, NewestAnnotationWinsAndNamesKeepCounting)
   EXPECT_EQ(pane->cursor().shape(), Qt::PointingHandCursor);
 
   QSignalSpy rights(c, &Controller::rightClickedAt);
-  QTest::mouseDClick(pane, Qt::LeftButton, {}, at);
-  ASSERT_NE(c->hud(), nullptr);
+  // the editor's own size depends on its form: a small one fits above the mark
+  const auto openSmallEditor = [&]
+  {
+    QTest::mouseDClick(pane, Qt::LeftButton, {}, at);
+    ASSERT_NE(c->hud(), nullptr);
+    EXPECT_GE(c->hud()->width(), Controller::k_MinHudWidth);
+    c->hud()->setFixedSize(Controller::k_MinHudWidth, 60);
+    c->positionHud();
+  };
+  openSmallEditor();
   EXPECT_EQ(c->hudAnnotation(), newer);
-  EXPECT_GE(c->hud()->width(), Controller::k_MinHudWidth);
-  // the editor sits above the mark, inside the pane
-  EXPECT_LE(c->hud()->geometry().bottom(), newer->screenBounds().top() - Controller::k_HudGap);
+  const QRect mark = newer->screenBounds();
+  EXPECT_EQ(c->hud()->geometry().bottom() + 1, mark.top() - Controller::k_HudGap);
+  EXPECT_EQ(c->hud()->x() + Controller::k_MinHudWidth / 2, mark.center().x());
   QTest::keyClick(pane, Qt::Key_Escape);
   EXPECT_EQ(c->hud(), nullptr);
 
-  QTest::mouseDClick(pane, Qt::LeftButton, {}, at);
-  ASSERT_NE(c->hud(), nullptr);
+  openSmallEditor();
   // a press outside the editor closes it and goes on to the pane
   QTest::mouseClick(pane, Qt::RightButton, {}, at);
   EXPECT_EQ(c->hud(), nullptr);
@@ -374,17 +436,20 @@ TEST(AnnotationPane, NewestAnnotationWinsAndNamesKeepCounting)
 TEST(AnnotationPane, RulerAndMarksPicture)
 {
   kxtest::AnnotatedTrio s;
-  s.addRuler(2, { -3.0, -10.0 }, { 3.0, 8.0 }, QStringLiteral("Ruler A"));
-  VXQuadViewMark* sphere = s.addMark(2, { -2.5, 10.0 }, QStringLiteral("Sphere"));
+  s.trio().renderer(2)->GetActiveCamera()->Zoom(2.5);
+  s.addRuler(2, { -4.0, 12.0 }, { 4.0, 2.0 }, QStringLiteral("Ruler A"));
+  VXQuadViewMark* sphere = s.addMark(2, { -4.0, -4.0 }, QStringLiteral("Sphere"));
   sphere->setLabelVisibleInViewport(true);
-  VXQuadViewMark* cross = s.addMark(2, { 0.0, 10.0 }, QStringLiteral("Cross"));
+  VXQuadViewMark* cross = s.addMark(2, { 0.0, -8.0 }, QStringLiteral("Cross"));
   cross->setShape(MarkShape::Cross);
   cross->setColor(QColor(0, 255, 255));
   cross->setSizeInPixels(16);
-  VXQuadViewMark* square = s.addMark(2, { 2.5, 10.0 }, QStringLiteral("Square"));
+  cross->setLabelVisibleInViewport(true);
+  VXQuadViewMark* square = s.addMark(2, { 4.0, -12.0 }, QStringLiteral("Square"));
   square->setShape(MarkShape::Square);
   square->setColor(QColor(255, 200, 0));
   square->setSizeInPixels(8);
+  square->setLabelVisibleInViewport(true);
   s.trio().renderAll();
   kxtest::CompareWithBaseline(s.trio().pane(2)->grabFramebuffer(), "quadview",
                               "annotations_ruler_marks");

@@ -56,11 +56,12 @@ public:
   }
   int sliceIndex(int i) const
   {
-    return static_cast<int>(std::lround((m_Trio.cursor()->GetCenter()[i] - m_Image->GetOrigin()[i]) /
-                                        m_Image->GetSpacing()[i]));
+    return static_cast<int>(std::lround(
+      (m_Trio.cursor()->GetCenter()[i] - m_Image->GetOrigin()[i]) / m_Image->GetSpacing()[i]));
   }
 
-  /** Moves the cursor's centre along world axis @p axis by @p slices voxels and tells every pane. */
+  /** Moves the cursor's centre along world axis @p axis by @p slices voxels and tells every pane.
+   */
   void moveSlice(int axis, int slices)
   {
     double c[3];
@@ -78,8 +79,8 @@ public:
     const qva::SlicePlane p = plane(i);
     auto ruler = std::make_unique<qva::VXQuadViewRuler>(
       static_cast<qva::SlicePaneRole>(i), m_Trio.pane(i), controller(i),
-      name.isEmpty() ? qva::VXQuadViewAnnotationsController::nextRulerName() : name,
-      sliceIndex(i), p, bounds(), qva::worldFromInPlane(p, a), qva::worldFromInPlane(p, b));
+      name.isEmpty() ? qva::VXQuadViewAnnotationsController::nextRulerName() : name, sliceIndex(i),
+      p, bounds(), qva::worldFromInPlane(p, a), qva::worldFromInPlane(p, b));
     auto* raw = ruler.get();
     controller(i)->addAnnotation(std::move(ruler));
     return raw;
@@ -90,8 +91,8 @@ public:
     const qva::SlicePlane p = plane(i);
     auto mark = std::make_unique<qva::VXQuadViewMark>(
       static_cast<qva::SlicePaneRole>(i), m_Trio.pane(i), controller(i),
-      name.isEmpty() ? qva::VXQuadViewAnnotationsController::nextMarkName() : name,
-      sliceIndex(i), p, bounds(), qva::worldFromInPlane(p, at));
+      name.isEmpty() ? qva::VXQuadViewAnnotationsController::nextMarkName() : name, sliceIndex(i),
+      p, bounds(), qva::worldFromInPlane(p, at));
     auto* raw = mark.get();
     controller(i)->addAnnotation(std::move(mark));
     return raw;
