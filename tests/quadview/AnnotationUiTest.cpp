@@ -202,6 +202,19 @@ TEST(AnnotationsTable, ColumnsEditsAndRowsFollowTheControllers)
   EXPECT_EQ(asked.text, "Delete 2 annotations?");
   EXPECT_EQ(model->rowCount(), 0);
   VXUserPrompt::resetHandlers();
+
+  // activating a row (Return on it) goes to its slice: a mark pinned to slice 5 of the XY pane
+  a.moveSlice(2, 5);
+  a.view.addMarkAtPaneLocalPos(2, QPoint(150, 150));
+  a.moveSlice(2, 9);
+  ASSERT_EQ(a.view.currentSliceIndexFor(2), 9);
+  panel.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&panel));
+  table->setCurrentIndex(model->index(0, 0));
+  QSignalSpy activated(table, &QTableView::activated);
+  QTest::keyClick(table, Qt::Key_Return);
+  EXPECT_EQ(activated.count(), 1);
+  EXPECT_EQ(a.view.currentSliceIndexFor(2), 5);
 }
 
 TEST(AnnotationsTable, ConfirmationsAskThroughThePromptHook)
