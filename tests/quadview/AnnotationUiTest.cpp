@@ -19,6 +19,7 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QDoubleSpinBox>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QLabel>
@@ -26,6 +27,7 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QSpinBox>
 #include <QtWidgets/QTableView>
 
 #include <vtkCamera.h>
@@ -364,6 +366,15 @@ TEST(AnnotationHud, TypingMInTheNameFieldArmsNothing)
   QTest::keyRelease(name, Qt::Key_M);
   QTest::keyClick(name, Qt::Key_Return);
   EXPECT_EQ(mark->name(), "mark A");
+  // the form's choices reach the mark and the table
+  hud->findChild<QComboBox*>()->setCurrentIndex(2);
+  EXPECT_EQ(mark->shape(), MarkShape::Square);
+  EXPECT_EQ(a.view.annotationsTableModel()->index(0, 4).data().toString(), "Square");
+  hud->findChild<QSpinBox*>()->setValue(30);
+  EXPECT_EQ(mark->sizeInPixels(), 30);
+  name->setFocus();
+  QTest::keyClick(name, Qt::Key_Escape); // "Close the editor (Esc)"
+  EXPECT_EQ(controller.hud(), nullptr);
 
   QSignalSpy gestures(&controller, &VXQuadViewAnnotationsController::markClickGesture);
   QTest::mouseClick(a.view.getPaneWidget(3), Qt::LeftButton, {}, QPoint(60, 60));
