@@ -181,6 +181,7 @@ struct VXQuadView::Internals
   QElapsedTimer annotationTimer;
   QElapsedTimer renderTimer;
   QTimer* deferredRender = nullptr;
+  QTimer* stillVolumeRender = nullptr;
   vtkSmartPointer<vtkSmartVolumeMapper> volumeMapper;
   vtkSmartPointer<vtkVolume> volume;
   vtkSmartPointer<vtkVolumeProperty> volumeProperty;
@@ -218,6 +219,8 @@ VXQuadView::~VXQuadView()
     d->callback->clear();
   if (d->deferredRender != nullptr)
     d->deferredRender->stop();
+  if (d->stillVolumeRender != nullptr)
+    d->stillVolumeRender->stop();
   QObject::disconnect(d->outputConnection);
 }
 
@@ -1362,8 +1365,30 @@ void VXQuadView::render()
 
 void VXQuadView::renderVolumeWindow()
 {
+  if (d->stillVolumeRender != nullptr)
+    d->stillVolumeRender->stop();
   if (vtkRenderWindow* window = d->view3D->renderWindow())
     window->Render();
+}
+
+void VXQuadView::renderVolumeWindowInteractive()
+{
+  vtkRenderWindow* window = d->view3D->renderWindow();
+  if (window == nullptr)
+    return;
+  // as an interactor does while the mouse is busy: above the mapper's interactive rate it casts
+  // fewer rays, so a run of wheel steps is not held up by the full volume each time
+  const double stillRate = window->GetDesiredUpdateRate();
+  window->SetDesiredUpdateRate(k_InteractiveVolumeRate);
+  window->Render();
+  window->SetDesiredUpdateRate(stillRate);
+  if (d->stillVolumeRender == nullptr)
+  {
+    d->stillVolumeRender = new QTimer(this);
+    d->stillVolumeRender->setSingleShot(true);
+    connect(d->stillVolumeRender, &QTimer::timeout, this, &VXQuadView::renderVolumeWindow);
+  }
+  d->stillVolumeRender->start(k_StillVolumeDelayMs);
 }
 
 vtkRenderer* VXQuadView::volumeRenderer() const
@@ -2117,6 +2142,8 @@ void VXQuadView::clearView()
   }
   if (d->deferredRender != nullptr)
     d->deferredRender->stop();
+  if (d->stillVolumeRender != nullptr)
+    d->stillVolumeRender->stop();
   QObject::disconnect(d->outputConnection);
   d->source = nullptr;
   d->sourceRaw = nullptr;

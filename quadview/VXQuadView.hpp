@@ -81,6 +81,10 @@ public:
 
   /** Pause between two renders, and between two overlay updates, in milliseconds. */
   static constexpr int k_ThrottleMs = 33;
+  /** Frames per second asked of the volume pane while the slices step. */
+  static constexpr double k_InteractiveVolumeRate = 15.0;
+  /** The full-quality volume frame follows this long after the last step. */
+  static constexpr int k_StillVolumeDelayMs = 300;
   /** The 3D texture limit assumed when the window cannot tell. */
   static constexpr int k_DefaultTextureLimit = 2048;
 
@@ -325,6 +329,8 @@ private:
   void restartAnnotationTimer();
   bool annotationThrottleElapsed() const;
   void renderVolumeWindow();
+  /** A frame of the volume pane at an interactive rate, and a full one once the steps pause. */
+  void renderVolumeWindowInteractive();
   void applyPendingViewStates();
   void restoreCursor(const nlohmann::json& json);
   vtkRenderer* volumeRenderer() const;

@@ -379,6 +379,11 @@ void vtkResliceCursorCallback::Execute(vtkObject* caller, unsigned long event, v
                   : nullptr;
     dragging = rep != nullptr && rep->GetManipulationMode() != vtkResliceCursorRepresentation::None;
   }
-  if (!dragging && m_VolumeRenderWindow != nullptr)
+  if (dragging || m_VolumeRenderWindow == nullptr)
+    return;
+  // a wheel or key step comes in runs: the volume pane keeps up at an interactive rate
+  if (event == vtkResliceImageViewer::SliceChangedEvent)
+    view->renderVolumeWindowInteractive();
+  else
     m_VolumeRenderWindow->Render();
 }

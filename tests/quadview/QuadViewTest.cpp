@@ -517,6 +517,43 @@ TEST(QuadView, RenderThrottleKeepsDrawsApartAndLosesNoCall)
   EXPECT_EQ(draws.size(), settled);
 }
 
+TEST(QuadView, WheelStepsDrawTheVolumeInteractivelyThenOnceInFull)
+{
+  Shown shown;
+  VXQuadView& view = shown.view;
+  shown.show(rampImage(4, 4, 12));
+  QTest::qWait(100);
+  vtkRenderWindow* window = view.getVolumeRenderWindow();
+  const double stillRate = window->GetDesiredUpdateRate();
+  ASSERT_LT(stillRate, VXQuadView::k_InteractiveVolumeRate);
+  std::vector<double> rates;
+  vtkNew<vtkCallbackCommand> record;
+  record->SetClientData(&rates);
+  record->SetCallback(
+    [](vtkObject* caller, unsigned long, void* data, void*)
+    {
+      static_cast<std::vector<double>*>(data)->push_back(
+        static_cast<vtkRenderWindow*>(caller)->GetDesiredUpdateRate());
+    });
+  window->AddObserver(vtkCommand::StartEvent, record);
+
+  vtkRenderWindowInteractor* interactor = view.getViewer(2)->GetInteractor();
+  for (int step = 0; step < 3; ++step)
+  {
+    interactor->SetEventInformation(20, 20, 0, 0);
+    interactor->InvokeEvent(vtkCommand::MouseWheelForwardEvent);
+  }
+  ASSERT_EQ(rates.size(), 3u);
+  for (double rate : rates)
+    EXPECT_DOUBLE_EQ(rate, VXQuadView::k_InteractiveVolumeRate);
+  EXPECT_DOUBLE_EQ(window->GetDesiredUpdateRate(), stillRate);
+
+  // once the steps pause, one full-quality frame
+  QTest::qWait(VXQuadView::k_StillVolumeDelayMs + 200);
+  ASSERT_EQ(rates.size(), 4u);
+  EXPECT_DOUBLE_EQ(rates.back(), stillRate);
+}
+
 /**
  * Pictures of all panes as shown, then oblique with the cursor turned 30 degrees about z
  * at @p center, then back to axis aligned as a slab of @p thickness with max blend.
