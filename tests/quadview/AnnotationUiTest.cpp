@@ -31,6 +31,10 @@
 #include <QtWidgets/QTableView>
 
 #include <vtkCamera.h>
+#include <vtkLinearTransform.h>
+#include <vtkMatrix4x4.h>
+#include <vtkPolygonalHandleRepresentation3D.h>
+#include <vtkTextActor.h>
 #include <vtkRenderer.h>
 #include <vtkResliceCursor.h>
 #include <vtkResliceCursorWidget.h>
@@ -444,6 +448,26 @@ TEST(AnnotationState, RulersAndMarksOfThreePanesRoundTrip)
     EXPECT_EQ(m1->shape(), m0->shape());
     EXPECT_EQ(m1->color(), m0->color());
   }
+
+  // a resized pane keeps a mark's size in pixels and its label beside it
+  auto* xyMark = dynamic_cast<VXQuadViewMark*>(b.controller(2).annotations().back().get());
+  xyMark->setLabelVisibleInViewport(true);
+  b.view.resize(900, 800);
+  kxtest::pump();
+  vtkRenderer* renderer = b.view.getViewer(2)->GetRenderer();
+  const double worldPerPixel =
+    2.0 * renderer->GetActiveCamera()->GetParallelScale() / renderer->GetSize()[1];
+  // the handle's transform carries the uniform scale on its diagonal
+  auto* scale = vtkLinearTransform::SafeDownCast(xyMark->handleRepresentation()->GetTransform());
+  ASSERT_NE(scale, nullptr);
+  EXPECT_NEAR(scale->GetMatrix()->GetElement(0, 0), xyMark->sizeInPixels() * worldPerPixel, 1e-9);
+  const std::optional<QPointF> at = xyMark->worldToPaneLocal(xyMark->anchor());
+  ASSERT_TRUE(at.has_value());
+  const double ratio = b.view.getPaneWidget(3)->devicePixelRatioF();
+  const double* label = xyMark->labelActor()->GetPosition(); // display pixels
+  ASSERT_NE(label, nullptr);
+  EXPECT_EQ(label[0], std::lround((at->x() + xyMark->sizeInPixels() + 4) * ratio));
+  EXPECT_EQ(label[1], std::lround(renderer->GetSize()[1] - at->y() * ratio));
 
   // clearing the view empties the controllers, which stay
   VXQuadViewAnnotationsController* kept = b.view.annotationsController(0);
