@@ -518,6 +518,20 @@ TEST(AnnotationMenu, PaneMenuEntriesAddEditLockAndDelete)
   VXUserPrompt::resetHandlers();
   EXPECT_EQ(controller.count(), 0);
 
+  // holding M, a left click drops a mark where the click meets the slice
+  QWidget* xy = a.view.getPaneWidget(3);
+  QTest::keyPress(xy, Qt::Key_M);
+  QTest::mouseClick(xy, Qt::LeftButton, {}, QPoint(140, 120));
+  QTest::keyRelease(xy, Qt::Key_M);
+  ASSERT_EQ(controller.count(), 1);
+  auto* dropped = dynamic_cast<VXQuadViewMark*>(controller.annotations().front().get());
+  ASSERT_NE(dropped, nullptr);
+  const auto where = a.view.worldFromPaneScreenPos(2, QPoint(140, 120));
+  ASSERT_TRUE(where.has_value());
+  for (int c = 0; c < 3; ++c)
+    EXPECT_NEAR(dropped->anchor()[c], (*where)[c], 1e-9);
+  controller.clearAll();
+
   // oblique slices take no new rulers, marks still go
   a.view.resliceMode(2);
   const double center[3] = { 10.0, 8.0, 6.0 };
