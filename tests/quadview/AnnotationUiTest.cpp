@@ -273,6 +273,11 @@ TEST(AnnotationHud, OutOfBoundsValueIsRevertedAndTheRulerKept)
   const QStringList groups = { hud->endpoint1Fields().group->title(),
                                hud->endpoint2Fields().group->title() };
   EXPECT_EQ(groups, QStringList({ "Endpoint 1", "Endpoint 2" }));
+  QStringList labels;
+  for (const QLabel* label : hud->endpoint1Fields().group->findChildren<QLabel*>())
+    labels << label->text();
+  EXPECT_TRUE(labels.contains("X:") && labels.contains("Y:") && labels.contains("Z:"))
+    << labels.join(' ').toStdString();
 
   // the XY pane edits world x and y; x runs from 0.5 to 19.5 here
   const std::array<double, 3> before = ruler->point1();
@@ -539,5 +544,16 @@ TEST(AnnotationMenu, PaneMenuEntriesAddEditLockAndDelete)
   menu = a.view.buildPaneContextMenu(3, QPoint(150, 150));
   EXPECT_EQ(texts(menu).mid(0, 2),
             QStringList({ "Add Mark Here", "Clear All Annotations in This Pane" }));
+  menu->actions()[0]->trigger();
   delete menu;
+  // a mark on a turned slice is edited in the plane's own axes
+  ASSERT_EQ(controller.count(), 1);
+  controller.showHudFor(controller.annotations().front().get());
+  auto* hud = qobject_cast<VXQuadViewMarkHUD*>(controller.hud());
+  ASSERT_NE(hud, nullptr);
+  QStringList labels;
+  for (const QLabel* label : hud->anchorFields().group->findChildren<QLabel*>())
+    labels << label->text();
+  EXPECT_TRUE(labels.contains("U:") && labels.contains("V:") && labels.contains("Normal:"))
+    << labels.join(' ').toStdString();
 }
