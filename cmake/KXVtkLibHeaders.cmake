@@ -26,6 +26,16 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXFSlice.hpp
   visualization/VXFThreshold.hpp
   visualization/VXGlobalSource.hpp
+  visualization/VXGlobalSourcePimpl.hpp
+  visualization/VXArrowAnnotationSource.hpp
+  visualization/VXBuildPlateAnnotationSource.hpp
+  visualization/VXCaptionAnnotationSource.hpp
+  visualization/VXCornerAnnotationSource.hpp
+  visualization/VXDistanceAnnotationSource.hpp
+  visualization/VXEllipseAnnotationSource.hpp
+  visualization/VXImageAnnotationSource.hpp
+  visualization/VXSlicePlanePointPlacer.hpp
+  visualization/VXTextAnnotationSource.hpp
   visualization/VXImageSliceRep.hpp
   visualization/VXImageSliceRepPimpl.hpp
   visualization/VXImageSliceUtilities.hpp

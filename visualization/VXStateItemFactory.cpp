@@ -2,6 +2,14 @@
 
 #include "visualization/FileToVXBridge.hpp"
 #include "visualization/KXToVXBridge.hpp"
+#include "visualization/VXArrowAnnotationSource.hpp"
+#include "visualization/VXBuildPlateAnnotationSource.hpp"
+#include "visualization/VXCaptionAnnotationSource.hpp"
+#include "visualization/VXCornerAnnotationSource.hpp"
+#include "visualization/VXDistanceAnnotationSource.hpp"
+#include "visualization/VXEllipseAnnotationSource.hpp"
+#include "visualization/VXImageAnnotationSource.hpp"
+#include "visualization/VXTextAnnotationSource.hpp"
 #include "visualization/VXFClip.hpp"
 #include "visualization/VXFSlice.hpp"
 #include "visualization/VXFThreshold.hpp"
@@ -29,13 +37,22 @@ std::vector<VXStateItemFactory::Entry>& table()
       { "FileToVXBridge", Kind::Bridge,
         [](VXPipeline*) -> QObject* { return new FileToVXBridge(); } },
       { "KXToVXBridge", Kind::Bridge, [](VXPipeline*) -> QObject* { return new KXToVXBridge(); } },
-      { "VXCornerAnnotationSource", Kind::GlobalSource, {} },
-      { "VXImageAnnotationSource", Kind::GlobalSource, {} },
-      { "VXBuildPlateAnnotationSource", Kind::GlobalSource, {} },
-      { "VXCaptionAnnotationSource", Kind::GlobalSource, {} },
-      { "VXTextAnnotationSource", Kind::GlobalSource, {} },
-      { "VXArrowAnnotationSource", Kind::GlobalSource, {} },
-      { "VXEllipseAnnotationSource", Kind::GlobalSource, {} },
+      { "VXCornerAnnotationSource", Kind::GlobalSource,
+        [](VXPipeline*) -> QObject* { return new VXCornerAnnotationSource(); } },
+      { "VXImageAnnotationSource", Kind::GlobalSource,
+        [](VXPipeline*) -> QObject* { return new VXImageAnnotationSource(); } },
+      { "VXBuildPlateAnnotationSource", Kind::GlobalSource,
+        [](VXPipeline*) -> QObject* { return new VXBuildPlateAnnotationSource(); } },
+      { "VXCaptionAnnotationSource", Kind::GlobalSource,
+        [](VXPipeline*) -> QObject* { return new VXCaptionAnnotationSource(); } },
+      { "VXTextAnnotationSource", Kind::GlobalSource,
+        [](VXPipeline*) -> QObject* { return new VXTextAnnotationSource(); } },
+      { "VXArrowAnnotationSource", Kind::GlobalSource,
+        [](VXPipeline*) -> QObject* { return new VXArrowAnnotationSource(); } },
+      { "VXEllipseAnnotationSource", Kind::GlobalSource,
+        [](VXPipeline*) -> QObject* { return new VXEllipseAnnotationSource(); } },
+      { "VXDistanceAnnotationSource", Kind::GlobalSource,
+        [](VXPipeline*) -> QObject* { return new VXDistanceAnnotationSource(); } },
       { "VXDataSource", Kind::DataSource, {} },
       { "VXFClip", Kind::Filter, [](VXPipeline*) -> QObject* { return new VXFClip(); } },
       { "VXFSlice", Kind::Filter, [](VXPipeline*) -> QObject* { return new VXFSlice(); } },

@@ -252,6 +252,15 @@ void ViewerMainWindow::createMenus()
     filters->addAction(label, this, [this, type] { addFilterToSelection(type); });
   }
 
+  // the same entries as the pipeline browser's "Add Annotation" menu, for the active view
+  QMenu* annotations = menuBar()->addMenu("&Annotations");
+  for (const auto& [itemType, label] : VXInfoWidget::AnnotationKinds())
+  {
+    const QString type = itemType;
+    annotations->addAction(label, this,
+                           [this, type] { m_Module->getInfoWidget()->addGlobalSource(type); });
+  }
+
   QMenu* host = menuBar()->addMenu("&Host Pipeline");
   host->addAction("&Run Sample Pipeline", this, &ViewerMainWindow::runHostPipeline);
   host->addAction("Run Again with &New Values", this, &ViewerMainWindow::rerunHostPipeline);

@@ -80,12 +80,17 @@ public:
     pagesBuilt++;
   }
   QIcon getIcon() override { return {}; }
+  nlohmann::json defaultSettings() const override { return nlohmann::json::object(); }
+  std::vector<Field> fields() const override { return {}; }
   void copyActiveSettings() const override {}
   void pasteToActiveSettings() override {}
   void receivePipelineOutputReloaded() override {}
   void addViewWidgetCopy(VXAbstractViewWidget*, VXAbstractViewWidget*) override {}
 
   int pagesBuilt = 0;
+
+protected:
+  QString build(VXGlobalSourcePimpl&) override { return {}; }
 
 private:
   QWidget m_PageHolder;

@@ -126,9 +126,10 @@ TEST_F(InfoWidgetFixture, ContextMenusOfferWhatEachItemCanDo)
   EXPECT_EQ(submenu(bridgeMenu.get(), "Add Data View"), nullptr);
 
   std::unique_ptr<QMenu> emptyMenu(info()->createContextMenu(QModelIndex()));
-  EXPECT_EQ(texts(emptyMenu.get()),
-            (QStringList{ "Open File...", "Load State File...", "Save State File...",
-                          "Export Visualization Presets...", "Import Visualization Presets..." }));
+  EXPECT_EQ(
+    texts(emptyMenu.get()),
+    (QStringList{ "Open File...", "Load State File...", "Save State File...", "Add Annotation",
+                  "Export Visualization Presets...", "Import Visualization Presets..." }));
 }
 
 TEST_F(InfoWidgetFixture, AddingADataViewFromTheMenuPutsItUnderTheSourceAndSelectsIt)

@@ -255,8 +255,6 @@ TEST_F(LoadRulesFixture, TopLevelItemsMustBeBridgesAndSourcesMustHangUnderAFileB
   json tree = json::array({
     voxeliaSource("Microstructure"),
     item("VXPointsRep"),
-    // global sources come with their own classes; until then they are not bridges either
-    item("VXTextAnnotationSource"),
     // a data source under a data source
     fileBridge(m_Sample, json::array({ voxeliaSource(
                            "Microstructure", json::array({ voxeliaSource("Microstructure") })) })),
@@ -269,7 +267,6 @@ TEST_F(LoadRulesFixture, TopLevelItemsMustBeBridgesAndSourcesMustHangUnderAFileB
   EXPECT_EQ(output, (QStringList{
                       topLevel.arg("VXDataSource"),
                       topLevel.arg("VXPointsRep"),
-                      topLevel.arg("VXTextAnnotationSource"),
                       "Error reading state file; found item type VXDataSource but the parent item "
                       "is not a VXBridgeObject type.",
                       "Error: Cannot read in state file to a visualization pipeline sourced from a "

@@ -13,6 +13,7 @@
 #include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/VXDataSource.hpp>
 #include <visualization/VXFThreshold.hpp>
+#include <visualization/VXGlobalSource.hpp>
 #include <visualization/VXPipelineModel.hpp>
 #include <visualization/VXRepresentationPimpl.hpp>
 
@@ -559,4 +560,24 @@ TEST_F(ViewerFixture, FiltersMenuAndHostRequestsRoundTripThroughTheSamplePipelin
               kx::core::DataPath({ "Microstructure", "Cell Data", "Mask" })),
             nullptr);
   EXPECT_DOUBLE_EQ(boundaries->getOutput()->GetBounds()[5], top + 10.0);
+}
+
+TEST_F(ViewerFixture, AnnotationsMenuAddsToTheActiveViewAsTheBrowserDoes)
+{
+  ViewerOptions options;
+  options.files << moduletest::qpath(pipelinetest::writeSample(m_Dir));
+  start(options);
+  for (const auto& [itemType, label] : VXInfoWidget::AnnotationKinds())
+    ASSERT_NE(menuAction(window(), "Annotations", label), nullptr) << label.toStdString();
+  menuAction(window(), "Annotations", "Arrow")->trigger();
+  pump();
+  ASSERT_EQ(module()->pipeline()->globalSources().size(), 1);
+  VXGlobalSource* arrow = module()->pipeline()->globalSources().front();
+  EXPECT_EQ(arrow->typeName(), "VXArrowAnnotationSource");
+  // placed from outside the shown sample's corner to its middle, not at the unit default
+  VXGlobalSourcePimpl* shown = arrow->implementation(module()->getActiveViewWidget());
+  ASSERT_NE(shown, nullptr);
+  EXPECT_NE(shown->settings().at("end_point"), arrow->defaultSettings().at("end_point"));
+  EXPECT_EQ(module()->getInfoWidget()->currentIndex().siblingAtColumn(0),
+            module()->pipelineModel()->helperIndex(arrow));
 }

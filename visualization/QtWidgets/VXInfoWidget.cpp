@@ -2,6 +2,8 @@
 
 #include "utils/KXVtkModuleUtils.hpp"
 #include "visualization/FileToVXBridge.hpp"
+#include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
+#include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXBridgeObject.hpp"
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXFilter.hpp"
@@ -26,6 +28,7 @@
 #include <vtkAlgorithm.h>
 #include <vtkAlgorithmOutput.h>
 #include <vtkImageData.h>
+#include <vtkRenderer.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -765,6 +768,8 @@ QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
       menu->addSeparator();
       addPresetActions(menu, index);
     }
+    if (m_Model->isGlobalSource(index))
+      addAnnotationActions(menu);
     menu->addSeparator();
     connect(menu->addAction("Rename"), &QAction::triggered, this,
             [this, index] { m_TreeView->edit(index.sibling(index.row(), 1)); });
@@ -791,6 +796,7 @@ QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
             });
     connect(menu->addAction("Save State File..."), &QAction::triggered, this,
             &VXInfoWidget::saveStateFileRequest);
+    addAnnotationActions(menu);
     menu->addSeparator();
     connect(menu->addAction("Export Visualization Presets..."), &QAction::triggered, this,
             [this]
@@ -810,6 +816,72 @@ QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
             });
   }
   return menu;
+}
+
+QList<QPair<QString, QString>> VXInfoWidget::AnnotationKinds()
+{
+  return {
+    { "VXTextAnnotationSource", "Text" },
+    { "VXCornerAnnotationSource", "Corner Annotation" },
+    { "VXCaptionAnnotationSource", "Caption" },
+    { "VXArrowAnnotationSource", "Arrow" },
+    { "VXEllipseAnnotationSource", "Ellipse" },
+    { "VXDistanceAnnotationSource", "Ruler" },
+    { "VXImageAnnotationSource", "Image (Logo)..." },
+    { "VXBuildPlateAnnotationSource", "Build Plate" },
+  };
+}
+
+void VXInfoWidget::addAnnotationActions(QMenu* menu)
+{
+  menu->addSeparator();
+  QMenu* annotations = menu->addMenu("Add Annotation");
+  const bool hasView = pipeline() != nullptr && pipeline()->activeViewWidget() != nullptr;
+  for (const auto& [itemType, label] : AnnotationKinds())
+  {
+    QAction* action = annotations->addAction(label);
+    action->setEnabled(hasView);
+    connect(action, &QAction::triggered, this, [this, itemType]() { addGlobalSource(itemType); });
+  }
+}
+
+VXGlobalSource* VXInfoWidget::addGlobalSource(const QString& itemType)
+{
+  VXPipeline* owner = pipeline();
+  VXAbstractViewWidget* view = owner != nullptr ? owner->activeViewWidget() : nullptr;
+  const VXStateItemFactory::Entry* entry = VXStateItemFactory::Find(itemType);
+  if (view == nullptr || entry == nullptr || entry->kind != VXStateItemFactory::Kind::GlobalSource)
+    return nullptr;
+  QString imagePath;
+  if (itemType == "VXImageAnnotationSource")
+  {
+    imagePath = VXUserPrompt::getOpenFileName(this, "Open Image",
+                                              "Images (*.png *.jpg *.jpeg *.bmp *.tif *.tiff)");
+    if (imagePath.isEmpty())
+      return nullptr;
+  }
+  auto* source = qobject_cast<VXGlobalSource*>(entry->make(owner));
+  if (source == nullptr)
+    return nullptr;
+  if (!imagePath.isEmpty())
+    source->setInitialSettings({ { "file_path", imagePath.toStdString() } });
+  // around what the view shows now, if it shows anything
+  if (VXVisualizationWidget* widget = view->getVisualizationWidget();
+      widget != nullptr && widget->getRenderer() != nullptr)
+  {
+    double bounds[6];
+    widget->getRenderer()->ComputeVisiblePropBounds(bounds);
+    if (bounds[0] <= bounds[1] && bounds[2] <= bounds[3] && bounds[4] <= bounds[5])
+      source->fitToBounds(bounds);
+  }
+  const QModelIndex index = m_Model->addGlobalSource(source);
+  if (!index.isValid())
+  {
+    delete source;
+    return nullptr;
+  }
+  setCurrentIndex(index);
+  return source;
 }
 
 void VXInfoWidget::addPresetActions(QMenu* menu, const QModelIndex& index)

@@ -9,6 +9,7 @@
 #include <QtCore/QList>
 #include <QtCore/QMap>
 #include <QtCore/QModelIndex>
+#include <QtCore/QPair>
 #include <QtCore/QPointer>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -21,6 +22,7 @@ class QTreeView;
 class VXAbstractViewWidget;
 class VXBridgeObject;
 class VXDataSource;
+class VXGlobalSource;
 class VXPipeline;
 class VXPipelineModel;
 
@@ -87,6 +89,11 @@ public:
   /** The context menu for an item (invalid index: the empty-area menu). The caller owns it. */
   QMenu* createContextMenu(const QModelIndex& index);
   QModelIndex currentIndex() const;
+  /** Adds an annotation of a global source type to the active view, placed around what it shows,
+   * and selects it; an image asks for its file first. Null when nothing was added. */
+  VXGlobalSource* addGlobalSource(const QString& itemType);
+  /** The annotations a user can add, as (item type, menu label), in menu order. */
+  static QList<QPair<QString, QString>> AnnotationKinds();
   /** The names of the presets stored in the settings. */
   static QStringList PresetNames();
 
@@ -123,6 +130,7 @@ private:
   void releaseSettingsPage();
   void onCustomContextMenuRequested(const QPoint& pos);
   void addPresetActions(QMenu* menu, const QModelIndex& index);
+  void addAnnotationActions(QMenu* menu);
   void report(const QString& message);
   /** Reports an error of a state load, up to k_MaxReportedStateErrors of them per load. */
   void reportStateError(const QString& message);
