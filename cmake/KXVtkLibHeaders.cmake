@@ -97,7 +97,21 @@ set(KXVTK_INSTALLED_HEADERS
   quadview/VXQuadViewControlWidget.hpp
   quadview/VXQuadViewModuleWidget.hpp
   quadview/VXQuadViewWindow.hpp
+  quadview/annotations/AnnotationId.hpp
+  quadview/annotations/AnnotationJson.hpp
+  quadview/annotations/AnnotationRestore.hpp
+  quadview/annotations/MarkShape.hpp
   quadview/annotations/SliceGeometry.hpp
+  quadview/annotations/VXAnnotationHud.hpp
+  quadview/annotations/VXQuadViewAnnotation.hpp
+  quadview/annotations/VXQuadViewAnnotationsController.hpp
+  quadview/annotations/VXQuadViewAnnotationsTableModel.hpp
+  quadview/annotations/VXQuadViewMark.hpp
+  quadview/annotations/VXQuadViewMarkHUD.hpp
+  quadview/annotations/VXQuadViewPaneAnnotation.hpp
+  quadview/annotations/VXQuadViewRuler.hpp
+  quadview/annotations/VXQuadViewRulerHUD.hpp
+  quadview/annotations/VXRulerHandleRepresentation.hpp
   quadview/VXResliceCursorLineRepresentation.hpp
   quadview/VXResliceCursorRepresentationBase.hpp
   quadview/VXResliceCursorRepresentationCommon.hpp

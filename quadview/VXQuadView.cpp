@@ -4,6 +4,11 @@
 #include "quadview/VXResliceCursorRepresentationCommon.hpp"
 #include "quadview/VXResliceCursorThickLineRepresentation.hpp"
 #include "quadview/VXResliceImageViewer.hpp"
+#include "quadview/annotations/AnnotationRestore.hpp"
+#include "quadview/annotations/VXQuadViewAnnotationsController.hpp"
+#include "quadview/annotations/VXQuadViewAnnotationsTableModel.hpp"
+#include "quadview/annotations/VXQuadViewMark.hpp"
+#include "quadview/annotations/VXQuadViewRuler.hpp"
 #include "quadview/vtkInteractorStyleImageNoWindowLevel.hpp"
 #include "quadview/vtkResliceCursorCallback.hpp"
 #include "quadview/vtkSnapToClickCallback.hpp"
@@ -21,6 +26,7 @@
 
 #include <QVTKOpenGLNativeWidget.h>
 #include <vtkActor.h>
+#include <vtkCallbackCommand.h>
 #include <vtkCamera.h>
 #include <vtkCellArray.h>
 #include <vtkColorTransferFunction.h>
@@ -88,6 +94,8 @@
 #include <cmath>
 #include <iterator>
 
+namespace qva = voxelia::quadview::annotations;
+
 namespace
 {
 // the two in-plane cursor axes of each slice pane, by slice pane index
@@ -150,6 +158,9 @@ struct VXQuadView::Internals
   std::array<vtkSmartPointer<vtkActor>, 3> outlineActors;
   std::array<QVTKOpenGLNativeWidget*, 3> paneWidgets{};
   std::array<VXViewActionsController*, 4> viewActions{};
+  // made once, on the first pane build, and only emptied by clearView
+  std::array<qva::VXQuadViewAnnotationsController*, 3> annotationControllers{};
+  qva::VXQuadViewAnnotationsTableModel* annotationsModel = nullptr;
   vtkSmartPointer<vtkImageData> image;
   vtkSmartPointer<VXViewCubeWidget> viewCube;
   QPointer<VXDataSource> source;
@@ -698,14 +709,141 @@ void VXQuadView::setupViewer(vtkImageData* image)
 
 void VXQuadView::attachAnnotationControllers()
 {
-  // Annotations attach here: one controller per slice pane, made once and kept across
-  // rebuilds, fed with computeSlicePlaneFor, currentWorldBoundsFor and currentSliceIndexFor,
-  // and a table model over the three. The quad view has no annotation layer yet.
+  // 15. one controller per slice pane, made once: the pane widgets outlive every rebuild
+  for (int i = 0; i < 3; ++i)
+  {
+    if (d->annotationControllers[idx(i)] != nullptr || d->paneWidgets[idx(i)] == nullptr)
+      continue;
+    auto* controller = new qva::VXQuadViewAnnotationsController(
+      static_cast<qva::SlicePaneRole>(i), d->paneWidgets[idx(i)], [this, i]()
+      { return computeSlicePlaneFor(i); }, [this, i]() { return currentWorldBoundsFor(i); },
+      [this, i]() { return currentSliceIndexFor(i); }, this);
+    connect(controller, &qva::VXQuadViewAnnotationsController::markClickGesture, this,
+            [this, i](QPoint pos) { addMarkAtPaneLocalPos(i, pos); });
+    connect(controller, &qva::VXQuadViewAnnotationsController::navigateRequested, this,
+            [this, i](qva::AnnotationId id) { navigateToAnnotation(i, id); });
+    d->annotationControllers[idx(i)] = controller;
+  }
+  // a resize changes the pixels per world unit: marks keep their size and their label's place
+  for (int i = 0; i < 3; ++i)
+  {
+    vtkRenderWindow* window =
+      d->viewers[idx(i)] != nullptr ? d->viewers[idx(i)]->GetRenderWindow() : nullptr;
+    if (window == nullptr || d->annotationControllers[idx(i)] == nullptr)
+      continue;
+    vtkNew<vtkCallbackCommand> resized;
+    resized->SetClientData(d->annotationControllers[idx(i)]);
+    resized->SetCallback(
+      [](vtkObject*, unsigned long, void* clientData, void*)
+      {
+        const auto* controller = static_cast<qva::VXQuadViewAnnotationsController*>(clientData);
+        for (const auto& annotation : controller->annotations())
+        {
+          if (auto* mark = dynamic_cast<qva::VXQuadViewMark*>(annotation.get()))
+          {
+            mark->applyVisualSettings();
+            mark->updateLabelActor();
+          }
+        }
+      });
+    window->AddObserver(vtkCommand::WindowResizeEvent, resized);
+  }
+  // 16.
+  if (d->annotationsModel == nullptr)
+    d->annotationsModel = new qva::VXQuadViewAnnotationsTableModel(d->annotationControllers, this);
+  Q_EMIT annotationsTableModelReady(d->annotationsModel);
 }
 
 void VXQuadView::notifyAnnotationsSliceChanged()
 {
-  // the annotation controllers, once attached, follow the slices from here
+  for (qva::VXQuadViewAnnotationsController* controller : d->annotationControllers)
+  {
+    if (controller != nullptr)
+      controller->onSliceChanged();
+  }
+}
+
+qva::VXQuadViewAnnotationsController* VXQuadView::annotationsController(int slicePane) const
+{
+  return slicePane >= 0 && slicePane < 3 ? d->annotationControllers[idx(slicePane)] : nullptr;
+}
+
+qva::VXQuadViewAnnotationsTableModel* VXQuadView::annotationsTableModel() const
+{
+  return d->annotationsModel;
+}
+
+void VXQuadView::addMarkAtPaneLocalPos(int slicePane, QPoint pos)
+{
+  qva::VXQuadViewAnnotationsController* controller = annotationsController(slicePane);
+  const std::optional<std::array<double, 3>> point = worldFromPaneScreenPos(slicePane, pos);
+  if (controller == nullptr || !point)
+    return;
+  controller->addAnnotation(std::make_unique<qva::VXQuadViewMark>(
+    static_cast<qva::SlicePaneRole>(slicePane), d->paneWidgets[idx(slicePane)], controller,
+    qva::VXQuadViewAnnotationsController::nextMarkName(), currentSliceIndexFor(slicePane),
+    computeSlicePlaneFor(slicePane), currentWorldBoundsFor(slicePane), *point));
+}
+
+void VXQuadView::addRulerAtPaneLocalPos(int slicePane, QPoint pos)
+{
+  qva::VXQuadViewAnnotationsController* controller = annotationsController(slicePane);
+  const std::optional<std::array<double, 3>> point = worldFromPaneScreenPos(slicePane, pos);
+  if (controller == nullptr || !point)
+    return;
+  const SlicePlane plane = computeSlicePlaneFor(slicePane);
+  const WorldBounds bounds = currentWorldBoundsFor(slicePane);
+  // the second end lies a tenth of the shorter in-plane extent of the box away, inside it
+  double uMin = VTK_DOUBLE_MAX;
+  double uMax = VTK_DOUBLE_MIN;
+  double vMin = VTK_DOUBLE_MAX;
+  double vMax = VTK_DOUBLE_MIN;
+  for (int corner = 0; corner < 8; ++corner)
+  {
+    const std::array<double, 3> p{ (corner & 1) != 0 ? bounds.xmax : bounds.xmin,
+                                   (corner & 2) != 0 ? bounds.ymax : bounds.ymin,
+                                   (corner & 4) != 0 ? bounds.zmax : bounds.zmin };
+    const qva::Vec2 uv = qva::inPlaneFromWorld(plane, p);
+    uMin = std::min(uMin, uv[0]);
+    uMax = std::max(uMax, uv[0]);
+    vMin = std::min(vMin, uv[1]);
+    vMax = std::max(vMax, uv[1]);
+  }
+  double step = 0.1 * std::min(uMax - uMin, vMax - vMin);
+  if (!(step > 0.0))
+    step = 1.0;
+  const qva::Vec2 uv = qva::inPlaneFromWorld(plane, *point);
+  std::array<double, 3> second = qva::worldFromInPlane(plane, { uv[0] + step, uv[1] });
+  if (!bounds.contains(second))
+    second = qva::worldFromInPlane(plane, { uv[0] - step, uv[1] });
+  controller->addAnnotation(std::make_unique<qva::VXQuadViewRuler>(
+    static_cast<qva::SlicePaneRole>(slicePane), d->paneWidgets[idx(slicePane)], controller,
+    qva::VXQuadViewAnnotationsController::nextRulerName(), currentSliceIndexFor(slicePane), plane,
+    bounds, *point, second));
+}
+
+void VXQuadView::navigateToAnnotation(int slicePane, qva::AnnotationId id)
+{
+  qva::VXQuadViewAnnotationsController* controller = annotationsController(slicePane);
+  qva::VXQuadViewAnnotation* annotation =
+    controller != nullptr ? controller->annotationById(id) : nullptr;
+  vtkImageData* image = cursorImage();
+  if (annotation == nullptr || image == nullptr || !d->initialized)
+    return;
+  const double spacing = image->GetSpacing()[slicePane];
+  if (spacing == 0.0)
+    return;
+  vtkResliceCursor* cursor = d->cursor();
+  double center[3];
+  cursor->GetCenter(center);
+  center[slicePane] = annotation->displaySliceIndex() * spacing + image->GetOrigin()[slicePane];
+  cursor->SetCenter(center);
+  vtkResliceCursorWidget* widget = d->viewers[idx(slicePane)]->GetResliceCursorWidget();
+  widget->InvokeEvent(vtkResliceCursorWidget::ResliceAxesChangedEvent);
+  widget->InvokeEvent(vtkCommand::EndInteractionEvent);
+  notifyAnnotationsSliceChanged();
+  if (QWidget* pane = d->paneWidgets[idx(slicePane)])
+    pane->setFocus(Qt::OtherFocusReason);
 }
 
 void VXQuadView::installCustomRep(int slicePane)
@@ -1991,7 +2129,12 @@ void VXQuadView::resetAllPanesBackgroundColor()
 
 void VXQuadView::clearView()
 {
-  // the annotation controllers, once attached, are emptied first; they outlive this call
+  // the annotation controllers are emptied first; they outlive this call
+  for (qva::VXQuadViewAnnotationsController* controller : d->annotationControllers)
+  {
+    if (controller != nullptr)
+      controller->clearAll();
+  }
   for (VXViewActionsController*& controller : d->viewActions)
   {
     delete controller;
@@ -2201,8 +2344,15 @@ void VXQuadView::saveState(nlohmann::json& json)
     if (VXViewActionsController* controller = d->viewActions[idx(ui)])
       controller->saveState(state);
   }
-  // Annotation controllers serialise each pane here once they exist; until then the texts a
-  // loaded record brought are written back as they came.
+  for (int pane = 0; pane < 3; ++pane)
+  {
+    QString& text = d->controls.m_PerPaneAnnotations[idx(pane)];
+    text.clear();
+    const qva::VXQuadViewAnnotationsController* controller = d->annotationControllers[idx(pane)];
+    const QJsonArray records = controller != nullptr ? controller->serialize() : QJsonArray();
+    if (!records.isEmpty())
+      text = QString::fromUtf8(QJsonDocument(records).toJson(QJsonDocument::Compact));
+  }
   d->controls.write(json);
   vtkResliceCursor* cursor = d->initialized ? d->cursor() : nullptr;
   if (cursor == nullptr)
@@ -2306,6 +2456,7 @@ bool VXQuadView::loadState(const nlohmann::json& json)
     d->pendingViewStates[idx(ui)] = state;
   }
 
+  bool restored = false;
   for (int pane = 0; pane < 3; ++pane)
   {
     const QString& text = saved.m_PerPaneAnnotations[idx(pane)];
@@ -2313,11 +2464,32 @@ bool VXQuadView::loadState(const nlohmann::json& json)
       continue;
     const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
     if (document.isArray())
+    {
       reconstructAnnotationsForPane(pane, document.array());
+      restored = true;
+    }
     else
       Q_EMIT printOutput(
         QStringLiteral("Quad View state: the annotations of pane %1 are not a JSON array.")
           .arg(pane));
+  }
+  if (restored)
+  {
+    Q_EMIT annotationsTableModelReady(d->annotationsModel);
+    // marks size themselves by the camera, which is ready only once the panes have drawn
+    QTimer::singleShot(0, this,
+                       [this]()
+                       {
+                         notifyAnnotationsSliceChanged();
+                         for (qva::VXQuadViewAnnotationsController* controller :
+                              d->annotationControllers)
+                         {
+                           if (controller == nullptr)
+                             continue;
+                           for (const auto& annotation : controller->annotations())
+                             annotation->onAfterLoad();
+                         }
+                       });
   }
   updateAllAnnotations(true);
   render();
@@ -2326,12 +2498,11 @@ bool VXQuadView::loadState(const nlohmann::json& json)
 
 void VXQuadView::reconstructAnnotationsForPane(int slicePane, const QJsonArray& records)
 {
-  if (slicePane < 0 || slicePane > 2)
+  qva::VXQuadViewAnnotationsController* controller = annotationsController(slicePane);
+  if (controller == nullptr)
     return;
-  // No annotation layer exists yet to rebuild rulers and marks from the records: they are kept
-  // as they are, so that the next save writes them back unchanged.
-  d->controls.m_PerPaneAnnotations[idx(slicePane)] =
-    QString::fromUtf8(QJsonDocument(records).toJson(QJsonDocument::Compact));
+  qva::restoreAnnotationRecords(*controller, records, currentWorldBoundsFor(slicePane),
+                                [this](const QString& message) { Q_EMIT printOutput(message); });
 }
 
 void VXQuadView::restoreCursor(const nlohmann::json& json)
@@ -2412,7 +2583,7 @@ void VXQuadView::applyPendingViewStates()
 // ---------------------------------------------------------------------------
 // Pane menu, drag and drop
 
-QMenu* VXQuadView::buildPaneContextMenu(int uiPane, QPoint /*pos*/)
+QMenu* VXQuadView::buildPaneContextMenu(int uiPane, QPoint pos)
 {
   VXViewActionsController* controller = getViewActionsController(uiPane);
   if (controller == nullptr)
@@ -2421,8 +2592,6 @@ QMenu* VXQuadView::buildPaneContextMenu(int uiPane, QPoint /*pos*/)
   menu->setObjectName(QStringLiteral("quadViewPaneMenu"));
   menu->setAttribute(Qt::WA_DeleteOnClose);
   menu->setToolTipsVisible(true);
-  // The ruler and mark entries of a slice pane go first once annotation controllers are
-  // attached; without them the menu holds the view entries only.
 
   auto add = [](QMenu* to, const QString& text, const QString& tip, auto&& slot)
   {
@@ -2431,6 +2600,12 @@ QMenu* VXQuadView::buildPaneContextMenu(int uiPane, QPoint /*pos*/)
     QObject::connect(action, &QAction::triggered, to, slot);
     return action;
   };
+  const int slicePane = slicePaneIdxFromUiPaneIdx(uiPane);
+  if (annotationsController(slicePane) != nullptr)
+  {
+    addAnnotationMenuEntries(menu, slicePane, pos);
+    menu->addSeparator();
+  }
   QMenu* current = menu->addMenu(QStringLiteral("Current View"));
   current->setToolTipsVisible(true);
   add(current, QStringLiteral("Save Screenshot ..."),
@@ -2481,6 +2656,77 @@ QMenu* VXQuadView::buildPaneContextMenu(int uiPane, QPoint /*pos*/)
       QStringLiteral("Puts every pane's default background back."),
       [this]() { resetAllPanesBackgroundColor(); });
   return menu;
+}
+
+void VXQuadView::addAnnotationMenuEntries(QMenu* menu, int slicePane, QPoint pos)
+{
+  qva::VXQuadViewAnnotationsController* controller = annotationsController(slicePane);
+  const QPointer<qva::VXQuadViewAnnotationsController> guard(controller);
+  auto add = [menu](const QString& text, const QString& tip, auto&& slot)
+  {
+    QAction* action = menu->addAction(text);
+    action->setToolTip(tip);
+    QObject::connect(action, &QAction::triggered, menu, slot);
+    return action;
+  };
+  if (qva::VXQuadViewAnnotation* hit = controller->hitTest(pos))
+  {
+    // the record may be gone by the time an entry is chosen: go through its id
+    const qva::AnnotationId id = hit->id();
+    const QString type = qva::VXQuadViewAnnotation::typeName(hit->type());
+    const auto find = [guard, id]() -> qva::VXQuadViewAnnotation*
+    { return guard != nullptr ? guard->annotationById(id) : nullptr; };
+    add(QStringLiteral("Edit %1…").arg(type),
+        QStringLiteral("Opens the editor of this %1.").arg(type.toLower()),
+        [guard, find]()
+        {
+          if (qva::VXQuadViewAnnotation* a = find())
+            guard->showHudFor(a);
+        });
+    add(hit->locked() ? QStringLiteral("Unlock") : QStringLiteral("Lock"),
+        hit->locked() ? QStringLiteral("Lets the %1 follow the slice.").arg(type.toLower())
+                      : QStringLiteral("Keeps the %1 on this slice only.").arg(type.toLower()),
+        [find]()
+        {
+          if (qva::VXQuadViewAnnotation* a = find())
+            a->setLocked(!a->locked());
+        });
+    add(QStringLiteral("Delete %1").arg(type),
+        QStringLiteral("Removes this %1 from the pane.").arg(type.toLower()),
+        [this, guard, find, id]()
+        {
+          qva::VXQuadViewAnnotation* a = find();
+          if (a != nullptr &&
+              qva::VXQuadViewAnnotationsTableModel::confirmDeleteOne(this, a->name()) &&
+              guard != nullptr)
+            guard->remove(id);
+        });
+  }
+  else
+  {
+    if (qva::slicePlaneIsAxisAligned(computeSlicePlaneFor(slicePane), 1e-5))
+    {
+      add(QStringLiteral("Add Ruler Here"),
+          QStringLiteral("Places a ruler starting at the cursor; drag its ends to measure."),
+          [this, slicePane, pos]() { addRulerAtPaneLocalPos(slicePane, pos); });
+    }
+    add(QStringLiteral("Add Mark Here"),
+        QStringLiteral("Or hold M and left-click on the slice to drop a mark at the cursor."),
+        [this, slicePane, pos]() { addMarkAtPaneLocalPos(slicePane, pos); });
+  }
+  QAction* clear = add(
+    QStringLiteral("Clear All Annotations in This Pane"),
+    QStringLiteral("Removes every ruler and mark from this slice pane. Annotations in the other "
+                   "panes are not affected."),
+    [this, guard, slicePane]()
+    {
+      const QString scope = QStringLiteral("the %1 pane")
+                              .arg(qva::slicePaneName(static_cast<qva::SlicePaneRole>(slicePane)));
+      if (guard != nullptr && qva::VXQuadViewAnnotationsTableModel::confirmClearAll(this, scope) &&
+          guard != nullptr)
+        guard->clearAll();
+    });
+  clear->setEnabled(controller->count() > 0);
 }
 
 bool VXQuadView::eventFilter(QObject* watched, QEvent* event)

@@ -3,6 +3,7 @@
 #include "KXVtkLib_export.h"
 
 #include "quadview/VXQuadViewControls.hpp"
+#include "quadview/annotations/AnnotationId.hpp"
 #include "quadview/annotations/SliceGeometry.hpp"
 
 #include <kxcore/ColorPreset.hpp>
@@ -46,6 +47,12 @@ class vtkScalarBarWidget;
 class vtkTable;
 class vtkVolume;
 
+namespace voxelia::quadview::annotations
+{
+class VXQuadViewAnnotationsController;
+class VXQuadViewAnnotationsTableModel;
+} // namespace voxelia::quadview::annotations
+
 /**
  * The four pane viewer of one image geometry: three slice panes (YZ, XZ, XY)
  * that share one reslice cursor, and a volume pane with a volume rendering of
@@ -68,6 +75,9 @@ class KXVTKLIB_EXPORT VXQuadView : public QWidget
 public:
   using SlicePlane = voxelia::quadview::annotations::SlicePlane;
   using WorldBounds = voxelia::quadview::annotations::WorldBounds;
+  using AnnotationId = voxelia::quadview::annotations::AnnotationId;
+  using AnnotationsController = voxelia::quadview::annotations::VXQuadViewAnnotationsController;
+  using AnnotationsTableModel = voxelia::quadview::annotations::VXQuadViewAnnotationsTableModel;
 
   /** Pause between two renders, and between two overlay updates, in milliseconds. */
   static constexpr int k_ThrottleMs = 33;
@@ -118,8 +128,24 @@ public:
   int currentSliceIndexFor(int slicePane) const;
   /** The point of the pane's slice plane under widget position @p pos, if any. */
   std::optional<std::array<double, 3>> worldFromPaneScreenPos(int slicePane, QPoint pos);
-  /** Tells the annotation layer that the slices moved. */
+  /** Tells the rulers and marks of the three slice panes that the slices moved. */
   void notifyAnnotationsSliceChanged();
+  /**
+   * The rulers and marks of slice pane @p slicePane; null before the first image or out of
+   * range. Made once, they outlive clearView, which only empties them.
+   */
+  AnnotationsController* annotationsController(int slicePane) const;
+  /** The table of the annotations of all three slice panes; null before the first image. */
+  AnnotationsTableModel* annotationsTableModel() const;
+  /** Drops a mark on slice pane @p slicePane under widget position @p pos, if on the slice. */
+  void addMarkAtPaneLocalPos(int slicePane, QPoint pos);
+  /**
+   * Places a ruler on slice pane @p slicePane from widget position @p pos to a point a tenth of
+   * the shorter in-plane extent of the image away, inside the image where it can be.
+   */
+  void addRulerAtPaneLocalPos(int slicePane, QPoint pos);
+  /** Moves the slice of pane @p slicePane to the slice the annotation @p id shows on. */
+  void navigateToAnnotation(int slicePane, AnnotationId id);
 
   /** Rewrites the overlay text of slice pane @p slicePane. */
   void updateAnnotations(int slicePane);
@@ -195,11 +221,16 @@ public:
    * record names no geometry or the geometry was not loaded.
    */
   bool loadState(const nlohmann::json& json);
-  /** Restores the saved annotations of slice pane @p slicePane. */
+  /**
+   * Rebuilds the saved annotations of slice pane @p slicePane, repairing what can be repaired
+   * and reporting it through printOutput.
+   */
   void reconstructAnnotationsForPane(int slicePane, const QJsonArray& records);
   /**
-   * The context menu of UI pane @p uiPane at widget position @p pos, deleted on close:
-   * "Current View" and "All Views", each with screenshots, axes grid and background.
+   * The context menu of UI pane @p uiPane at widget position @p pos, deleted on close. On a
+   * slice pane it starts with the annotation entries (edit, lock, delete the one under @p pos,
+   * or add a ruler or mark there; clear the pane); every pane has "Current View" and
+   * "All Views", each with screenshots, axes grid and background.
    */
   QMenu* buildPaneContextMenu(int uiPane, QPoint pos);
 
@@ -287,6 +318,7 @@ private:
   void initializeCornerAnnotations();
   void initializeColorMap(vtkImageData* image);
   void attachAnnotationControllers();
+  void addAnnotationMenuEntries(QMenu* menu, int slicePane, QPoint pos);
   void applyShadingToVolumeProperty();
   void updateActiveArrayAndComponent();
   void refreshActiveDataArrayCache();

@@ -1,6 +1,7 @@
 #include "quadview/VXQuadViewControlWidget.hpp"
 
 #include "quadview/VXQuadView.hpp"
+#include "quadview/annotations/VXQuadViewAnnotationsTableModel.hpp"
 #include "visualization/QtWidgets/VXHistogramOpacityWidget.hpp"
 #include "visualization/VXLookupTable.hpp"
 
@@ -9,14 +10,19 @@
 #include <QtWidgets/QDoubleSpinBox>
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QGroupBox>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QTableView>
 #include <QtWidgets/QVBoxLayout>
 
 #include <vtkPiecewiseFunction.h>
 #include <vtkTable.h>
 
 #include <algorithm>
+
+using voxelia::quadview::annotations::VXQuadViewAnnotationsTableModel;
 
 namespace
 {
@@ -118,6 +124,37 @@ void VXQuadViewControlWidget::buildForm()
              { tr("Composite"), tr("Maximum Intensity"), tr("Minimum Intensity") });
   m_GIReachSpin = addSpin(volume, tr("GI Reach"), "giReachSpin", 1.0, 0.05);
   m_ScatteringSpin = addSpin(volume, tr("Volumetric Scattering"), "scatteringSpin", 1.0, 0.05);
+
+  QFormLayout* annotations = section(tr("Annotations"));
+  m_AnnotationsTable = new QTableView;
+  m_AnnotationsTable->setObjectName("annotationsTable");
+  m_AnnotationsTable->setSelectionBehavior(QAbstractItemView::SelectRows);
+  m_AnnotationsTable->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  // a double click goes to the annotation's slice; names are edited with F2 or a second click
+  m_AnnotationsTable->setEditTriggers(QAbstractItemView::EditKeyPressed |
+                                      QAbstractItemView::SelectedClicked);
+  m_AnnotationsTable->verticalHeader()->hide();
+  m_AnnotationsTable->horizontalHeader()->setStretchLastSection(true);
+  m_AnnotationsTable->setMinimumHeight(120);
+  annotations->addRow(m_AnnotationsTable);
+  auto* buttons = new QHBoxLayout;
+  const auto addButton = [buttons](const QString& text, const QString& name, const QString& tip)
+  {
+    auto* button = new QPushButton(text);
+    button->setObjectName(name);
+    button->setToolTip(tip);
+    buttons->addWidget(button);
+    return button;
+  };
+  m_DeleteAnnotationButton = addButton(tr("Delete"), "deleteAnnotationButton",
+                                       tr("Deletes the annotation of the current row."));
+  m_DeleteSelectedAnnotationsButton =
+    addButton(tr("Delete Selected"), "deleteSelectedAnnotationsButton",
+              tr("Deletes every selected annotation."));
+  m_ClearAnnotationsButton =
+    addButton(tr("Clear All"), "clearAnnotationsButton",
+              tr("Deletes every ruler and mark of the three slice panes."));
+  annotations->addRow(buttons);
   layout->addStretch(1);
 }
 
@@ -196,6 +233,19 @@ void VXQuadViewControlWidget::connectControls()
             if (view())
               view()->resetViews();
           });
+  connect(m_DeleteAnnotationButton, &QPushButton::clicked, this,
+          &VXQuadViewControlWidget::deleteCurrentAnnotation);
+  connect(m_DeleteSelectedAnnotationsButton, &QPushButton::clicked, this,
+          &VXQuadViewControlWidget::deleteSelectedAnnotations);
+  connect(m_ClearAnnotationsButton, &QPushButton::clicked, this,
+          &VXQuadViewControlWidget::clearAllAnnotations);
+  connect(m_AnnotationsTable, &QTableView::activated, this,
+          [this](const QModelIndex& index)
+          {
+            if (auto* model =
+                  qobject_cast<VXQuadViewAnnotationsTableModel*>(m_AnnotationsTable->model()))
+              model->navigateToRow(index.row());
+          });
   connect(m_OpacityEditor, &VXHistogramOpacityWidget::opacityFunctionEdited, this,
           [view]()
           {
@@ -216,6 +266,7 @@ void VXQuadViewControlWidget::setQuadView(VXQuadView* view)
   m_ViewConnections.clear();
   m_View = view;
   setEnabled(view != nullptr);
+  setAnnotationsModel(view != nullptr ? view->annotationsTableModel() : nullptr);
   if (view == nullptr)
     return;
   m_ViewConnections << connect(view, &VXQuadView::colorControlsReady, this,
@@ -230,7 +281,9 @@ void VXQuadViewControlWidget::setQuadView(VXQuadView* view)
                                [this](vtkSmartPointer<vtkTable> histogram, QString)
                                { onHistogramUpdated(histogram); })
                     << connect(view, &VXQuadView::viewCleared, this,
-                               &VXQuadViewControlWidget::syncFromControls);
+                               &VXQuadViewControlWidget::syncFromControls)
+                    << connect(view, &VXQuadView::annotationsTableModelReady, this,
+                               &VXQuadViewControlWidget::setAnnotationsModel);
   syncFromControls();
   if (view->isInitialized())
   {
@@ -325,4 +378,46 @@ void VXQuadViewControlWidget::onHistogramUpdated(vtkSmartPointer<vtkTable> histo
 {
   m_OpacityEditor->setHistogram(histogram, "image_pops");
   m_OpacityEditor->render();
+}
+
+void VXQuadViewControlWidget::setAnnotationsModel(QAbstractTableModel* model)
+{
+  if (m_AnnotationsTable->model() == model)
+    return;
+  m_AnnotationsTable->setModel(model);
+}
+
+void VXQuadViewControlWidget::deleteCurrentAnnotation()
+{
+  auto* model = qobject_cast<VXQuadViewAnnotationsTableModel*>(m_AnnotationsTable->model());
+  const int row = m_AnnotationsTable->currentIndex().row();
+  if (model == nullptr || model->annotationAt(row) == nullptr)
+    return;
+  const QString name =
+    model->index(row, VXQuadViewAnnotationsTableModel::NameColumn).data().toString();
+  if (VXQuadViewAnnotationsTableModel::confirmDeleteOne(this, name))
+    model->removeAnnotationByRow(row);
+}
+
+void VXQuadViewControlWidget::deleteSelectedAnnotations()
+{
+  auto* model = qobject_cast<VXQuadViewAnnotationsTableModel*>(m_AnnotationsTable->model());
+  if (model == nullptr)
+    return;
+  QList<int> rows;
+  for (const QModelIndex& index : m_AnnotationsTable->selectionModel()->selectedRows())
+    rows.append(index.row());
+  if (rows.isEmpty())
+    return;
+  if (VXQuadViewAnnotationsTableModel::confirmDeleteMany(this, static_cast<int>(rows.size())))
+    model->removeAnnotationsByRows(rows);
+}
+
+void VXQuadViewControlWidget::clearAllAnnotations()
+{
+  auto* model = qobject_cast<VXQuadViewAnnotationsTableModel*>(m_AnnotationsTable->model());
+  if (model == nullptr || model->rowCount() == 0)
+    return;
+  if (VXQuadViewAnnotationsTableModel::confirmClearAll(this, tr("all slice panes")))
+    model->clearAllAnnotations();
 }

@@ -9,11 +9,13 @@
 #include <QtCore/QStringList>
 #include <QtWidgets/QWidget>
 
+class QAbstractTableModel;
 class QCheckBox;
 class QComboBox;
 class QDoubleSpinBox;
 class QLineEdit;
 class QPushButton;
+class QTableView;
 class VXHistogramOpacityWidget;
 class VXLookupTable;
 class VXQuadView;
@@ -27,7 +29,9 @@ class vtkTable;
  * volume pane's shading, light, SSAO, blend mode, global illumination reach
  * and scattering); the view keeps the settings record, and the panel shows it
  * again when the view announces new colour controls. The histogram with its
- * opacity curve edits the view's own opacity function.
+ * opacity curve edits the view's own opacity function. The annotations table
+ * lists the view's rulers and marks: names and locks are edited in place, an
+ * activated row brings its slice into view, and deleting asks first.
  */
 class KXVTKLIB_EXPORT VXQuadViewControlWidget : public QWidget
 {
@@ -55,6 +59,10 @@ private:
                             vtkSmartPointer<vtkTable> histogram, QString activeArray);
   void onComponentListChanged(QStringList componentNames, int activeComponent);
   void onHistogramUpdated(vtkSmartPointer<vtkTable> histogram);
+  void setAnnotationsModel(QAbstractTableModel* model);
+  void deleteCurrentAnnotation();
+  void deleteSelectedAnnotations();
+  void clearAllAnnotations();
 
   QPointer<VXQuadView> m_View;
   QList<QMetaObject::Connection> m_ViewConnections;
@@ -80,4 +88,8 @@ private:
   QDoubleSpinBox* m_GIReachSpin = nullptr;
   QDoubleSpinBox* m_ScatteringSpin = nullptr;
   VXHistogramOpacityWidget* m_OpacityEditor = nullptr;
+  QTableView* m_AnnotationsTable = nullptr;
+  QPushButton* m_DeleteAnnotationButton = nullptr;
+  QPushButton* m_DeleteSelectedAnnotationsButton = nullptr;
+  QPushButton* m_ClearAnnotationsButton = nullptr;
 };

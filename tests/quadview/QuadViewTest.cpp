@@ -110,21 +110,7 @@ public:
    */
   void setCursor(const double center[3], double zDegrees)
   {
-    vtkResliceCursor* cursor = view.getViewer(0)->GetResliceCursor();
-    cursor->Reset();
-    cursor->SetCenter(center[0], center[1], center[2]);
-    const double a = zDegrees * std::numbers::pi / 180.0;
-    for (int i = 0; i < 2; ++i)
-    {
-      const double* n = cursor->GetPlane(i)->GetNormal();
-      cursor->GetPlane(i)->SetNormal(std::cos(a) * n[0] - std::sin(a) * n[1],
-                                     std::sin(a) * n[0] + std::cos(a) * n[1], n[2]);
-    }
-    cursor->Modified();
-    cursor->Update();
-    vtkResliceCursorWidget* widget = view.getViewer(0)->GetResliceCursorWidget();
-    widget->InvokeEvent(vtkResliceCursorWidget::ResliceAxesChangedEvent);
-    widget->InvokeEvent(vtkCommand::EndInteractionEvent);
+    kxtest::setQuadViewCursor(view, center, zDegrees);
   }
 
   QImage picture()
@@ -763,7 +749,7 @@ TEST(QuadViewState, PaneMenuAndDrops)
   Shown shown;
   shown.show(rampImage(6, 4, 3));
   VXQuadView& view = shown.view;
-  QMenu* menu = view.buildPaneContextMenu(2, QPoint(10, 10));
+  QMenu* menu = view.buildPaneContextMenu(0, QPoint(10, 10)); // the volume pane
   ASSERT_NE(menu, nullptr);
   QStringList titles;
   for (QAction* action : menu->actions())
@@ -787,7 +773,7 @@ TEST(QuadViewState, PaneMenuAndDrops)
   for (int ui = 0; ui < 4; ++ui)
     EXPECT_EQ(view.getViewActionsController(ui)->backgroundColor(), QColor(0, 255, 0));
   menu->actions().at(0)->menu()->actions().at(2)->trigger(); // this pane's grid only
-  EXPECT_TRUE(view.getViewActionsController(2)->gridAxesEnabled());
+  EXPECT_TRUE(view.getViewActionsController(0)->gridAxesEnabled());
   EXPECT_FALSE(view.getViewActionsController(1)->gridAxesEnabled());
   delete menu;
 

@@ -5,6 +5,7 @@
 // up the way the quad view sets up its panes.
 #include "QtTestSupport.hpp"
 
+#include <quadview/VXQuadView.hpp>
 #include <quadview/VXResliceCursorLineRepresentation.hpp>
 #include <quadview/VXResliceCursorThickLineRepresentation.hpp>
 #include <quadview/VXResliceImageViewer.hpp>
@@ -22,6 +23,7 @@
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkImageActor.h>
 #include <vtkImageData.h>
+#include <vtkPlane.h>
 #include <vtkPointData.h>
 #include <vtkRenderWindowInteractor.h>
 #include <vtkRenderer.h>
@@ -34,6 +36,7 @@
 #include <array>
 #include <functional>
 #include <cmath>
+#include <numbers>
 #include <memory>
 
 namespace kxtest
@@ -82,6 +85,30 @@ inline vtkSmartPointer<vtkImageData> hostCellImage(
           array->SetComponent(id, c, value(i, j, k, c));
   image->GetCellData()->SetScalars(array);
   return image;
+}
+
+/**
+ * The quad view's cursor back at rest, centred on @p center and turned by @p zDegrees about z,
+ * announced through the cursor widget of slice pane 0 as a drag would be. The cursor's planes
+ * are its truth: its axes are computed from their normals.
+ */
+inline void setQuadViewCursor(VXQuadView& view, const double center[3], double zDegrees)
+{
+  vtkResliceCursor* cursor = view.getViewer(0)->GetResliceCursor();
+  cursor->Reset();
+  cursor->SetCenter(center[0], center[1], center[2]);
+  const double a = zDegrees * std::numbers::pi / 180.0;
+  for (int i = 0; i < 2; ++i)
+  {
+    const double* n = cursor->GetPlane(i)->GetNormal();
+    cursor->GetPlane(i)->SetNormal(std::cos(a) * n[0] - std::sin(a) * n[1],
+                                   std::sin(a) * n[0] + std::cos(a) * n[1], n[2]);
+  }
+  cursor->Modified();
+  cursor->Update();
+  vtkResliceCursorWidget* widget = view.getViewer(0)->GetResliceCursorWidget();
+  widget->InvokeEvent(vtkResliceCursorWidget::ResliceAxesChangedEvent);
+  widget->InvokeEvent(vtkCommand::EndInteractionEvent);
 }
 
 /**

@@ -6,13 +6,16 @@
 // the input stand for the generated sample file and the real data folder, so
 // that seeds reach the readers of real data. Input that parses as JSON goes
 // as well, as a record, to VXQuadView::loadState of a quad view showing a
-// small image, which must stay shown and save a record again.
+// small image, which must stay shown and save a record again, with the rulers
+// and marks it shows, each listed once in its annotations table.
 //
 // The entry points are libFuzzer's; StateLoadReplay.cpp drives the same
 // target without libFuzzer, from seeds and seeded random mutations.
 #include "../StatePlaceholders.hpp"
 
 #include <quadview/VXQuadView.hpp>
+#include <quadview/annotations/VXQuadViewAnnotationsController.hpp>
+#include <quadview/annotations/VXQuadViewAnnotationsTableModel.hpp>
 #include <utils/GuiProcess.hpp>
 #include <visualization/QtWidgets/VXInfoWidget.hpp>
 #include <visualization/QtWidgets/VXViewGridWidget.hpp>
@@ -31,6 +34,8 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
 #include <QtWidgets/QApplication>
 
 #include <vtkFloatArray.h>
@@ -218,6 +223,27 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     quad.saveState(record);
     if (!record.contains("geometry_path") || !record.contains("cursor_center"))
       fail("a loaded quad view saved no record");
+    // the rulers and marks a record brought are written back, one record each
+    const nlohmann::json& texts = record["perPaneAnnotations"];
+    for (int pane = 0; pane < 3; ++pane)
+    {
+      const voxelia::quadview::annotations::VXQuadViewAnnotationsController* controller =
+        quad.annotationsController(pane);
+      if (controller == nullptr)
+        fail("a quad view slice pane has no annotation controller");
+      const std::string text = texts.is_array() && texts.size() == 3 && texts[pane].is_string()
+                                 ? texts[pane].get<std::string>()
+                                 : std::string();
+      const QJsonArray saved = QJsonDocument::fromJson(QByteArray::fromStdString(text)).array();
+      if (static_cast<std::size_t>(saved.size()) != controller->annotations().size())
+        fail("a quad view saved other annotations than it shows");
+    }
+    if (quad.annotationsTableModel() == nullptr ||
+        quad.annotationsTableModel()->rowCount() !=
+          static_cast<int>(quad.annotationsController(0)->annotations().size() +
+                           quad.annotationsController(1)->annotations().size() +
+                           quad.annotationsController(2)->annotations().size()))
+      fail("the annotations table does not list the annotations shown");
   }
   return 0;
 }
