@@ -181,6 +181,7 @@ struct VXQuadView::Internals
   QElapsedTimer annotationTimer;
   QElapsedTimer renderTimer;
   QTimer* deferredRender = nullptr;
+  QTimer* interactiveVolumeRender = nullptr;
   QTimer* stillVolumeRender = nullptr;
   vtkSmartPointer<vtkSmartVolumeMapper> volumeMapper;
   vtkSmartPointer<vtkVolume> volume;
@@ -219,6 +220,8 @@ VXQuadView::~VXQuadView()
     d->callback->clear();
   if (d->deferredRender != nullptr)
     d->deferredRender->stop();
+  if (d->interactiveVolumeRender != nullptr)
+    d->interactiveVolumeRender->stop();
   if (d->stillVolumeRender != nullptr)
     d->stillVolumeRender->stop();
   QObject::disconnect(d->outputConnection);
@@ -1365,6 +1368,8 @@ void VXQuadView::render()
 
 void VXQuadView::renderVolumeWindow()
 {
+  if (d->interactiveVolumeRender != nullptr)
+    d->interactiveVolumeRender->stop();
   if (d->stillVolumeRender != nullptr)
     d->stillVolumeRender->stop();
   if (vtkRenderWindow* window = d->view3D->renderWindow())
@@ -1372,6 +1377,21 @@ void VXQuadView::renderVolumeWindow()
 }
 
 void VXQuadView::renderVolumeWindowInteractive()
+{
+  // the slice panes answer a step at once; the volume pane draws when the event loop is next
+  // free, so steps queued behind a slow volume frame share one frame instead of one each
+  if (d->interactiveVolumeRender == nullptr)
+  {
+    d->interactiveVolumeRender = new QTimer(this);
+    d->interactiveVolumeRender->setSingleShot(true);
+    d->interactiveVolumeRender->setInterval(0);
+    connect(d->interactiveVolumeRender, &QTimer::timeout, this,
+            &VXQuadView::drawInteractiveVolumeFrame);
+  }
+  d->interactiveVolumeRender->start();
+}
+
+void VXQuadView::drawInteractiveVolumeFrame()
 {
   vtkRenderWindow* window = d->view3D->renderWindow();
   if (window == nullptr)
@@ -2142,6 +2162,8 @@ void VXQuadView::clearView()
   }
   if (d->deferredRender != nullptr)
     d->deferredRender->stop();
+  if (d->interactiveVolumeRender != nullptr)
+    d->interactiveVolumeRender->stop();
   if (d->stillVolumeRender != nullptr)
     d->stillVolumeRender->stop();
   QObject::disconnect(d->outputConnection);

@@ -329,8 +329,10 @@ private:
   void restartAnnotationTimer();
   bool annotationThrottleElapsed() const;
   void renderVolumeWindow();
-  /** A frame of the volume pane at an interactive rate, and a full one once the steps pause. */
+  /** Asks for a frame of the volume pane at an interactive rate once the event loop is free, and a
+   * full one once the steps pause. */
   void renderVolumeWindowInteractive();
+  void drawInteractiveVolumeFrame();
   void applyPendingViewStates();
   void restoreCursor(const nlohmann::json& json);
   vtkRenderer* volumeRenderer() const;

@@ -517,7 +517,7 @@ TEST(QuadView, RenderThrottleKeepsDrawsApartAndLosesNoCall)
   EXPECT_EQ(draws.size(), settled);
 }
 
-TEST(QuadView, WheelStepsDrawTheVolumeInteractivelyThenOnceInFull)
+TEST(QuadView, ARunOfWheelStepsDrawsOneInteractiveVolumeFrameThenOneFull)
 {
   Shown shown;
   VXQuadView& view = shown.view;
@@ -543,14 +543,16 @@ TEST(QuadView, WheelStepsDrawTheVolumeInteractivelyThenOnceInFull)
     interactor->SetEventInformation(20, 20, 0, 0);
     interactor->InvokeEvent(vtkCommand::MouseWheelForwardEvent);
   }
-  ASSERT_EQ(rates.size(), 3u);
-  for (double rate : rates)
-    EXPECT_DOUBLE_EQ(rate, VXQuadView::k_InteractiveVolumeRate);
+  // the steps came in one run: the volume pane draws once, when the event loop is free
+  EXPECT_EQ(rates.size(), 0u);
+  QCoreApplication::processEvents();
+  ASSERT_EQ(rates.size(), 1u);
+  EXPECT_DOUBLE_EQ(rates[0], VXQuadView::k_InteractiveVolumeRate);
   EXPECT_DOUBLE_EQ(window->GetDesiredUpdateRate(), stillRate);
 
   // once the steps pause, one full-quality frame
   QTest::qWait(VXQuadView::k_StillVolumeDelayMs + 200);
-  ASSERT_EQ(rates.size(), 4u);
+  ASSERT_EQ(rates.size(), 2u);
   EXPECT_DOUBLE_EQ(rates.back(), stillRate);
 }
 
