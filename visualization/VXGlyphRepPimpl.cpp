@@ -706,12 +706,7 @@ void VXGlyphRepPimpl::applyTransform()
 
 void VXGlyphRepPimpl::write(nlohmann::json& output) const
 {
-  VXRepresentationPimpl::write(output);
-  currentColoringSettings().write(output);
-  output["opacity_percent"] = m_Opacity * 100.0;
-  output["solid_color_r"] = m_SolidColor.red();
-  output["solid_color_g"] = m_SolidColor.green();
-  output["solid_color_b"] = m_SolidColor.blue();
+  VXScalarColoredRepPimpl::write(output);
   output["glyph_type"] = static_cast<int>(m_GlyphType);
   output["glyph_orientation_array"] = m_OrientationArray.toStdString();
   output["glyph_scale_mode"] = static_cast<int>(m_ScaleMode);
@@ -766,23 +761,12 @@ void VXGlyphRepPimpl::read(const nlohmann::json& input)
     m_MaximumCount = std::max(1, input.at("glyph_maximum_count").get<int>());
   applyNanColor();
   applyGlyphType();
-  if (m_ScalarBarRepresentation != nullptr)
-  {
-    m_ScalarBarRepresentation->SetPosition(m_Coloring.legendPosition.data());
-    m_ScalarBarRepresentation->SetPosition2(m_Coloring.legendPosition2.data());
-  }
+  applyLegendPosition();
   if (!m_Initialized)
     return;
   applySampling();
   applyOrientationAndScale();
-  const int component = m_Coloring.activeComponent;
-  if (!m_Coloring.valuesAsCategories)
-    applyRgbPreset();
-  setActiveArray(m_Coloring.useSolidColor ? QString() : m_Coloring.activeArray);
-  setActiveComponent(component);
-  if (m_Coloring.valuesAsCategories)
-    setInterpretValuesAsCategories(true);
-  applyColoring();
+  applyReadColoring();
   refillGlyphCombos();
   syncControls();
 }
@@ -808,19 +792,6 @@ void VXGlyphRepPimpl::copyFrom(VXRepresentationPimpl* other)
   m_MaximumCount = source->m_MaximumCount;
   applyNanColor();
   applyGlyphType();
-}
-
-void VXGlyphRepPimpl::copySettingsToClipboard()
-{
-  writeToClipboard();
-}
-
-void VXGlyphRepPimpl::pasteSettingsFromClipboard()
-{
-  const nlohmann::json settings = readClipboard();
-  if (settings.is_object())
-    read(settings);
-  requestRender();
 }
 
 void VXGlyphRepPimpl::loadGlyphDefaults(QtKXSettings& settings)

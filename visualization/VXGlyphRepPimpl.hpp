@@ -86,9 +86,7 @@ public:
   void buildSettingsPage() override;
   void bounds(double bounds[6]) override;
   void setVisibility(bool visible) override;
-  void copySettingsToClipboard() override;
   void copyFrom(VXRepresentationPimpl* other) override;
-  void pasteSettingsFromClipboard() override;
   void saveDefaultSettings() override;
   void loadDefaultSettings() override;
   void setHighlighted(bool highlighted) override;

@@ -753,12 +753,7 @@ void VXImageSliceRepPimpl::applyTransform()
 
 void VXImageSliceRepPimpl::write(nlohmann::json& output) const
 {
-  VXRepresentationPimpl::write(output);
-  currentColoringSettings().write(output);
-  output["opacity_percent"] = m_Opacity * 100.0;
-  output["solid_color_r"] = m_SolidColor.red();
-  output["solid_color_g"] = m_SolidColor.green();
-  output["solid_color_b"] = m_SolidColor.blue();
+  VXScalarColoredRepPimpl::write(output);
   output["slice_dir"] = static_cast<int>(m_SliceDirection);
   output["slice_num"] = m_SliceNumber;
   output["toggle_left_slice_num"] = m_ToggleLeftSlice;
@@ -789,25 +784,14 @@ void VXImageSliceRepPimpl::read(const nlohmann::json& input)
   if (input.contains("animation_duration"))
     m_AnimationDuration = std::max(0.0, input.at("animation_duration").get<double>());
   applyNanColor();
-  if (m_ScalarBarRepresentation != nullptr)
-  {
-    m_ScalarBarRepresentation->SetPosition(m_Coloring.legendPosition.data());
-    m_ScalarBarRepresentation->SetPosition2(m_Coloring.legendPosition2.data());
-  }
+  applyLegendPosition();
   if (!m_Initialized)
     return;
   computeSliceMaximum();
   m_SliceNumber = std::clamp(m_SliceNumber, 0, m_SliceMaximum);
   m_ToggleLeftSlice = std::clamp(m_ToggleLeftSlice, 0, m_SliceMaximum);
   m_ToggleRightSlice = std::clamp(m_ToggleRightSlice, 0, m_SliceMaximum);
-  const int component = m_Coloring.activeComponent;
-  if (!m_Coloring.valuesAsCategories)
-    applyRgbPreset();
-  setActiveArray(m_Coloring.useSolidColor ? QString() : m_Coloring.activeArray);
-  setActiveComponent(component);
-  if (m_Coloring.valuesAsCategories)
-    setInterpretValuesAsCategories(true);
-  applyColoring();
+  applyReadColoring();
   applySlice();
   syncControls();
 }
@@ -827,19 +811,6 @@ void VXImageSliceRepPimpl::copyFrom(VXRepresentationPimpl* other)
   m_ToggleRightSlice = source->m_ToggleRightSlice;
   m_AnimationDuration = source->m_AnimationDuration;
   applyNanColor();
-}
-
-void VXImageSliceRepPimpl::copySettingsToClipboard()
-{
-  writeToClipboard();
-}
-
-void VXImageSliceRepPimpl::pasteSettingsFromClipboard()
-{
-  const nlohmann::json settings = readClipboard();
-  if (settings.is_object())
-    read(settings);
-  requestRender();
 }
 
 void VXImageSliceRepPimpl::loadSliceDefaults(QtKXSettings& settings)

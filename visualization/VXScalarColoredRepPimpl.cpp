@@ -131,8 +131,7 @@ void VXScalarColoredRepPimpl::coloringRender()
   requestRender();
 }
 
-void VXScalarColoredRepPimpl::loadRGBPresetColors(
-  kx::core::ColorTableUtilities::ColorPreset preset)
+void VXScalarColoredRepPimpl::loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset)
 {
   chooseRgbPreset(&preset);
   requestRender();
@@ -253,6 +252,53 @@ void VXScalarColoredRepPimpl::setScalarBarVisibility(bool visible)
 VXArrayHistogramWidget* VXScalarColoredRepPimpl::histogramWidget() const
 {
   return m_HistogramWidget.data();
+}
+
+// ---------------------------------------------------------------------------
+// State, clipboard
+
+void VXScalarColoredRepPimpl::write(nlohmann::json& output) const
+{
+  VXRepresentationPimpl::write(output);
+  currentColoringSettings().write(output);
+  output["opacity_percent"] = m_Opacity * 100.0;
+  output["solid_color_r"] = m_SolidColor.red();
+  output["solid_color_g"] = m_SolidColor.green();
+  output["solid_color_b"] = m_SolidColor.blue();
+}
+
+void VXScalarColoredRepPimpl::applyLegendPosition()
+{
+  if (m_ScalarBarRepresentation != nullptr)
+  {
+    m_ScalarBarRepresentation->SetPosition(m_Coloring.legendPosition.data());
+    m_ScalarBarRepresentation->SetPosition2(m_Coloring.legendPosition2.data());
+  }
+}
+
+void VXScalarColoredRepPimpl::applyReadColoring()
+{
+  const int component = m_Coloring.activeComponent;
+  if (!m_Coloring.valuesAsCategories)
+    applyRgbPreset();
+  setActiveArray(m_Coloring.useSolidColor ? QString() : m_Coloring.activeArray);
+  setActiveComponent(component);
+  if (m_Coloring.valuesAsCategories)
+    setInterpretValuesAsCategories(true);
+  applyColoring();
+}
+
+void VXScalarColoredRepPimpl::copySettingsToClipboard()
+{
+  writeToClipboard();
+}
+
+void VXScalarColoredRepPimpl::pasteSettingsFromClipboard()
+{
+  const nlohmann::json settings = readClipboard();
+  if (settings.is_object())
+    read(settings);
+  requestRender();
 }
 
 // ---------------------------------------------------------------------------

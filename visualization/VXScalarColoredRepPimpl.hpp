@@ -41,6 +41,10 @@ public:
 
   void connectParentColorSignals(bool trigger) override;
   void disconnectParentColorSignals() override;
+  /** The colouring settings, opacity and solid colour on top of the common fields. */
+  void write(nlohmann::json& output) const override;
+  void copySettingsToClipboard() override;
+  void pasteSettingsFromClipboard() override;
   bool isVisible() const override { return m_Visible; }
   bool isInitialized() const override { return m_Initialized; }
   // these views have no coarse copy to switch to
@@ -102,6 +106,10 @@ protected:
   /** m_Opacity onto what the view draws. */
   virtual void applyOpacity() = 0;
   void setupScalarBar();
+  /** The legend's place from the colouring settings, once the legend exists. */
+  void applyLegendPosition();
+  /** After read() on a set-up view: preset, array, component and categories as read. */
+  void applyReadColoring();
   void refillComponentCombo();
   void updateArrayColoringChoices();
   void coloringTableChanged() override;
