@@ -678,27 +678,9 @@ void VXGlyphRepPimpl::updateHistogram()
                               m_Coloring.usingCustomRange ? m_Coloring.customRange[1] : range[1]);
 }
 
-void VXGlyphRepPimpl::bounds(double bounds[6])
+vtkProp3D* VXGlyphRepPimpl::coloredProp() const
 {
-  const double* b = m_Actor->GetBounds();
-  std::copy(b, b + 6, bounds);
-}
-
-void VXGlyphRepPimpl::setVisibility(bool visible)
-{
-  setPropVisibility(m_Actor, m_HighlightActor, visible, m_Initialized);
-  setupScalarBar();
-}
-
-void VXGlyphRepPimpl::setHighlighted(bool highlighted)
-{
-  m_Highlighted = highlighted;
-  setPropHighlighted(m_HighlightActor, highlighted);
-}
-
-void VXGlyphRepPimpl::applyTransform()
-{
-  applyTransformTo({ m_Actor, m_HighlightActor });
+  return m_Actor;
 }
 
 // ---------------------------------------------------------------------------

@@ -84,12 +84,9 @@ public:
   vtkAlgorithmOutput* outputPort() override;
   vtkAlgorithmOutput* inputPort() override;
   void buildSettingsPage() override;
-  void bounds(double bounds[6]) override;
-  void setVisibility(bool visible) override;
   void copyFrom(VXRepresentationPimpl* other) override;
   void saveDefaultSettings() override;
   void loadDefaultSettings() override;
-  void setHighlighted(bool highlighted) override;
   void updateToolTips() override;
 
   vtkActor* actor() const { return m_Actor; }
@@ -145,7 +142,6 @@ public Q_SLOTS:
   /** "Map Scalars :"; as in the points family the choice lands in the active component field. */
   void updateColorMode(int index) override;
   void setGenerateHistogram(bool generate);
-  void applyTransform() override;
   void updateHistogram() override;
 
 private:
@@ -160,6 +156,7 @@ private:
   /** Solid colour or the table onto the mapper and the actor's property. */
   void applyColoring() override;
   void applyOpacity() override;
+  vtkProp3D* coloredProp() const override;
   void refillGlyphCombos();
   void syncControls();
   vtkDataSet* coloringDataSet() const override;
@@ -170,7 +167,6 @@ private:
   vtkSmartPointer<vtkPassSelectedArrays> m_ArrayPass;
   vtkSmartPointer<vtkMaskPoints> m_Mask;
   vtkSmartPointer<vtkPolyDataAlgorithm> m_GlyphSource;
-  vtkSmartPointer<vtkActor> m_HighlightActor;
 
   GlyphType m_GlyphType = Arrow;
   QString m_OrientationArray;
@@ -183,7 +179,6 @@ private:
   SamplingMode m_SamplingMode = UniformRandomSubset;
   int m_Stride = 10;
   int m_MaximumCount = 5000;
-  bool m_Highlighted = false;
 
   QPointer<QComboBox> m_GlyphTypeCombo;
   QPointer<QComboBox> m_OrientationCombo;

@@ -725,27 +725,9 @@ void VXImageSliceRepPimpl::updateHistogram()
                               m_Coloring.usingCustomRange ? m_Coloring.customRange[1] : range[1]);
 }
 
-void VXImageSliceRepPimpl::bounds(double bounds[6])
+vtkProp3D* VXImageSliceRepPimpl::coloredProp() const
 {
-  const double* b = m_ImageActor->GetBounds();
-  std::copy(b, b + 6, bounds);
-}
-
-void VXImageSliceRepPimpl::setVisibility(bool visible)
-{
-  setPropVisibility(m_ImageActor, m_HighlightActor, visible, m_Initialized);
-  setupScalarBar();
-}
-
-void VXImageSliceRepPimpl::setHighlighted(bool highlighted)
-{
-  m_Highlighted = highlighted;
-  setPropHighlighted(m_HighlightActor, highlighted);
-}
-
-void VXImageSliceRepPimpl::applyTransform()
-{
-  applyTransformTo({ m_ImageActor, m_HighlightActor });
+  return m_ImageActor;
 }
 
 // ---------------------------------------------------------------------------

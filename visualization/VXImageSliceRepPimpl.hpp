@@ -62,12 +62,9 @@ public:
   vtkAlgorithmOutput* outputPort() override;
   vtkAlgorithmOutput* inputPort() override;
   void buildSettingsPage() override;
-  void bounds(double bounds[6]) override;
-  void setVisibility(bool visible) override;
   void copyFrom(VXRepresentationPimpl* other) override;
   void saveDefaultSettings() override;
   void loadDefaultSettings() override;
-  void setHighlighted(bool highlighted) override;
   void updateToolTips() override;
 
   vtkImageActor* imageActor() const { return m_ImageActor; }
@@ -118,7 +115,6 @@ public Q_SLOTS:
   void updateColorMode(int index) override;
   /** "Off", "Generate Full Histogram", "Generate Visible Data Histogram". */
   void histogramChoiceChanged(int index);
-  void applyTransform() override;
   void updateHistogram() override;
 
 Q_SIGNALS:
@@ -143,6 +139,7 @@ private:
   /** The lookup table or the solid colour onto the actor's property. */
   void applyColoring() override;
   void applyOpacity() override;
+  vtkProp3D* coloredProp() const override;
   void syncControls();
   vtkDataSet* coloringDataSet() const override;
   void loadSliceDefaults(QtKXSettings& settings);
@@ -158,8 +155,6 @@ private:
   bool m_FlickerShowsRight = false;
   vtkSmartPointer<vtkCallbackCommand> m_TimerCallback;
 
-  vtkSmartPointer<vtkActor> m_HighlightActor;
-  bool m_Highlighted = false;
   bool m_PlayAllRunning = false;
   bool m_FlickerRunning = false;
   bool m_VisibleDataHistogram = false;

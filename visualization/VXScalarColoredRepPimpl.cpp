@@ -19,6 +19,7 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
 
+#include <vtkActor.h>
 #include <vtkDataArray.h>
 #include <vtkDataSet.h>
 #include <vtkPointData.h>
@@ -299,6 +300,29 @@ void VXScalarColoredRepPimpl::pasteSettingsFromClipboard()
   if (settings.is_object())
     read(settings);
   requestRender();
+}
+
+void VXScalarColoredRepPimpl::bounds(double bounds[6])
+{
+  const double* b = coloredProp()->GetBounds();
+  std::copy(b, b + 6, bounds);
+}
+
+void VXScalarColoredRepPimpl::setVisibility(bool visible)
+{
+  setPropVisibility(coloredProp(), m_HighlightActor, visible, m_Initialized);
+  setupScalarBar();
+}
+
+void VXScalarColoredRepPimpl::setHighlighted(bool highlighted)
+{
+  m_Highlighted = highlighted;
+  setPropHighlighted(m_HighlightActor, highlighted);
+}
+
+void VXScalarColoredRepPimpl::applyTransform()
+{
+  applyTransformTo({ coloredProp(), m_HighlightActor });
 }
 
 // ---------------------------------------------------------------------------

@@ -9,6 +9,8 @@
 #include <QtGui/QColor>
 #include <QtWidgets/QWidget> // control<W>() searches the page
 
+#include <vtkSmartPointer.h>
+
 #include <functional>
 
 class KXColorButton;
@@ -19,7 +21,9 @@ class QPushButton;
 class QSlider;
 class VXArrayHistogramWidget;
 class VXDataSource;
+class vtkActor;
 class vtkDataArray;
+class vtkProp3D;
 
 /**
  * A data view coloured by a point array through its own lookup table (VXScalarColoring), with
@@ -45,6 +49,9 @@ public:
   void write(nlohmann::json& output) const override;
   void copySettingsToClipboard() override;
   void pasteSettingsFromClipboard() override;
+  void bounds(double bounds[6]) override;
+  void setVisibility(bool visible) override;
+  void setHighlighted(bool highlighted) override;
   bool isVisible() const override { return m_Visible; }
   bool isInitialized() const override { return m_Initialized; }
   // these views have no coarse copy to switch to
@@ -90,6 +97,7 @@ public Q_SLOTS:
   void setOpacity(int percent);
   void onDetachColorSettings(bool checked);
   void onSyncColorMapToParentGeometry() override;
+  void applyTransform() override;
   void decimateGeometry() override {}
 
 Q_SIGNALS:
@@ -105,6 +113,8 @@ protected:
   virtual void applyColoring() = 0;
   /** m_Opacity onto what the view draws. */
   virtual void applyOpacity() = 0;
+  /** What the view draws: bounds, visibility and transform follow it and the outline. */
+  virtual vtkProp3D* coloredProp() const = 0;
   void setupScalarBar();
   /** The legend's place from the colouring settings, once the legend exists. */
   void applyLegendPosition();
@@ -126,6 +136,9 @@ protected:
   double m_Opacity = 1.0;
   QList<QMetaObject::Connection> m_ParentColorConnections;
   bool m_Initialized = false;
+  bool m_Highlighted = false;
+  /** The outline shown while the view is highlighted. */
+  vtkSmartPointer<vtkActor> m_HighlightActor;
 
   QPointer<QWidget> m_PageContent;
   QPointer<QCheckBox> m_DetachColorCheckBox;
