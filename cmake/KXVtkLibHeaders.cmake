@@ -54,6 +54,7 @@ set(KXVTK_INSTALLED_HEADERS
   visualization/VXScalarColoring.hpp
   visualization/VXRepresentation.hpp
   visualization/VXRepresentationPimpl.hpp
+  visualization/VXScalarColoredRepPimpl.hpp
   visualization/VXSurfaceRep.hpp
   visualization/VXSurfaceRepPimpl.hpp
   visualization/VXUserPrompt.hpp

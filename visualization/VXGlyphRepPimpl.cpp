@@ -128,7 +128,7 @@ void SetComboItems(QComboBox* combo, const QStringList& items, const QString& cu
 } // namespace
 
 VXGlyphRepPimpl::VXGlyphRepPimpl(VXAbstractViewWidget* view, VXRepresentation* owner)
-  : VXRepresentationPimpl(view, owner)
+  : VXScalarColoredRepPimpl(view, owner)
 {
   m_HelpUrl += "#glyph-representation";
   m_Actor = vtkSmartPointer<vtkActor>::New();
@@ -137,9 +137,6 @@ VXGlyphRepPimpl::VXGlyphRepPimpl(VXAbstractViewWidget* view, VXRepresentation* o
   m_Actor->SetMapper(m_Mapper);
   m_Mask = vtkSmartPointer<vtkMaskPoints>::New();
   m_Mask->GenerateVerticesOff();
-  VXUserPrompt::routeColorButton(m_ColorPresetsDialog->nanColorButton(),
-                                 QStringLiteral("Select NaN Color"));
-  connectColoringDialogs(this);
   if (owner != nullptr)
   {
     QtKXSettings settings;
@@ -186,20 +183,6 @@ vtkAlgorithmOutput* VXGlyphRepPimpl::inputPort()
   if (m_ArrayPass == nullptr || m_ArrayPass->GetNumberOfInputConnections(0) == 0)
     return nullptr;
   return m_ArrayPass->GetInputConnection(0, 0);
-}
-
-VXDataSource* VXGlyphRepPimpl::parentDataSource() const
-{
-  return m_Owner != nullptr ? m_Owner->parentDataSource() : nullptr;
-}
-
-vtkDataArray* VXGlyphRepPimpl::activeDataArray() const
-{
-  // glyphs stand at points: only point arrays colour them
-  vtkDataSet* data = inputDataSet();
-  if (data == nullptr || m_Coloring.activeArray.isEmpty())
-    return nullptr;
-  return data->GetPointData()->GetArray(m_Coloring.activeArray.toStdString().c_str());
 }
 
 QStringList VXGlyphRepPimpl::orientationArrayChoices() const
@@ -633,20 +616,9 @@ void VXGlyphRepPimpl::applyColoring()
   setupScalarBar();
 }
 
-void VXGlyphRepPimpl::rescaleToDataRange()
+void VXGlyphRepPimpl::applyOpacity()
 {
-  rescaleColoringToData();
-}
-
-void VXGlyphRepPimpl::rescaleToCustomRange(double min, double max)
-{
-  rescaleColoringToCustom(min, max);
-}
-
-void VXGlyphRepPimpl::openCustomRangeDialog()
-{
-  m_CustomRangeDialog->open();
-  m_CustomRangeDialog->raise();
+  m_Actor->GetProperty()->SetOpacity(m_Opacity);
 }
 
 void VXGlyphRepPimpl::setUseSolidColor(bool checked)
@@ -668,54 +640,11 @@ void VXGlyphRepPimpl::setUseSolidColor(bool checked)
   requestRender();
 }
 
-void VXGlyphRepPimpl::setSolidColor(QColor color)
-{
-  m_SolidColor = color;
-  if (m_SolidColorButton != nullptr)
-  {
-    const QSignalBlocker blocker(m_SolidColorButton);
-    m_SolidColorButton->setColor(color);
-  }
-  applyColoring();
-  requestRender();
-}
-
-void VXGlyphRepPimpl::setNanColor(QColor color)
-{
-  setNanColorOfTable(color);
-  requestRender();
-}
-
-void VXGlyphRepPimpl::setInterpretValuesAsCategories(bool categories)
-{
-  applyCategories(categories);
-  if (m_CategoriesCheckBox != nullptr)
-  {
-    const QSignalBlocker blocker(m_CategoriesCheckBox);
-    m_CategoriesCheckBox->setChecked(categories);
-  }
-  requestRender();
-}
-
 void VXGlyphRepPimpl::updateColorMode(int index)
 {
   // as in the points family, the combo's choice lands in the active component field
   KXVtkModule::utils::UpdateColorMode(index, m_Owner, m_Actor, m_Mapper, m_Coloring.activeArray,
                                       &m_Coloring.activeComponent, false);
-  requestRender();
-}
-
-void VXGlyphRepPimpl::editColorsButtonClicked()
-{
-  openColorMapEditor(this);
-}
-
-void VXGlyphRepPimpl::onColorMapEdited()
-{
-  // a view that followed its parent's colours detaches, or the parent's next change undoes the edit
-  if (!m_DetachColorSettings)
-    onDetachColorSettings(true);
-  recordEditedColorMap();
   requestRender();
 }
 
@@ -725,142 +654,8 @@ vtkDataSet* VXGlyphRepPimpl::coloringDataSet() const
   return inputDataSet();
 }
 
-void VXGlyphRepPimpl::coloringTableChanged()
-{
-  applyColoring();
-}
-
-void VXGlyphRepPimpl::coloringHistogramChanged()
-{
-  updateHistogram();
-}
-
-void VXGlyphRepPimpl::coloringRender()
-{
-  requestRender();
-}
-
-void VXGlyphRepPimpl::loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset)
-{
-  chooseRgbPreset(&preset);
-  requestRender();
-}
-
-void VXGlyphRepPimpl::restoreDefaultRgbPresetColors()
-{
-  chooseRgbPreset(nullptr);
-  requestRender();
-}
-
-void VXGlyphRepPimpl::loadIndexedPresetColors(kx::core::ColorTableUtilities::ColorPreset preset)
-{
-  chooseIndexedPreset(&preset);
-  requestRender();
-}
-
-void VXGlyphRepPimpl::restoreDefaultIndexedPresetColors()
-{
-  chooseIndexedPreset(nullptr);
-  requestRender();
-}
-
-void VXGlyphRepPimpl::setColorMapInverted(bool inverted)
-{
-  if (invertColoring(inverted))
-    requestRender();
-}
-
-void VXGlyphRepPimpl::setOpacity(int percent)
-{
-  m_Opacity = std::clamp(percent, 0, 100) / 100.0;
-  m_Actor->GetProperty()->SetOpacity(m_Opacity);
-  requestRender();
-}
-
-void VXGlyphRepPimpl::connectParentColorSignals(bool trigger)
-{
-  VXDataSource* source = parentDataSource();
-  if (source == nullptr)
-    return;
-  disconnectParentColorSignals();
-  m_ParentColorConnections.append(
-    connect(source, &VXDataSource::solidColorChanged, this, &VXGlyphRepPimpl::setSolidColor));
-  connectParentColoring(this, source, m_ParentColorConnections);
-  if (trigger)
-    source->triggerColorSettingsChange();
-}
-
-void VXGlyphRepPimpl::disconnectParentColorSignals()
-{
-  for (const QMetaObject::Connection& connection : m_ParentColorConnections)
-    disconnect(connection);
-  m_ParentColorConnections.clear();
-}
-
-void VXGlyphRepPimpl::onDetachColorSettings(bool checked)
-{
-  m_DetachColorSettings = checked;
-  if (checked)
-    disconnectParentColorSignals();
-  else
-    connectParentColorSignals(true);
-  for (QWidget* control : { static_cast<QWidget*>(m_SolidColorButton.data()),
-                            static_cast<QWidget*>(m_ColorPresetButton.data()),
-                            static_cast<QWidget*>(m_InvertColorBtn.data()) })
-  {
-    if (control != nullptr)
-      control->setEnabled(checked);
-  }
-  if (m_DetachColorCheckBox != nullptr)
-  {
-    const QSignalBlocker blocker(m_DetachColorCheckBox);
-    m_DetachColorCheckBox->setChecked(checked);
-  }
-}
-
-void VXGlyphRepPimpl::onSyncColorMapToParentGeometry()
-{
-  if (!m_DetachColorSettings)
-    return;
-  onDetachColorSettings(false);
-}
-
 // ---------------------------------------------------------------------------
 // Legend, histogram, view
-
-void VXGlyphRepPimpl::setupScalarBar()
-{
-  setupScalarBarRepresentation();
-  vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
-  bar->SetLookupTable(m_LookupTable->getColorTransferFunction());
-  if (VXVisualizationWidget* widget = visualizationWidget();
-      widget != nullptr && m_ScalarBarWidget->GetInteractor() == nullptr &&
-      widget->getRenderWindowInteractor() != nullptr)
-  {
-    m_ScalarBarWidget->SetInteractor(widget->getRenderWindowInteractor());
-    m_ScalarBarWidget->SetCurrentRenderer(widget->getRenderer());
-  }
-  if (m_ScalarBarWidget->GetInteractor() != nullptr)
-    m_ScalarBarWidget->SetEnabled(
-      m_Coloring.showLegend && m_Visible && m_Initialized && !m_Coloring.useSolidColor ? 1 : 0);
-}
-
-void VXGlyphRepPimpl::setScalarBarVisibility(bool visible)
-{
-  m_Coloring.showLegend = visible;
-  setupScalarBar();
-  if (m_LegendCheckBox != nullptr)
-  {
-    const QSignalBlocker blocker(m_LegendCheckBox);
-    m_LegendCheckBox->setChecked(visible);
-  }
-  requestRender();
-}
-
-VXArrayHistogramWidget* VXGlyphRepPimpl::histogramWidget() const
-{
-  return m_HistogramWidget.data();
-}
 
 void VXGlyphRepPimpl::setGenerateHistogram(bool generate)
 {
@@ -883,27 +678,9 @@ void VXGlyphRepPimpl::updateHistogram()
                               m_Coloring.usingCustomRange ? m_Coloring.customRange[1] : range[1]);
 }
 
-void VXGlyphRepPimpl::bounds(double bounds[6])
+vtkProp3D* VXGlyphRepPimpl::coloredProp() const
 {
-  const double* b = m_Actor->GetBounds();
-  std::copy(b, b + 6, bounds);
-}
-
-void VXGlyphRepPimpl::setVisibility(bool visible)
-{
-  setPropVisibility(m_Actor, m_HighlightActor, visible, m_Initialized);
-  setupScalarBar();
-}
-
-void VXGlyphRepPimpl::setHighlighted(bool highlighted)
-{
-  m_Highlighted = highlighted;
-  setPropHighlighted(m_HighlightActor, highlighted);
-}
-
-void VXGlyphRepPimpl::applyTransform()
-{
-  applyTransformTo({ m_Actor, m_HighlightActor });
+  return m_Actor;
 }
 
 // ---------------------------------------------------------------------------
@@ -911,12 +688,7 @@ void VXGlyphRepPimpl::applyTransform()
 
 void VXGlyphRepPimpl::write(nlohmann::json& output) const
 {
-  VXRepresentationPimpl::write(output);
-  currentColoringSettings().write(output);
-  output["opacity_percent"] = m_Opacity * 100.0;
-  output["solid_color_r"] = m_SolidColor.red();
-  output["solid_color_g"] = m_SolidColor.green();
-  output["solid_color_b"] = m_SolidColor.blue();
+  VXScalarColoredRepPimpl::write(output);
   output["glyph_type"] = static_cast<int>(m_GlyphType);
   output["glyph_orientation_array"] = m_OrientationArray.toStdString();
   output["glyph_scale_mode"] = static_cast<int>(m_ScaleMode);
@@ -971,23 +743,12 @@ void VXGlyphRepPimpl::read(const nlohmann::json& input)
     m_MaximumCount = std::max(1, input.at("glyph_maximum_count").get<int>());
   applyNanColor();
   applyGlyphType();
-  if (m_ScalarBarRepresentation != nullptr)
-  {
-    m_ScalarBarRepresentation->SetPosition(m_Coloring.legendPosition.data());
-    m_ScalarBarRepresentation->SetPosition2(m_Coloring.legendPosition2.data());
-  }
+  applyLegendPosition();
   if (!m_Initialized)
     return;
   applySampling();
   applyOrientationAndScale();
-  const int component = m_Coloring.activeComponent;
-  if (!m_Coloring.valuesAsCategories)
-    applyRgbPreset();
-  setActiveArray(m_Coloring.useSolidColor ? QString() : m_Coloring.activeArray);
-  setActiveComponent(component);
-  if (m_Coloring.valuesAsCategories)
-    setInterpretValuesAsCategories(true);
-  applyColoring();
+  applyReadColoring();
   refillGlyphCombos();
   syncControls();
 }
@@ -1013,19 +774,6 @@ void VXGlyphRepPimpl::copyFrom(VXRepresentationPimpl* other)
   m_MaximumCount = source->m_MaximumCount;
   applyNanColor();
   applyGlyphType();
-}
-
-void VXGlyphRepPimpl::copySettingsToClipboard()
-{
-  writeToClipboard();
-}
-
-void VXGlyphRepPimpl::pasteSettingsFromClipboard()
-{
-  const nlohmann::json settings = readClipboard();
-  if (settings.is_object())
-    read(settings);
-  requestRender();
 }
 
 void VXGlyphRepPimpl::loadGlyphDefaults(QtKXSettings& settings)
@@ -1082,36 +830,11 @@ void VXGlyphRepPimpl::saveDefaultSettings()
 // ---------------------------------------------------------------------------
 // Page
 
-void VXGlyphRepPimpl::updateArrayColoringChoices()
-{
-  fillArrayCombo(m_ArrayCombo, parentDataSource());
-}
-
-void VXGlyphRepPimpl::refillComponentCombo()
-{
-  fillComponentCombo(m_ComponentCombo, parentDataSource());
-}
-
 void VXGlyphRepPimpl::refillGlyphCombos()
 {
   SetComboItems(m_OrientationCombo, QStringList{ k_NoOrientation } + orientationArrayChoices(),
                 m_OrientationArray.isEmpty() ? k_NoOrientation : m_OrientationArray);
   SetComboItems(m_ScaleArrayCombo, scaleArrayChoices(m_ScaleMode), m_ScaleArray);
-}
-
-void VXGlyphRepPimpl::arrayNameComboIndexChanged(int index)
-{
-  if (m_ArrayCombo != nullptr && index >= 0)
-    setActiveArray(m_ArrayCombo->itemText(index));
-}
-
-void VXGlyphRepPimpl::arrayComponentComboChanged(int index)
-{
-  if (m_ComponentCombo == nullptr || index < 0)
-    return;
-  setActiveComponent(m_ComponentCombo->itemText(index) == "Magnitude" ? -1 : index);
-  applyColoring();
-  requestRender();
 }
 
 void VXGlyphRepPimpl::syncControls()
@@ -1230,50 +953,7 @@ void VXGlyphRepPimpl::buildSettingsPage()
   m_MaximumCountSpinBox->setRange(1, std::numeric_limits<int>::max());
   sampling->addRow("Maximum Glyphs", m_MaximumCountSpinBox);
 
-  QFormLayout* coloring = section("Coloring");
-  m_DetachColorCheckBox = new QCheckBox("Enable Separate Color Map", m_PageContent);
-  m_DetachColorCheckBox->setObjectName("m_DetachColorCheckBox");
-  m_SolidColorButton = new KXColorButton(m_SolidColor, m_PageContent);
-  VXUserPrompt::routeColorButton(m_SolidColorButton, QStringLiteral("Select Solid Color"));
-  m_SolidColorButton->setObjectName("m_SolidColorButton");
-  m_SolidColorButton->setEnabled(m_DetachColorSettings);
-  coloring->addRow(m_DetachColorCheckBox, m_SolidColorButton);
-  m_ArrayCombo = combo("m_ArrayCombo", {});
-  m_ComponentCombo = combo("m_ComponentCombo", {});
-  coloring->addRow(m_ArrayCombo, m_ComponentCombo);
-  m_SolidColorCheckBox = new QCheckBox("Use Solid Color", m_PageContent);
-  m_SolidColorCheckBox->setObjectName("m_SolidColorCheckBox");
-  m_CategoriesCheckBox = new QCheckBox("Interpret Values As Categories", m_PageContent);
-  m_CategoriesCheckBox->setObjectName("m_CategoriesCheckBox");
-  coloring->addRow(m_SolidColorCheckBox, m_CategoriesCheckBox);
-  auto* buttons = new QWidget(m_PageContent);
-  auto* buttonLayout = new QHBoxLayout(buttons);
-  buttonLayout->setContentsMargins(0, 0, 0, 0);
-  m_ColorPresetButton = addPageButton(buttonLayout, "preset", "Edit", "m_ColorPresetButton");
-  m_InvertColorBtn = addPageButton(buttonLayout, "invert", QString(), "m_InvertColorBtn");
-  m_EditColorMapButton =
-    addPageButton(buttonLayout, nullptr, "Edit Color Map", "m_EditColorMapButton");
-  m_ScaleToDataButton =
-    addPageButton(buttonLayout, "ScaleToData", "Scale to Data", "scaleToDataBtn");
-  m_CustomRangeButton =
-    addPageButton(buttonLayout, "CustomRange", "Custom Range", "customRangeBtn");
-  coloring->addRow(buttons);
-  m_ColorPresetButton->setEnabled(m_DetachColorSettings);
-  m_InvertColorBtn->setEnabled(m_DetachColorSettings);
-  m_ScalarMappingCombo = combo("m_ScalarMappingCombo", { "Always ", "Non-Colors", "Never" });
-  coloring->addRow("Map Scalars :", m_ScalarMappingCombo);
-
-  QFormLayout* styling = section("Styling");
-  m_OpacitySlider = new QSlider(Qt::Horizontal, m_PageContent);
-  m_OpacitySlider->setObjectName("m_OpacitySlider");
-  m_OpacitySlider->setRange(0, 100);
-  styling->addRow("Opacity", m_OpacitySlider);
-
-  QFormLayout* annotations = section("Annotations");
-  m_LegendCheckBox = new QCheckBox("Show Legend", m_PageContent);
-  m_LegendCheckBox->setObjectName("m_LegendCheckBox");
-  annotations->addRow(m_LegendCheckBox);
-  section("Transform")->addRow(ensureTransformWidget());
+  addColoringSections(section);
 
   QFormLayout* histogram = section("Array Histogram");
   m_HistogramCheckBox = new QCheckBox("Generate Active Array Histogram", m_PageContent);
@@ -1299,29 +979,7 @@ void VXGlyphRepPimpl::buildSettingsPage()
           &VXGlyphRepPimpl::setSamplingMode);
   connect(m_StrideSpinBox, &QSpinBox::valueChanged, this, &VXGlyphRepPimpl::setStride);
   connect(m_MaximumCountSpinBox, &QSpinBox::valueChanged, this, &VXGlyphRepPimpl::setMaximumCount);
-  connect(m_DetachColorCheckBox, &QCheckBox::toggled, this,
-          &VXGlyphRepPimpl::onDetachColorSettings);
-  connect(m_SolidColorButton, &KXColorButton::changedColor, this, &VXGlyphRepPimpl::setSolidColor);
-  connect(m_ArrayCombo, &QComboBox::currentIndexChanged, this,
-          &VXGlyphRepPimpl::arrayNameComboIndexChanged);
-  connect(m_ComponentCombo, &QComboBox::currentIndexChanged, this,
-          &VXGlyphRepPimpl::arrayComponentComboChanged);
-  connect(m_SolidColorCheckBox, &QCheckBox::toggled, this, &VXGlyphRepPimpl::setUseSolidColor);
-  connect(m_CategoriesCheckBox, &QCheckBox::toggled, this,
-          &VXGlyphRepPimpl::setInterpretValuesAsCategories);
-  connect(m_ColorPresetButton, &QPushButton::clicked, this,
-          [this]() { m_ColorPresetsDialog->show(); });
-  connect(m_InvertColorBtn, &QPushButton::clicked, this,
-          [this]() { setColorMapInverted(!m_Coloring.colorMapInverted); });
-  connect(m_ScaleToDataButton, &QPushButton::clicked, this, &VXGlyphRepPimpl::rescaleToDataRange);
-  connect(m_EditColorMapButton, &QPushButton::clicked, this,
-          &VXGlyphRepPimpl::editColorsButtonClicked);
-  connect(m_ScalarMappingCombo, &QComboBox::currentIndexChanged, this,
-          &VXGlyphRepPimpl::updateColorMode);
-  connect(m_CustomRangeButton, &QPushButton::clicked, this,
-          &VXGlyphRepPimpl::openCustomRangeDialog);
-  connect(m_OpacitySlider, &QSlider::valueChanged, this, &VXGlyphRepPimpl::setOpacity);
-  connect(m_LegendCheckBox, &QCheckBox::toggled, this, &VXGlyphRepPimpl::setScalarBarVisibility);
+  connectColoringControls();
   connect(m_HistogramCheckBox, &QCheckBox::toggled, this, &VXGlyphRepPimpl::setGenerateHistogram);
   connect(this, &VXGlyphRepPimpl::histogramDataChanged, m_HistogramWidget,
           &VXArrayHistogramWidget::setArray);
@@ -1347,21 +1005,8 @@ void VXGlyphRepPimpl::updateToolTips()
                        "random subset of at most the maximum count");
   tip(m_StrideSpinBox, "A glyph at every Nth point");
   tip(m_MaximumCountSpinBox, "The most glyphs a uniform random subset draws");
-  tip(m_ArrayCombo, "Select which data array to use to generate colors");
-  tip(m_ComponentCombo, "Select which component to use to generate colors");
-  tip(m_SolidColorCheckBox, "Set the active array to solid color");
-  tip(m_CategoriesCheckBox,
-      "When checked, switches the color map to indexed lookup mode (categorical colors)");
-  tip(m_DetachColorCheckBox,
-      "Use separate color settings (solid color, presets, & invert) from the parent geometry");
-  tip(m_ColorPresetButton, "Edit Color Map");
-  tip(m_InvertColorBtn, "Invert the color map");
-  tip(m_EditColorMapButton, "Edit the colors and the range of the color map");
-  tip(m_ScalarMappingCombo, VXScalarColoring::k_MapScalarsToolTip);
-  tip(m_CustomRangeButton, "Rescale the color map to a custom range");
-  tip(m_ScaleToDataButton, "Rescale the color map to the data's range");
+  updateColoringToolTips();
   tip(m_OpacitySlider, "Use this to adjust the opacity of the geometry");
-  tip(m_LegendCheckBox, "When checked, show the color legend");
   tip(m_HistogramCheckBox, "Toggle the generation of the active array histogram on/off. WARNING: "
                            "This may slow down rendering!");
 }

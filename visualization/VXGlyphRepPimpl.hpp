@@ -1,8 +1,7 @@
 #pragma once
 
 #include "visualization/VXColoringSettings.hpp"
-#include "visualization/VXRepresentationPimpl.hpp"
-#include "visualization/VXScalarColoring.hpp"
+#include "visualization/VXScalarColoredRepPimpl.hpp"
 
 #include <kxcore/ColorPreset.hpp>
 
@@ -39,15 +38,11 @@ class vtkPolyDataAlgorithm;
  * random subset of at most a given count, so the mask copies only the sampled tuples of those
  * arrays. Where no thinning is needed the mapper reads the parent's data itself.
  */
-class KXVTKLIB_EXPORT VXGlyphRepPimpl
-  : public VXRepresentationPimpl
-  , public VXScalarColoring
+class KXVTKLIB_EXPORT VXGlyphRepPimpl : public VXScalarColoredRepPimpl
 {
   Q_OBJECT
 
 public:
-  using ColorPreset = VXScalarColoring::ColorPreset;
-
   enum GlyphType
   {
     Arrow = 0,
@@ -89,22 +84,10 @@ public:
   vtkAlgorithmOutput* outputPort() override;
   vtkAlgorithmOutput* inputPort() override;
   void buildSettingsPage() override;
-  void connectParentColorSignals(bool trigger) override;
-  void disconnectParentColorSignals() override;
-  void bounds(double bounds[6]) override;
-  bool isVisible() const override { return m_Visible; }
-  void setVisibility(bool visible) override;
-  void copySettingsToClipboard() override;
   void copyFrom(VXRepresentationPimpl* other) override;
-  void pasteSettingsFromClipboard() override;
   void saveDefaultSettings() override;
   void loadDefaultSettings() override;
-  void setHighlighted(bool highlighted) override;
   void updateToolTips() override;
-  // glyphs thin their input by sampling; there is no coarse copy to switch to
-  void useFullGeometry() override {}
-  void useDecimatedGeometry() override {}
-  bool isInitialized() const override { return m_Initialized; }
 
   vtkActor* actor() const { return m_Actor; }
   vtkGlyph3DMapper* glyphMapper() const { return m_Mapper; }
@@ -115,8 +98,6 @@ public:
   vtkDataSet* glyphedDataSet() const;
   /** How many glyphs the mapper draws. */
   vtkIdType glyphCount() const;
-  VXLookupTable* lookupTable() const { return m_LookupTable.data(); }
-  VXArrayHistogramWidget* histogramWidget() const;
 
   GlyphType glyphType() const { return m_GlyphType; }
   QString orientationArray() const { return m_OrientationArray; }
@@ -128,8 +109,6 @@ public:
   SamplingMode samplingMode() const { return m_SamplingMode; }
   int stride() const { return m_Stride; }
   int maximumCount() const { return m_MaximumCount; }
-  QColor solidColor() const { return m_SolidColor; }
-  double opacity() const { return m_Opacity; }
   /**
    * The factor a scientist expects: the largest glyph spans a tenth of the data's largest extent,
    * whatever the scale array's values.
@@ -139,13 +118,6 @@ public:
   QStringList orientationArrayChoices() const;
   /** Point arrays fit for a scale mode: one component for a scalar, more for a vector. */
   QStringList scaleArrayChoices(ScaleMode mode) const;
-
-  /** A control of the settings page by object name (for hosts and tests). */
-  template<typename W>
-  W* control(const QString& name) const
-  {
-    return m_SettingsWidget != nullptr ? m_SettingsWidget->template findChild<W*>(name) : nullptr;
-  }
 
 public Q_SLOTS:
   void receivePipelineOutputReloaded() override;
@@ -164,43 +136,15 @@ public Q_SLOTS:
   void setStride(int stride);
   /** The most glyphs "Uniform Random Subset" draws, at least 1. */
   void setMaximumCount(int count);
-  void setActiveArray(const QString& arrayName);
-  void setActiveComponent(int component);
-  void arrayNameComboIndexChanged(int index);
-  void arrayComponentComboChanged(int index);
-  void loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset);
-  void loadIndexedPresetColors(kx::core::ColorTableUtilities::ColorPreset preset);
-  void restoreDefaultRgbPresetColors();
-  void restoreDefaultIndexedPresetColors();
-  void setColorMapInverted(bool inverted);
-  void rescaleToDataRange();
-  void rescaleToCustomRange(double min, double max);
-  void openCustomRangeDialog();
-  void setUseSolidColor(bool checked);
-  void setSolidColor(QColor color);
-  void setNanColor(QColor color);
-  void setInterpretValuesAsCategories(bool categories);
+  void setActiveArray(const QString& arrayName) override;
+  void setActiveComponent(int component) override;
+  void setUseSolidColor(bool checked) override;
   /** "Map Scalars :"; as in the points family the choice lands in the active component field. */
-  void updateColorMode(int index);
-  void editColorsButtonClicked();
-  void onColorMapEdited();
-  void setScalarBarVisibility(bool visible);
-  void setOpacity(int percent);
+  void updateColorMode(int index) override;
   void setGenerateHistogram(bool generate);
-  void onDetachColorSettings(bool checked);
-  void onSyncColorMapToParentGeometry() override;
-  void applyTransform() override;
-  void decimateGeometry() override {}
   void updateHistogram() override;
 
-Q_SIGNALS:
-  /** The data of the histogram changed: the array, its component and the range in use. */
-  void histogramDataChanged(vtkDataArray* array, int component, bool usingCustomRange,
-                            double rangeMin, double rangeMax);
-
 private:
-  VXDataSource* parentDataSource() const;
-  vtkDataArray* activeDataArray() const;
   /** Shape source of the glyph type. */
   void applyGlyphType();
   /** Orientation, scale mode, array and factor onto the mapper. */
@@ -210,16 +154,12 @@ private:
   /** Arrays not chosen yet get the data's: its vectors to orient, no scaling. */
   void chooseDefaultArrays();
   /** Solid colour or the table onto the mapper and the actor's property. */
-  void applyColoring();
-  void setupScalarBar();
-  void refillComponentCombo();
-  void updateArrayColoringChoices();
+  void applyColoring() override;
+  void applyOpacity() override;
+  vtkProp3D* coloredProp() const override;
   void refillGlyphCombos();
   void syncControls();
   vtkDataSet* coloringDataSet() const override;
-  void coloringTableChanged() override;
-  void coloringHistogramChanged() override;
-  void coloringRender() override;
   void loadGlyphDefaults(QtKXSettings& settings);
 
   vtkSmartPointer<vtkActor> m_Actor;
@@ -227,7 +167,6 @@ private:
   vtkSmartPointer<vtkPassSelectedArrays> m_ArrayPass;
   vtkSmartPointer<vtkMaskPoints> m_Mask;
   vtkSmartPointer<vtkPolyDataAlgorithm> m_GlyphSource;
-  vtkSmartPointer<vtkActor> m_HighlightActor;
 
   GlyphType m_GlyphType = Arrow;
   QString m_OrientationArray;
@@ -240,13 +179,7 @@ private:
   SamplingMode m_SamplingMode = UniformRandomSubset;
   int m_Stride = 10;
   int m_MaximumCount = 5000;
-  QColor m_SolidColor = Qt::white;
-  double m_Opacity = 1.0;
-  QList<QMetaObject::Connection> m_ParentColorConnections;
-  bool m_Initialized = false;
-  bool m_Highlighted = false;
 
-  QPointer<QWidget> m_PageContent;
   QPointer<QComboBox> m_GlyphTypeCombo;
   QPointer<QComboBox> m_OrientationCombo;
   QPointer<QComboBox> m_ScaleModeCombo;
@@ -256,20 +189,5 @@ private:
   QPointer<QComboBox> m_SamplingCombo;
   QPointer<QSpinBox> m_StrideSpinBox;
   QPointer<QSpinBox> m_MaximumCountSpinBox;
-  QPointer<QCheckBox> m_DetachColorCheckBox;
-  QPointer<KXColorButton> m_SolidColorButton;
-  QPointer<QComboBox> m_ArrayCombo;
-  QPointer<QComboBox> m_ComponentCombo;
-  QPointer<QCheckBox> m_SolidColorCheckBox;
-  QPointer<QCheckBox> m_CategoriesCheckBox;
-  QPointer<QPushButton> m_ColorPresetButton;
-  QPointer<QPushButton> m_InvertColorBtn;
-  QPointer<QPushButton> m_EditColorMapButton;
-  QPointer<QComboBox> m_ScalarMappingCombo;
-  QPointer<QPushButton> m_ScaleToDataButton;
-  QPointer<QPushButton> m_CustomRangeButton;
-  QPointer<QSlider> m_OpacitySlider;
-  QPointer<QCheckBox> m_LegendCheckBox;
   QPointer<QCheckBox> m_HistogramCheckBox;
-  QPointer<VXArrayHistogramWidget> m_HistogramWidget;
 };

@@ -101,13 +101,10 @@ void SetSpinValue(QSpinBox* box, int minimum, int maximum, int value)
 } // namespace
 
 VXImageSliceRepPimpl::VXImageSliceRepPimpl(VXAbstractViewWidget* view, VXRepresentation* owner)
-  : VXRepresentationPimpl(view, owner)
+  : VXScalarColoredRepPimpl(view, owner)
 {
   m_HelpUrl += "#d-image-slice-representation";
   m_ImageActor = vtkSmartPointer<vtkImageActor>::New();
-  VXUserPrompt::routeColorButton(m_ColorPresetsDialog->nanColorButton(),
-                                 QStringLiteral("Select NaN Color"));
-  connectColoringDialogs(this);
   if (owner != nullptr)
   {
     QtKXSettings settings;
@@ -150,19 +147,6 @@ vtkImageData* VXImageSliceRepPimpl::sliceImage() const
   return m_ImageSliceFilter != nullptr
            ? vtkImageData::SafeDownCast(m_ImageSliceFilter->GetOutputDataObject(0))
            : nullptr;
-}
-
-VXDataSource* VXImageSliceRepPimpl::parentDataSource() const
-{
-  return m_Owner != nullptr ? m_Owner->parentDataSource() : nullptr;
-}
-
-vtkDataArray* VXImageSliceRepPimpl::activeDataArray() const
-{
-  vtkImageData* image = sliceImage();
-  if (image == nullptr || m_Coloring.activeArray.isEmpty())
-    return nullptr;
-  return image->GetPointData()->GetArray(m_Coloring.activeArray.toStdString().c_str());
 }
 
 bool VXImageSliceRepPimpl::initialize(vtkAlgorithmOutput* port)
@@ -661,20 +645,9 @@ void VXImageSliceRepPimpl::applyColoring()
   setupScalarBar();
 }
 
-void VXImageSliceRepPimpl::rescaleToDataRange()
+void VXImageSliceRepPimpl::applyOpacity()
 {
-  rescaleColoringToData();
-}
-
-void VXImageSliceRepPimpl::rescaleToCustomRange(double min, double max)
-{
-  rescaleColoringToCustom(min, max);
-}
-
-void VXImageSliceRepPimpl::openCustomRangeDialog()
-{
-  m_CustomRangeDialog->open();
-  m_CustomRangeDialog->raise();
+  m_ImageActor->GetProperty()->SetOpacity(m_Opacity);
 }
 
 void VXImageSliceRepPimpl::setUseSolidColor(bool checked)
@@ -694,35 +667,6 @@ void VXImageSliceRepPimpl::setUseSolidColor(bool checked)
   requestRender();
 }
 
-void VXImageSliceRepPimpl::setSolidColor(QColor color)
-{
-  m_SolidColor = color;
-  if (m_SolidColorButton != nullptr)
-  {
-    const QSignalBlocker blocker(m_SolidColorButton);
-    m_SolidColorButton->setColor(color);
-  }
-  applyColoring();
-  requestRender();
-}
-
-void VXImageSliceRepPimpl::setNanColor(QColor color)
-{
-  setNanColorOfTable(color);
-  requestRender();
-}
-
-void VXImageSliceRepPimpl::setInterpretValuesAsCategories(bool categories)
-{
-  applyCategories(categories);
-  if (m_CategoriesCheckBox != nullptr)
-  {
-    const QSignalBlocker blocker(m_CategoriesCheckBox);
-    m_CategoriesCheckBox->setChecked(categories);
-  }
-  requestRender();
-}
-
 void VXImageSliceRepPimpl::updateColorMode(int index)
 {
   // the table comes back first: a change from direct colours to mapped ones needs it
@@ -734,162 +678,13 @@ void VXImageSliceRepPimpl::updateColorMode(int index)
   requestRender();
 }
 
-void VXImageSliceRepPimpl::editColorsButtonClicked()
-{
-  openColorMapEditor(this);
-}
-
-void VXImageSliceRepPimpl::onColorMapEdited()
-{
-  // a view that followed its parent's colours detaches, or the parent's next change undoes the edit
-  if (!m_DetachColorSettings)
-    onDetachColorSettings(true);
-  recordEditedColorMap();
-  requestRender();
-}
-
 vtkDataSet* VXImageSliceRepPimpl::coloringDataSet() const
 {
   return sliceImage();
 }
 
-void VXImageSliceRepPimpl::coloringTableChanged()
-{
-  applyColoring();
-}
-
-void VXImageSliceRepPimpl::coloringHistogramChanged()
-{
-  updateHistogram();
-}
-
-void VXImageSliceRepPimpl::coloringRender()
-{
-  requestRender();
-}
-
-void VXImageSliceRepPimpl::loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset)
-{
-  chooseRgbPreset(&preset);
-  requestRender();
-}
-
-void VXImageSliceRepPimpl::restoreDefaultRgbPresetColors()
-{
-  chooseRgbPreset(nullptr);
-  requestRender();
-}
-
-void VXImageSliceRepPimpl::loadIndexedPresetColors(
-  kx::core::ColorTableUtilities::ColorPreset preset)
-{
-  chooseIndexedPreset(&preset);
-  requestRender();
-}
-
-void VXImageSliceRepPimpl::restoreDefaultIndexedPresetColors()
-{
-  chooseIndexedPreset(nullptr);
-  requestRender();
-}
-
-void VXImageSliceRepPimpl::setColorMapInverted(bool inverted)
-{
-  if (invertColoring(inverted))
-    requestRender();
-}
-
-void VXImageSliceRepPimpl::setOpacity(int percent)
-{
-  m_Opacity = std::clamp(percent, 0, 100) / 100.0;
-  m_ImageActor->GetProperty()->SetOpacity(m_Opacity);
-  requestRender();
-}
-
-void VXImageSliceRepPimpl::connectParentColorSignals(bool trigger)
-{
-  VXDataSource* source = parentDataSource();
-  if (source == nullptr)
-    return;
-  disconnectParentColorSignals();
-  m_ParentColorConnections.append(
-    connect(source, &VXDataSource::solidColorChanged, this, &VXImageSliceRepPimpl::setSolidColor));
-  connectParentColoring(this, source, m_ParentColorConnections);
-  if (trigger)
-    source->triggerColorSettingsChange();
-}
-
-void VXImageSliceRepPimpl::disconnectParentColorSignals()
-{
-  for (const QMetaObject::Connection& connection : m_ParentColorConnections)
-    disconnect(connection);
-  m_ParentColorConnections.clear();
-}
-
-void VXImageSliceRepPimpl::onDetachColorSettings(bool checked)
-{
-  m_DetachColorSettings = checked;
-  if (checked)
-    disconnectParentColorSignals();
-  else
-    connectParentColorSignals(true);
-  for (QWidget* control : { static_cast<QWidget*>(m_SolidColorButton.data()),
-                            static_cast<QWidget*>(m_ColorPresetButton.data()),
-                            static_cast<QWidget*>(m_InvertColorBtn.data()) })
-  {
-    if (control != nullptr)
-      control->setEnabled(checked);
-  }
-  if (m_DetachColorCheckBox != nullptr)
-  {
-    const QSignalBlocker blocker(m_DetachColorCheckBox);
-    m_DetachColorCheckBox->setChecked(checked);
-  }
-}
-
-void VXImageSliceRepPimpl::onSyncColorMapToParentGeometry()
-{
-  if (!m_DetachColorSettings)
-    return;
-  onDetachColorSettings(false);
-}
-
 // ---------------------------------------------------------------------------
 // Legend, histogram, view
-
-void VXImageSliceRepPimpl::setupScalarBar()
-{
-  setupScalarBarRepresentation();
-  vtkScalarBarActor* bar = m_ScalarBarWidget->GetScalarBarActor();
-  bar->SetLookupTable(m_LookupTable->getColorTransferFunction());
-  if (VXVisualizationWidget* widget = visualizationWidget();
-      widget != nullptr && m_ScalarBarWidget->GetInteractor() == nullptr &&
-      widget->getRenderWindowInteractor() != nullptr)
-  {
-    m_ScalarBarWidget->SetInteractor(widget->getRenderWindowInteractor());
-    m_ScalarBarWidget->SetCurrentRenderer(widget->getRenderer());
-  }
-  if (m_ScalarBarWidget->GetInteractor() != nullptr)
-    m_ScalarBarWidget->SetEnabled(
-      m_Coloring.showLegend && m_Visible && m_Initialized && !m_Coloring.useSolidColor ? 1 : 0);
-}
-
-void VXImageSliceRepPimpl::setScalarBarVisibility(bool visible)
-{
-  m_Coloring.showLegend = visible;
-  setupScalarBar();
-  if (m_LegendCheckBox != nullptr)
-  {
-    const QSignalBlocker blocker(m_LegendCheckBox);
-    m_LegendCheckBox->setChecked(visible);
-  }
-  requestRender();
-}
-
-VXArrayHistogramWidget* VXImageSliceRepPimpl::histogramWidget() const
-{
-  return m_HistogramWidget.data();
-}
 
 void VXImageSliceRepPimpl::histogramChoiceChanged(int index)
 {
@@ -930,27 +725,9 @@ void VXImageSliceRepPimpl::updateHistogram()
                               m_Coloring.usingCustomRange ? m_Coloring.customRange[1] : range[1]);
 }
 
-void VXImageSliceRepPimpl::bounds(double bounds[6])
+vtkProp3D* VXImageSliceRepPimpl::coloredProp() const
 {
-  const double* b = m_ImageActor->GetBounds();
-  std::copy(b, b + 6, bounds);
-}
-
-void VXImageSliceRepPimpl::setVisibility(bool visible)
-{
-  setPropVisibility(m_ImageActor, m_HighlightActor, visible, m_Initialized);
-  setupScalarBar();
-}
-
-void VXImageSliceRepPimpl::setHighlighted(bool highlighted)
-{
-  m_Highlighted = highlighted;
-  setPropHighlighted(m_HighlightActor, highlighted);
-}
-
-void VXImageSliceRepPimpl::applyTransform()
-{
-  applyTransformTo({ m_ImageActor, m_HighlightActor });
+  return m_ImageActor;
 }
 
 // ---------------------------------------------------------------------------
@@ -958,12 +735,7 @@ void VXImageSliceRepPimpl::applyTransform()
 
 void VXImageSliceRepPimpl::write(nlohmann::json& output) const
 {
-  VXRepresentationPimpl::write(output);
-  currentColoringSettings().write(output);
-  output["opacity_percent"] = m_Opacity * 100.0;
-  output["solid_color_r"] = m_SolidColor.red();
-  output["solid_color_g"] = m_SolidColor.green();
-  output["solid_color_b"] = m_SolidColor.blue();
+  VXScalarColoredRepPimpl::write(output);
   output["slice_dir"] = static_cast<int>(m_SliceDirection);
   output["slice_num"] = m_SliceNumber;
   output["toggle_left_slice_num"] = m_ToggleLeftSlice;
@@ -994,25 +766,14 @@ void VXImageSliceRepPimpl::read(const nlohmann::json& input)
   if (input.contains("animation_duration"))
     m_AnimationDuration = std::max(0.0, input.at("animation_duration").get<double>());
   applyNanColor();
-  if (m_ScalarBarRepresentation != nullptr)
-  {
-    m_ScalarBarRepresentation->SetPosition(m_Coloring.legendPosition.data());
-    m_ScalarBarRepresentation->SetPosition2(m_Coloring.legendPosition2.data());
-  }
+  applyLegendPosition();
   if (!m_Initialized)
     return;
   computeSliceMaximum();
   m_SliceNumber = std::clamp(m_SliceNumber, 0, m_SliceMaximum);
   m_ToggleLeftSlice = std::clamp(m_ToggleLeftSlice, 0, m_SliceMaximum);
   m_ToggleRightSlice = std::clamp(m_ToggleRightSlice, 0, m_SliceMaximum);
-  const int component = m_Coloring.activeComponent;
-  if (!m_Coloring.valuesAsCategories)
-    applyRgbPreset();
-  setActiveArray(m_Coloring.useSolidColor ? QString() : m_Coloring.activeArray);
-  setActiveComponent(component);
-  if (m_Coloring.valuesAsCategories)
-    setInterpretValuesAsCategories(true);
-  applyColoring();
+  applyReadColoring();
   applySlice();
   syncControls();
 }
@@ -1032,19 +793,6 @@ void VXImageSliceRepPimpl::copyFrom(VXRepresentationPimpl* other)
   m_ToggleRightSlice = source->m_ToggleRightSlice;
   m_AnimationDuration = source->m_AnimationDuration;
   applyNanColor();
-}
-
-void VXImageSliceRepPimpl::copySettingsToClipboard()
-{
-  writeToClipboard();
-}
-
-void VXImageSliceRepPimpl::pasteSettingsFromClipboard()
-{
-  const nlohmann::json settings = readClipboard();
-  if (settings.is_object())
-    read(settings);
-  requestRender();
 }
 
 void VXImageSliceRepPimpl::loadSliceDefaults(QtKXSettings& settings)
@@ -1095,31 +843,6 @@ void VXImageSliceRepPimpl::saveDefaultSettings()
 
 // ---------------------------------------------------------------------------
 // Page
-
-void VXImageSliceRepPimpl::updateArrayColoringChoices()
-{
-  fillArrayCombo(m_ArrayCombo, parentDataSource());
-}
-
-void VXImageSliceRepPimpl::refillComponentCombo()
-{
-  fillComponentCombo(m_ComponentCombo, parentDataSource());
-}
-
-void VXImageSliceRepPimpl::arrayNameComboIndexChanged(int index)
-{
-  if (m_ArrayCombo != nullptr && index >= 0)
-    setActiveArray(m_ArrayCombo->itemText(index));
-}
-
-void VXImageSliceRepPimpl::arrayComponentComboChanged(int index)
-{
-  if (m_ComponentCombo == nullptr || index < 0)
-    return;
-  setActiveComponent(m_ComponentCombo->itemText(index) == "Magnitude" ? -1 : index);
-  applyColoring();
-  requestRender();
-}
 
 void VXImageSliceRepPimpl::syncControls()
 {
@@ -1226,56 +949,7 @@ void VXImageSliceRepPimpl::buildSettingsPage()
   toggleLayout->addWidget(m_ToggleRightSpinBox);
   animation->addRow(toggleRow);
 
-  QFormLayout* coloring = section("Coloring");
-  m_DetachColorCheckBox = new QCheckBox("Enable Separate Color Map", m_PageContent);
-  m_DetachColorCheckBox->setObjectName("m_DetachColorCheckBox");
-  m_DetachColorCheckBox->setChecked(m_DetachColorSettings);
-  m_SolidColorButton = new KXColorButton(m_SolidColor, m_PageContent);
-  VXUserPrompt::routeColorButton(m_SolidColorButton, QStringLiteral("Select Solid Color"));
-  m_SolidColorButton->setObjectName("m_SolidColorButton");
-  m_SolidColorButton->setEnabled(m_DetachColorSettings);
-  coloring->addRow(m_DetachColorCheckBox, m_SolidColorButton);
-  m_ArrayCombo = new QComboBox(m_PageContent);
-  m_ArrayCombo->setObjectName("m_ArrayCombo");
-  m_ComponentCombo = new QComboBox(m_PageContent);
-  m_ComponentCombo->setObjectName("m_ComponentCombo");
-  coloring->addRow(m_ArrayCombo, m_ComponentCombo);
-  m_SolidColorCheckBox = new QCheckBox("Use Solid Color", m_PageContent);
-  m_SolidColorCheckBox->setObjectName("m_SolidColorCheckBox");
-  m_CategoriesCheckBox = new QCheckBox("Interpret Values As Categories", m_PageContent);
-  m_CategoriesCheckBox->setObjectName("m_CategoriesCheckBox");
-  coloring->addRow(m_SolidColorCheckBox, m_CategoriesCheckBox);
-  auto* buttons = new QWidget(m_PageContent);
-  auto* buttonLayout = new QHBoxLayout(buttons);
-  buttonLayout->setContentsMargins(0, 0, 0, 0);
-  m_ColorPresetButton = addPageButton(buttonLayout, "preset", "Edit", "m_ColorPresetButton");
-  m_InvertColorBtn = addPageButton(buttonLayout, "invert", QString(), "m_InvertColorBtn");
-  m_EditColorMapButton =
-    addPageButton(buttonLayout, nullptr, "Edit Color Map", "m_EditColorMapButton");
-  m_ScaleToDataButton =
-    addPageButton(buttonLayout, "ScaleToData", "Scale to Data", "scaleToDataBtn");
-  m_CustomRangeButton =
-    addPageButton(buttonLayout, "CustomRange", "Custom Range", "customRangeBtn");
-  coloring->addRow(buttons);
-  m_ColorPresetButton->setEnabled(m_DetachColorSettings);
-  m_InvertColorBtn->setEnabled(m_DetachColorSettings);
-  m_ScalarMappingCombo = new QComboBox(m_PageContent);
-  m_ScalarMappingCombo->setObjectName("m_ScalarMappingCombo");
-  m_ScalarMappingCombo->addItems({ "Always ", "Non-Colors", "Never" });
-  coloring->addRow("Map Scalars :", m_ScalarMappingCombo);
-
-  QFormLayout* styling = section("Styling");
-  m_OpacitySlider = new QSlider(Qt::Horizontal, m_PageContent);
-  m_OpacitySlider->setObjectName("m_OpacitySlider");
-  m_OpacitySlider->setRange(0, 100);
-  m_OpacitySlider->setValue(static_cast<int>(m_Opacity * 100.0 + 0.5));
-  styling->addRow("Opacity", m_OpacitySlider);
-
-  QFormLayout* annotations = section("Annotations");
-  m_LegendCheckBox = new QCheckBox("Show Legend", m_PageContent);
-  m_LegendCheckBox->setObjectName("m_LegendCheckBox");
-  annotations->addRow(m_LegendCheckBox);
-  section("Transform")->addRow(ensureTransformWidget());
+  addColoringSections(section);
 
   QFormLayout* histogram = section("Array Histogram");
   m_HistogramCombo = new QComboBox(m_PageContent);
@@ -1311,32 +985,7 @@ void VXImageSliceRepPimpl::buildSettingsPage()
           &VXImageSliceRepPimpl::toggleLeftSpinBoxValueChanged);
   connect(m_ToggleRightSpinBox, &QSpinBox::valueChanged, this,
           &VXImageSliceRepPimpl::toggleRightSpinBoxValueChanged);
-  connect(m_DetachColorCheckBox, &QCheckBox::toggled, this,
-          &VXImageSliceRepPimpl::onDetachColorSettings);
-  connect(m_SolidColorButton, &KXColorButton::changedColor, this,
-          &VXImageSliceRepPimpl::setSolidColor);
-  connect(m_ArrayCombo, &QComboBox::currentIndexChanged, this,
-          &VXImageSliceRepPimpl::arrayNameComboIndexChanged);
-  connect(m_ComponentCombo, &QComboBox::currentIndexChanged, this,
-          &VXImageSliceRepPimpl::arrayComponentComboChanged);
-  connect(m_SolidColorCheckBox, &QCheckBox::toggled, this, &VXImageSliceRepPimpl::setUseSolidColor);
-  connect(m_CategoriesCheckBox, &QCheckBox::toggled, this,
-          &VXImageSliceRepPimpl::setInterpretValuesAsCategories);
-  connect(m_ColorPresetButton, &QPushButton::clicked, this,
-          [this]() { m_ColorPresetsDialog->show(); });
-  connect(m_InvertColorBtn, &QPushButton::clicked, this,
-          [this]() { setColorMapInverted(!m_Coloring.colorMapInverted); });
-  connect(m_ScaleToDataButton, &QPushButton::clicked, this,
-          &VXImageSliceRepPimpl::rescaleToDataRange);
-  connect(m_EditColorMapButton, &QPushButton::clicked, this,
-          &VXImageSliceRepPimpl::editColorsButtonClicked);
-  connect(m_ScalarMappingCombo, &QComboBox::currentIndexChanged, this,
-          &VXImageSliceRepPimpl::updateColorMode);
-  connect(m_CustomRangeButton, &QPushButton::clicked, this,
-          &VXImageSliceRepPimpl::openCustomRangeDialog);
-  connect(m_OpacitySlider, &QSlider::valueChanged, this, &VXImageSliceRepPimpl::setOpacity);
-  connect(m_LegendCheckBox, &QCheckBox::toggled, this,
-          &VXImageSliceRepPimpl::setScalarBarVisibility);
+  connectColoringControls();
   connect(m_HistogramCombo, &QComboBox::currentIndexChanged, this,
           &VXImageSliceRepPimpl::histogramChoiceChanged);
   connect(this, &VXImageSliceRepPimpl::histogramDataChanged, m_HistogramWidget,
@@ -1366,20 +1015,7 @@ void VXImageSliceRepPimpl::updateToolTips()
   tip(m_LinkPhysicalCheckBox,
       "When linking slices between slice views, this option will allow you to link the slices by "
       "the physical position rather than the slice number.");
-  tip(m_ArrayCombo, "Select which data array to use to generate colors");
-  tip(m_ComponentCombo, "Select which component to use to generate colors");
-  tip(m_SolidColorCheckBox, "Set the active array to solid color");
-  tip(m_CategoriesCheckBox,
-      "When checked, switches the color map to indexed lookup mode (categorical colors)");
-  tip(m_DetachColorCheckBox,
-      "Use separate color settings (solid color, presets, & invert) from the parent geometry");
-  tip(m_ColorPresetButton, "Edit Color Map");
-  tip(m_InvertColorBtn, "Invert the color map");
-  tip(m_EditColorMapButton, "Edit the colors and the range of the color map");
-  tip(m_ScalarMappingCombo, VXScalarColoring::k_MapScalarsToolTip);
-  tip(m_CustomRangeButton, "Rescale the color map to a custom range");
-  tip(m_ScaleToDataButton, "Rescale the color map to the data's range");
-  tip(m_LegendCheckBox, "When checked, show the color legend");
+  updateColoringToolTips();
   tip(m_HistogramCombo, "Generate a histogram of the active array: of all its values, or of the "
                         "values of the slice shown. WARNING: This may slow down rendering!");
 }

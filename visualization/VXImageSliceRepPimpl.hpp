@@ -3,8 +3,7 @@
 #include "utils/KXVtkModuleConstants.hpp"
 #include "visualization/VXColoringSettings.hpp"
 #include "visualization/VXImageSliceUtilities.hpp"
-#include "visualization/VXRepresentationPimpl.hpp"
-#include "visualization/VXScalarColoring.hpp"
+#include "visualization/VXScalarColoredRepPimpl.hpp"
 
 #include <kxcore/ColorPreset.hpp>
 
@@ -42,15 +41,12 @@ class vtkScalarBarRepresentation;
  * direction and number, the "Play All" and "Flicker" animations driven by the interactor's
  * repeating timer, and the link of slices to the other linked image slice views.
  */
-class KXVTKLIB_EXPORT VXImageSliceRepPimpl
-  : public VXRepresentationPimpl
-  , public VXScalarColoring
+class KXVTKLIB_EXPORT VXImageSliceRepPimpl : public VXScalarColoredRepPimpl
 {
   Q_OBJECT
 
 public:
   using SliceDirection = KXVtkModule::constants::SliceDirection;
-  using ColorPreset = VXScalarColoring::ColorPreset;
 
   /** The interactor events the animation timer listens to: a timer tick and the stop request. */
   static constexpr unsigned long k_TimerEvent = 25;
@@ -66,21 +62,10 @@ public:
   vtkAlgorithmOutput* outputPort() override;
   vtkAlgorithmOutput* inputPort() override;
   void buildSettingsPage() override;
-  void connectParentColorSignals(bool trigger) override;
-  void disconnectParentColorSignals() override;
-  void bounds(double bounds[6]) override;
-  bool isVisible() const override { return m_Visible; }
-  void setVisibility(bool visible) override;
-  void copySettingsToClipboard() override;
   void copyFrom(VXRepresentationPimpl* other) override;
-  void pasteSettingsFromClipboard() override;
   void saveDefaultSettings() override;
   void loadDefaultSettings() override;
-  void setHighlighted(bool highlighted) override;
   void updateToolTips() override;
-  void useFullGeometry() override {}
-  void useDecimatedGeometry() override {}
-  bool isInitialized() const override { return m_Initialized; }
 
   vtkImageActor* imageActor() const { return m_ImageActor; }
   image_slice_utilities::VXImageSliceFilter* imageSliceFilter() const { return m_ImageSliceFilter; }
@@ -95,8 +80,6 @@ public:
   bool flickerShowsRight() const { return m_FlickerShowsRight; }
   /** The repeating timer of a running animation, or -1. */
   int animationTimerId() const { return m_TimerId; }
-  VXLookupTable* lookupTable() const { return m_LookupTable.data(); }
-  VXArrayHistogramWidget* histogramWidget() const;
   /** The first and last slice of the direction, from the image's extent; 0, 0 without one. */
   std::array<int, 2> sliceExtent(SliceDirection direction) const;
   /** The world position of a slice along the direction's axis, through the actor's matrix. */
@@ -110,12 +93,6 @@ public:
   void followSliceDirection(SliceDirection direction);
   void setLinkPhysicalUnits(bool link);
   void setAnimationDuration(double seconds);
-  /** A control of the settings page by object name (for hosts and tests). */
-  template<typename W>
-  W* control(const QString& name) const
-  {
-    return m_SettingsWidget != nullptr ? m_SettingsWidget->template findChild<W*>(name) : nullptr;
-  }
 
 public Q_SLOTS:
   void receivePipelineOutputReloaded() override;
@@ -131,36 +108,13 @@ public Q_SLOTS:
   void startStopAnimation(bool checked);
   /** "Link Slices" / "Unlink Slices". */
   void linkSlicesClicked(bool checked);
-  void setActiveArray(const QString& arrayName);
-  void setActiveComponent(int component);
-  void arrayNameComboIndexChanged(int index);
-  void arrayComponentComboChanged(int index);
-  void loadRGBPresetColors(kx::core::ColorTableUtilities::ColorPreset preset);
-  void loadIndexedPresetColors(kx::core::ColorTableUtilities::ColorPreset preset);
-  void restoreDefaultRgbPresetColors();
-  void restoreDefaultIndexedPresetColors();
-  void setColorMapInverted(bool inverted);
-  void rescaleToDataRange();
-  void rescaleToCustomRange(double min, double max);
-  void openCustomRangeDialog();
-  void setUseSolidColor(bool checked);
-  void setSolidColor(QColor color);
-  void setNanColor(QColor color);
-  void setInterpretValuesAsCategories(bool categories);
+  void setActiveArray(const QString& arrayName) override;
+  void setActiveComponent(int component) override;
+  void setUseSolidColor(bool checked) override;
   /** "Map Scalars :": through the table, or direct colours for colour arrays or always. */
-  void updateColorMode(int index);
-  /** "Edit Color Map": opens the colour map editor on this view's table. */
-  void editColorsButtonClicked();
-  /** The edited map becomes this view's own preset, as in the points family. */
-  void onColorMapEdited();
-  void setScalarBarVisibility(bool visible);
-  void setOpacity(int percent);
+  void updateColorMode(int index) override;
   /** "Off", "Generate Full Histogram", "Generate Visible Data Histogram". */
   void histogramChoiceChanged(int index);
-  void onDetachColorSettings(bool checked);
-  void onSyncColorMapToParentGeometry() override;
-  void applyTransform() override;
-  void decimateGeometry() override {}
   void updateHistogram() override;
 
 Q_SIGNALS:
@@ -168,9 +122,6 @@ Q_SIGNALS:
   void sliceDirectionChanged(KXVtkModule::constants::SliceDirection sliceDirection,
                              VXImageSliceRepPimpl* sourceView);
   void linkPhysicalUnitsChanged(bool linkPhysicalUnits, VXImageSliceRepPimpl* sourceView);
-  /** The data of the histogram changed: the array, its component and the range in use. */
-  void histogramDataChanged(vtkDataArray* array, int component, bool usingCustomRange,
-                            double rangeMin, double rangeMax);
 
 private:
   static void OnTimerEvent(vtkObject* caller, unsigned long eventId, void* clientData,
@@ -185,18 +136,12 @@ private:
   void setSliceNumber(int sliceNumber);
   void computeSliceMaximum();
   void setAnimationControlsEnabled(bool enabled, bool flicker);
-  VXDataSource* parentDataSource() const;
-  vtkDataArray* activeDataArray() const;
   /** The lookup table or the solid colour onto the actor's property. */
-  void applyColoring();
-  void setupScalarBar();
-  void refillComponentCombo();
-  void updateArrayColoringChoices();
+  void applyColoring() override;
+  void applyOpacity() override;
+  vtkProp3D* coloredProp() const override;
   void syncControls();
   vtkDataSet* coloringDataSet() const override;
-  void coloringTableChanged() override;
-  void coloringHistogramChanged() override;
-  void coloringRender() override;
   void loadSliceDefaults(QtKXSettings& settings);
 
   vtkSmartPointer<image_slice_utilities::VXImageSliceFilter> m_ImageSliceFilter;
@@ -210,12 +155,6 @@ private:
   bool m_FlickerShowsRight = false;
   vtkSmartPointer<vtkCallbackCommand> m_TimerCallback;
 
-  QColor m_SolidColor = Qt::white;
-  double m_Opacity = 1.0;
-  vtkSmartPointer<vtkActor> m_HighlightActor;
-  QList<QMetaObject::Connection> m_ParentColorConnections;
-  bool m_Initialized = false;
-  bool m_Highlighted = false;
   bool m_PlayAllRunning = false;
   bool m_FlickerRunning = false;
   bool m_VisibleDataHistogram = false;
@@ -223,7 +162,6 @@ private:
   unsigned long m_TimerObserverTag = 0;
   unsigned long m_StopObserverTag = 0;
 
-  QPointer<QWidget> m_PageContent;
   QPointer<QComboBox> m_DirectionCombo;
   QPointer<QSlider> m_SliceSlider;
   QPointer<QSpinBox> m_SliceSpinBox;
@@ -235,20 +173,5 @@ private:
   QPointer<QPushButton> m_ToggleButton;
   QPointer<QSpinBox> m_ToggleLeftSpinBox;
   QPointer<QSpinBox> m_ToggleRightSpinBox;
-  QPointer<QCheckBox> m_DetachColorCheckBox;
-  QPointer<KXColorButton> m_SolidColorButton;
-  QPointer<QComboBox> m_ArrayCombo;
-  QPointer<QComboBox> m_ComponentCombo;
-  QPointer<QCheckBox> m_SolidColorCheckBox;
-  QPointer<QCheckBox> m_CategoriesCheckBox;
-  QPointer<QPushButton> m_ColorPresetButton;
-  QPointer<QPushButton> m_InvertColorBtn;
-  QPointer<QPushButton> m_EditColorMapButton;
-  QPointer<QComboBox> m_ScalarMappingCombo;
-  QPointer<QPushButton> m_ScaleToDataButton;
-  QPointer<QPushButton> m_CustomRangeButton;
-  QPointer<QSlider> m_OpacitySlider;
-  QPointer<QCheckBox> m_LegendCheckBox;
   QPointer<QComboBox> m_HistogramCombo;
-  QPointer<VXArrayHistogramWidget> m_HistogramWidget;
 };
