@@ -1,7 +1,13 @@
 #include "utils/KXVtkModuleUtils.hpp"
 
+#include <KXComponents/KXStyle.hpp>
+#include <KXComponents/QElidedLabel.hpp>
+
 #include <QtCore/QString>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 #include <QtWidgets/QFrame>
+#include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QVBoxLayout>
 
@@ -21,6 +27,33 @@ QWidget* CreateSettingsWidget(QFrame* titleFrame, QScrollArea* scrollArea)
     layout->addWidget(scrollArea, 1);
   }
   return page;
+}
+
+QElidedLabel* AddSettingsTitle(QFrame* titleFrame, QWidget* primaryButton, QWidget* secondaryButton)
+{
+  titleFrame->setObjectName("settingsWidgetTitleFrame");
+  auto* layout = new QHBoxLayout(titleFrame);
+  layout->setSpacing(2);
+  layout->setContentsMargins(2, 2, 2, 2);
+  auto* label = new QElidedLabel(titleFrame);
+  label->setObjectName("visSettingsTitleNameLabel");
+  label->setMinimumHeight(KXStyle::getIconSize().height());
+  layout->addWidget(label, 1);
+  if (secondaryButton != nullptr)
+    layout->addWidget(secondaryButton);
+  if (primaryButton != nullptr)
+    layout->addWidget(primaryButton);
+  return label;
+}
+
+nlohmann::json ClipboardSettings()
+{
+  const QClipboard* clipboard = QGuiApplication::clipboard();
+  nlohmann::json pasted = nlohmann::json::parse(
+    clipboard != nullptr ? clipboard->text().toStdString() : std::string(), nullptr, false);
+  if (pasted.is_discarded() || !pasted.is_object())
+    return nullptr;
+  return pasted;
 }
 
 QString HtmlToolTip(const QString& text)

@@ -7,13 +7,9 @@
 #include "visualization/VXPipeline.hpp"
 
 #include <KXComponents/KXIconPushButton.hpp>
-#include <KXComponents/KXStyle.hpp>
 #include <KXComponents/QElidedLabel.hpp>
 
-#include <QtGui/QClipboard>
-#include <QtGui/QGuiApplication>
 #include <QtWidgets/QFrame>
-#include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QScrollArea>
 
 namespace
@@ -173,20 +169,10 @@ void VXCoreObject::addSettingsWidgetTitle(KXIconPushButton* primaryButton,
   if (!m_SettingsWidget)
     m_SettingsWidget =
       KXVtkModule::utils::CreateSettingsWidget(m_SettingsTitleFrame, m_SettingsScrollArea);
-  m_SettingsTitleFrame->setObjectName("settingsWidgetTitleFrame");
-  auto* layout = new QHBoxLayout(m_SettingsTitleFrame);
-  layout->setSpacing(2);
-  layout->setContentsMargins(2, 2, 2, 2);
-  auto* label = new QElidedLabel(m_SettingsTitleFrame);
-  label->setObjectName("visSettingsTitleNameLabel");
+  QElidedLabel* label =
+    KXVtkModule::utils::AddSettingsTitle(m_SettingsTitleFrame, primaryButton, secondaryButton);
   label->setText(name() + " : Render View Settings");
   label->setToolTip(pathName());
-  label->setMinimumHeight(KXStyle::getIconSize().height());
-  layout->addWidget(label, 1);
-  if (secondaryButton != nullptr)
-    layout->addWidget(secondaryButton);
-  if (primaryButton != nullptr)
-    layout->addWidget(primaryButton);
   connect(this, &VXCoreObject::pathChanged, label,
           [this, label](const QString& path)
           {
@@ -229,14 +215,9 @@ void VXCoreObject::read(const nlohmann::json& input, const QMap<int, VXAbstractV
 
 nlohmann::json VXCoreObject::clipboardSettings() const
 {
-  const QClipboard* clipboard = QGuiApplication::clipboard();
-  nlohmann::json pasted = nlohmann::json::parse(
-    clipboard != nullptr ? clipboard->text().toStdString() : std::string(), nullptr, false);
-  if (pasted.is_discarded() || !pasted.is_object())
-  {
+  nlohmann::json pasted = KXVtkModule::utils::ClipboardSettings();
+  if (pasted.is_null())
     reportPasteFailure("the clipboard does not hold the settings of a visualization item.");
-    return nullptr;
-  }
   return pasted;
 }
 

@@ -1,10 +1,13 @@
 #include "visualization/VXGlobalSource.hpp"
 
+#include "utils/KXVtkModuleUtils.hpp"
 #include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
+#include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXUserPrompt.hpp"
 
 #include <KXComponents/KXColorButton.hpp>
+#include <KXComponents/QElidedLabel.hpp>
 
 #include <QtCore/QDebug>
 #include <QtCore/QFileInfo>
@@ -68,13 +71,34 @@ QString kindName(const nlohmann::json& value)
 } // namespace
 
 VXGlobalSource::VXGlobalSource(QObject* parent)
-  : VXCoreObject(parent)
+  : VXBridgeObject(parent)
 {
 }
 
 VXGlobalSource::~VXGlobalSource()
 {
   m_Implementations.clear();
+  // a page nobody took is still this source's
+  if (m_SettingsWidget && m_SettingsWidget->parent() == nullptr)
+    delete m_SettingsWidget;
+}
+
+void VXGlobalSource::setPipeline(VXPipeline* pipeline)
+{
+  if (m_ActiveViewConnection)
+    disconnect(m_ActiveViewConnection);
+  m_Pipeline = pipeline;
+  if (pipeline != nullptr)
+    m_ActiveViewConnection =
+      connect(pipeline, &VXPipeline::activeViewChanged, this, &VXGlobalSource::activeViewChanged);
+}
+
+void VXGlobalSource::activeViewChanged(VXAbstractViewWidget* previousActiveView,
+                                       VXAbstractViewWidget* currentActiveView)
+{
+  if (previousActiveView == currentActiveView)
+    return;
+  Q_EMIT enabledDisabledStateChanged(this, implementation(currentActiveView) != nullptr);
 }
 
 void VXGlobalSource::fitToBounds(const double[6]) {}
@@ -228,27 +252,47 @@ void VXGlobalSource::reportErrors()
 
 void VXGlobalSource::addViewWidget(VXAbstractViewWidget* view)
 {
+  if (view == nullptr)
+    return;
   if (m_KeepStateViews)
   {
     m_KeepStateViews = false;
-    if (!m_ViewWidgets.contains(view))
+    if (implementation(view) == nullptr)
       return;
   }
-  const bool known = m_ViewWidgets.contains(view);
-  const bool wasVisible = m_ViewWidgets.value(view, true);
-  VXCoreObject::addViewWidget(view);
-  // a view the state file named keeps the visibility it gave
-  m_ViewWidgets[view] = known ? wasVisible : true;
-  if (VXGlobalSourcePimpl* impl = ensureImplementation(view))
-    impl->setVisible(m_ViewWidgets.value(view));
+  connect(view, &VXAbstractViewWidget::viewWidgetCreated, this, &VXGlobalSource::addViewWidgetCopy,
+          Qt::UniqueConnection);
+  if (VXVisualizationWidget* renderWidget = view->getVisualizationWidget())
+    connect(this, &VXGlobalSource::requestRender, renderWidget, &VXVisualizationWidget::render,
+            Qt::UniqueConnection);
+  // a view the source is in already keeps its settings and visibility
+  ensureImplementation(view);
   reportErrors();
   Q_EMIT requestRender();
 }
 
+QMap<VXAbstractViewWidget*, bool> VXGlobalSource::viewWidgets() const
+{
+  QMap<VXAbstractViewWidget*, bool> views;
+  for (auto iter = m_Implementations.constBegin(); iter != m_Implementations.constEnd(); ++iter)
+    views.insert(iter.key(), iter.value()->isVisible());
+  return views;
+}
+
+bool VXGlobalSource::isVisible() const
+{
+  const VXGlobalSourcePimpl* impl = activeImplementation();
+  return impl != nullptr && impl->isVisible();
+}
+
 void VXGlobalSource::setVisibility(bool visible)
 {
-  VXCoreObject::setVisibility(visible);
-  if (VXGlobalSourcePimpl* impl = activeImplementation())
+  VXAbstractViewWidget* view = m_Pipeline != nullptr ? m_Pipeline->activeViewWidget() : nullptr;
+  if (view == nullptr)
+    return;
+  if (implementation(view) == nullptr)
+    addViewWidget(view);
+  if (VXGlobalSourcePimpl* impl = implementation(view))
   {
     impl->setVisible(visible);
     Q_EMIT requestRender();
@@ -262,8 +306,7 @@ void VXGlobalSource::addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
   if (original == nullptr || splitViewWidget == nullptr || original->view() == splitViewWidget)
     return;
   const nlohmann::json copied = original->settings();
-  const bool visible = m_ViewWidgets.value(sourceViewWidget, true);
-  m_ViewWidgets[splitViewWidget] = visible;
+  const bool visible = original->isVisible();
   addViewWidget(splitViewWidget);
   if (VXGlobalSourcePimpl* copy = implementation(splitViewWidget))
   {
@@ -273,11 +316,10 @@ void VXGlobalSource::addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
   }
 }
 
-bool VXGlobalSource::finalize()
+void VXGlobalSource::finalize()
 {
-  // the source is leaving the tree: its pictures leave the views now, not at the deferred delete
+  // the pictures leave the views now, not at the deferred delete
   m_Implementations.clear();
-  return VXCoreObject::finalize();
 }
 
 void VXGlobalSource::write(nlohmann::json& output,
@@ -295,7 +337,7 @@ void VXGlobalSource::write(nlohmann::json& output,
     const int index = viewIndices.value(iter.key());
     nlohmann::json entry = iter.value()->settings();
     entry["render_window_index"] = index;
-    entry["core_object_visibility"] = m_ViewWidgets.value(iter.key(), true);
+    entry["core_object_visibility"] = iter.value()->isVisible();
     byIndex.insert(index, std::move(entry));
   }
   output["render_window_index"] = byIndex.isEmpty() ? -1 : byIndex.firstKey();
@@ -368,14 +410,17 @@ void VXGlobalSource::read(const nlohmann::json& input,
   if (input.contains("core_object_name_suffix") &&
       !input.at("core_object_name_suffix").is_number_integer())
     fail("the setting 'core_object_name_suffix' must be a whole number");
-  if (input.contains("core_object_name"))
-    setBaseName(QString::fromStdString(input.at("core_object_name").get<std::string>()));
-  if (input.contains("core_object_name_suffix"))
-    setNameSuffixCounter(std::max(0, input.at("core_object_name_suffix").get<int>()));
+  const QString baseName =
+    input.contains("core_object_name")
+      ? QString::fromStdString(input.at("core_object_name").get<std::string>())
+      : m_BaseName;
+  const int suffix = input.contains("core_object_name_suffix")
+                       ? std::max(0, input.at("core_object_name_suffix").get<int>())
+                       : m_NameSuffixCounter;
+  setName(baseName, suffix);
   for (const ViewEntry& entry : perView)
   {
     addViewWidget(entry.view);
-    m_ViewWidgets[entry.view] = entry.visible;
     VXGlobalSourcePimpl* impl = implementation(entry.view);
     impl->settings() = entry.settings;
     impl->setVisible(entry.visible);
@@ -401,9 +446,12 @@ void VXGlobalSource::pasteToActiveSettings()
   VXAbstractViewWidget* view = m_Pipeline != nullptr ? m_Pipeline->activeViewWidget() : nullptr;
   if (implementation(view) == nullptr)
     return;
-  nlohmann::json pasted = clipboardSettings();
+  nlohmann::json pasted = KXVtkModule::utils::ClipboardSettings();
   if (pasted.is_null())
+  {
+    reportPasteFailure("the clipboard does not hold the settings of a visualization item.");
     return;
+  }
   if (!pasted.contains("item_type") || pasted.at("item_type") != typeName().toStdString())
   {
     reportPasteFailure(
@@ -414,6 +462,15 @@ void VXGlobalSource::pasteToActiveSettings()
   QString error;
   if (!setSettings(view, pasted, &error))
     reportPasteFailure(error + ".");
+}
+
+void VXGlobalSource::reportPasteFailure(const QString& reason) const
+{
+  const QString text = QString("Cannot paste settings to %1: %2").arg(name(), reason);
+  if (m_Pipeline != nullptr)
+    Q_EMIT m_Pipeline->sendOutputMessage(text);
+  else
+    qWarning().noquote() << text;
 }
 
 QWidget* VXGlobalSource::buildFieldEditor(const Field& field, VXAbstractViewWidget* view,
@@ -554,15 +611,18 @@ void VXGlobalSource::initializeSettingsWidget()
   VXAbstractViewWidget* view = m_Pipeline != nullptr ? m_Pipeline->activeViewWidget() : nullptr;
   if (implementation(view) == nullptr)
     return;
-  // each page gets its own title frame and scroll area: an earlier page keeps its own
-  if (m_SettingsTitleFrame && m_SettingsTitleFrame->parent() == nullptr)
-    delete m_SettingsTitleFrame;
-  if (m_SettingsScrollArea && m_SettingsScrollArea->parent() == nullptr)
-    delete m_SettingsScrollArea;
-  m_SettingsTitleFrame = new QFrame();
-  m_SettingsScrollArea = new QScrollArea();
-  m_SettingsWidget.clear();
-  addSettingsWidgetTitle(nullptr, nullptr);
+  releaseSettingsWidget();
+  auto* titleFrame = new QFrame();
+  auto* scrollArea = new QScrollArea();
+  m_SettingsWidget = KXVtkModule::utils::CreateSettingsWidget(titleFrame, scrollArea);
+  QElidedLabel* title = KXVtkModule::utils::AddSettingsTitle(titleFrame, nullptr, nullptr);
+  auto showName = [this, title]()
+  {
+    title->setText(name() + " : Render View Settings");
+    title->setToolTip(name());
+  };
+  showName();
+  connect(this, &VXBridgeObject::nameChanged, title, showName);
 
   auto* content = new QWidget();
   auto* form = new QFormLayout(content);
@@ -583,5 +643,20 @@ void VXGlobalSource::initializeSettingsWidget()
   };
   showError();
   connect(this, &VXGlobalSource::settingsChanged, errorLabel, showError);
-  m_SettingsScrollArea->setWidget(content);
+  scrollArea->setWidget(content);
+}
+
+void VXGlobalSource::releaseSettingsWidget()
+{
+  // the info panel hands a page back without a parent when it shows another
+  if (m_SettingsWidget && m_SettingsWidget->parent() == nullptr)
+    m_SettingsWidget->deleteLater();
+  m_SettingsWidget.clear();
+}
+
+QWidget* VXGlobalSource::settingsWidget()
+{
+  if (!m_SettingsWidget && m_Pipeline != nullptr && m_Pipeline->activeViewWidget() != nullptr)
+    initializeSettingsWidget();
+  return m_SettingsWidget;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "visualization/VXCoreObject.hpp"
+#include "visualization/VXBridgeObject.hpp"
 #include "visualization/VXGlobalSourcePimpl.hpp"
 
+#include <QtCore/QPointer>
 #include <QtCore/QStringList>
 
 #include <array>
@@ -10,16 +11,21 @@
 #include <string>
 #include <vector>
 
+class QFrame;
+class QScrollArea;
+class VXPipeline;
+
 /**
  * An annotation object of a render view (text, ruler, arrow, ...) that stands
- * at the top of the tree beside the bridges rather than under data.
+ * at the top of the tree beside the bridges rather than under data. It has no
+ * data sources of its own.
  *
  * Each render view that shows it has its own implementation object with its
  * own settings, so a split view starts as a copy and then goes its own way.
  * The settings are a JSON object whose keys are those of defaultSettings();
  * the settings page is built from fields() and edits the active view's copy.
  */
-class KXVTKLIB_EXPORT VXGlobalSource : public VXCoreObject
+class KXVTKLIB_EXPORT VXGlobalSource : public VXBridgeObject
 {
   Q_OBJECT
 
@@ -55,22 +61,35 @@ public:
              const QMap<VXAbstractViewWidget*, int>& viewIndices) const override;
   /** Throws std::runtime_error on a value of the wrong kind, before anything changed. */
   void read(const nlohmann::json& input, const QMap<int, VXAbstractViewWidget*>& views) override;
-  bool finalize() override;
-  vtkAlgorithmOutput* outputPort() override { return nullptr; }
-  void initializeSettingsWidget() override;
-  void addViewWidget(VXAbstractViewWidget* view) override;
-  void setVisibility(bool visible) override;
+  QString sourceName() override { return humanTypeName(); }
   QIcon getIcon() override;
-  void copyActiveSettings() const override;
-  void pasteToActiveSettings() override;
-  void receivePipelineOutputReloaded() override {}
-  void addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
-                         VXAbstractViewWidget* splitViewWidget) override;
+  /** The kind of annotation as the user knows it ("Text", "Ruler", ...). */
+  virtual QString humanTypeName() = 0;
 
-  void setNameSuffix(int suffix) { setNameSuffixCounter(suffix); }
-  /** Forgets the settings page, so that the next ask builds a new one; the old page stays with its
-   * owner. */
-  void releaseSettingsWidget() { m_SettingsWidget.clear(); }
+  /** Follows the pipeline's active view, which the visibility and the settings page are about. */
+  void setPipeline(VXPipeline* pipeline);
+  VXPipeline* pipeline() const { return m_Pipeline; }
+  /** Shows the source in @p view, from the settings of the views it is in already. */
+  virtual void addViewWidget(VXAbstractViewWidget* view);
+  /** A split of @p sourceViewWidget starts with a copy of that view's settings. */
+  virtual void addViewWidgetCopy(VXAbstractViewWidget* sourceViewWidget,
+                                 VXAbstractViewWidget* splitViewWidget);
+  /** The views the source is in, with its visibility in each. */
+  QMap<VXAbstractViewWidget*, bool> viewWidgets() const;
+  /** Visibility in the active view; false without one. */
+  bool isVisible() const;
+  /** Sets the visibility in the active view, adding the source to it if it is new there. */
+  void setVisibility(bool visible);
+  /** Takes the pictures out of every view: the source is leaving the tree. */
+  void finalize();
+  /** The info panel page for the active view; built on first request once a view exists. */
+  QWidget* settingsWidget();
+  virtual void initializeSettingsWidget();
+  /** Forgets the settings page, so that the next ask builds a new one. A page that nothing shows
+   * goes; one that is shown stays with whoever shows it. */
+  void releaseSettingsWidget();
+  virtual void copyActiveSettings() const;
+  virtual void pasteToActiveSettings();
 
   /** Every key a view's settings have, with the value a new source starts from. */
   virtual nlohmann::json defaultSettings() const = 0;
@@ -92,6 +111,10 @@ public:
 
 Q_SIGNALS:
   void settingsChanged(VXAbstractViewWidget* view);
+  void requestRender();
+  void requestRenderAll();
+  /** The active view changed; @p isEnabled tells whether the source is in the new one. */
+  void enabledDisabledStateChanged(VXGlobalSource* source, bool isEnabled);
 
 protected:
   /** Builds the view's picture from its settings into @p impl. Returns why nothing could be shown,
@@ -102,7 +125,12 @@ protected:
   /** Stores positions a user dragged in the view, without rebuilding. */
   void storeInteraction(VXGlobalSourcePimpl& impl, const nlohmann::json& changes);
 
+  QPointer<QWidget> m_SettingsWidget;
+
 private:
+  void activeViewChanged(VXAbstractViewWidget* previousActiveView,
+                         VXAbstractViewWidget* currentActiveView);
+  void reportPasteFailure(const QString& reason) const;
   VXGlobalSourcePimpl* ensureImplementation(VXAbstractViewWidget* view);
   void rebuild(VXGlobalSourcePimpl& impl);
   void reportErrors();
@@ -112,6 +140,8 @@ private:
 
   QMap<VXAbstractViewWidget*, std::shared_ptr<VXGlobalSourcePimpl>> m_Implementations;
   nlohmann::json m_InitialSettings;
+  VXPipeline* m_Pipeline = nullptr;
+  QMetaObject::Connection m_ActiveViewConnection;
   /** Set by a read that named views, until the pipeline's first addViewWidget. */
   bool m_KeepStateViews = false;
 };

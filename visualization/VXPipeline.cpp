@@ -292,14 +292,12 @@ bool VXPipeline::addGlobalSource(VXGlobalSource* source)
 {
   if (source == nullptr)
     return false;
-  QList<VXCoreObject*> held;
-  for (VXGlobalSource* existing : m_GlobalSources)
-    held.append(existing);
+  const QList<VXBridgeObject*> held(m_GlobalSources.cbegin(), m_GlobalSources.cend());
   const int suffix = VXPipelineModel::GetNameSuffixCounter(held, source->baseName());
   m_GlobalSources.append(source);
   source->setPipeline(this);
   source->addViewWidget(m_ActiveViewWidget);
-  connect(source, &VXCoreObject::requestRenderAll, this, &VXPipeline::requestRenderAll);
+  connect(source, &VXGlobalSource::requestRenderAll, this, &VXPipeline::requestRenderAll);
   source->setNameSuffix(suffix);
   return true;
 }

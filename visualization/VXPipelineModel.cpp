@@ -121,11 +121,17 @@ public:
         return filter();
       case k_RepresentationKind:
         return representation();
-      case k_GlobalSourceKind:
-        return globalSource();
       default:
         return nullptr;
     }
+  }
+
+  /** A top-level row's object: a bridge or a global source. */
+  VXBridgeObject* topLevelObject() const
+  {
+    if (kind == k_GlobalSourceKind)
+      return globalSource();
+    return bridge();
   }
 
   /** Keeps the kind but lets the row hold no object any more. */
@@ -157,8 +163,8 @@ public:
    */
   QObject* object() const
   {
-    if (kind == k_BridgeKind)
-      return bridge();
+    if (kind == k_BridgeKind || kind == k_GlobalSourceKind)
+      return topLevelObject();
     return coreObject();
   }
 
@@ -276,19 +282,22 @@ QVariant VXPipelineModel::data(const QModelIndex& index, int role) const
   if (item == nullptr || item->object() == nullptr)
     return {};
   VXBridgeObject* bridge = item->bridge();
+  VXBridgeObject* topLevel = item->topLevelObject();
   VXCoreObject* coreObject = item->coreObject();
 
   if (role == k_CheckStateRole)
   {
     if (m_Pipeline == nullptr || m_Pipeline->activeViewWidget() == nullptr)
       return {};
-    if (item->kind == k_RepresentationKind || item->kind == k_GlobalSourceKind)
+    if (item->kind == k_RepresentationKind)
       return static_cast<int>(coreObject->isVisible() ? Qt::Checked : Qt::Unchecked);
+    if (item->kind == k_GlobalSourceKind)
+      return static_cast<int>(item->globalSource()->isVisible() ? Qt::Checked : Qt::Unchecked);
     return {};
   }
 
   if (role == Qt::DisplayRole && index.column() == k_NameColumn)
-    return bridge != nullptr ? bridge->name() : coreObject->name();
+    return topLevel != nullptr ? topLevel->name() : coreObject->name();
 
   if (role == Qt::ToolTipRole && index.column() == k_NameColumn)
   {
@@ -309,7 +318,7 @@ QVariant VXPipelineModel::data(const QModelIndex& index, int role) const
                            "Click on the parent of this item in the tree to add another DataView "
                            "or additional Visual Filters.");
       case k_GlobalSourceKind:
-        return toolTipText(coreObject->name(), "Global Source", {});
+        return toolTipText(topLevel->name(), "Global Source", {});
       default:
         return {};
     }
@@ -317,7 +326,7 @@ QVariant VXPipelineModel::data(const QModelIndex& index, int role) const
 
   if (role == Qt::DecorationRole)
   {
-    const QIcon icon = bridge != nullptr ? bridge->getIcon() : coreObject->getIcon();
+    const QIcon icon = topLevel != nullptr ? topLevel->getIcon() : coreObject->getIcon();
     if (!icon.isNull())
       return icon;
     return KXStyle::generateThemeIconFromName("VXPipelineTreeIcon");
@@ -346,11 +355,13 @@ bool VXPipelineModel::setData(const QModelIndex& index, const QVariant& value, i
   {
     if (m_Pipeline == nullptr || m_Pipeline->activeViewWidget() == nullptr)
       return false;
-    VXCoreObject* coreObject = item->coreObject();
-    if (coreObject == nullptr)
-      return false;
     const bool visible = truthOf(value);
-    coreObject->setVisibility(visible);
+    if (VXGlobalSource* source = item->globalSource())
+      source->setVisibility(visible);
+    else if (VXCoreObject* coreObject = item->coreObject())
+      coreObject->setVisibility(visible);
+    else
+      return false;
     // a data view shown under a filter shows the filter's output too
     if (item->kind == k_RepresentationKind && item->parent != nullptr &&
         item->parent->kind == k_FilterKind)
@@ -369,9 +380,9 @@ bool VXPipelineModel::setData(const QModelIndex& index, const QVariant& value, i
     // a blank name would leave the row without text and the item without a path key
     if (name.trimmed().isEmpty() || itemNameIsDuplicate(index, name))
       return false;
-    if (VXBridgeObject* bridge = item->bridge())
+    if (VXBridgeObject* topLevel = item->topLevelObject())
     {
-      bridge->setName(name, 0);
+      topLevel->setName(name, 0);
     }
     else if (VXCoreObject* coreObject = item->coreObject())
     {
@@ -398,11 +409,15 @@ bool VXPipelineModel::itemNameIsDuplicate(const QModelIndex& index, const QStrin
   const TreeItem* item = itemFromIndex(index);
   if (item == nullptr)
     return false;
-  if (item->kind == k_BridgeKind)
+  if (item->kind == k_BridgeKind || item->kind == k_GlobalSourceKind)
   {
-    const QList<VXBridgeObject*> bridges = getAllBridgeObjects();
-    return std::any_of(bridges.cbegin(), bridges.cend(),
-                       [&name](const VXBridgeObject* bridge) { return bridge->name() == name; });
+    // top-level rows of the same kind must be told apart
+    return std::any_of(m_Items.cbegin(), m_Items.cend(),
+                       [&name, item](const TreeItem* other)
+                       {
+                         return other->kind == item->kind && other->topLevelObject() != nullptr &&
+                                other->topLevelObject()->name() == name;
+                       });
   }
   const QList<VXCoreObject*> objects = getAllCoreObjects();
   return std::any_of(objects.cbegin(), objects.cend(),
@@ -569,7 +584,15 @@ QModelIndex VXPipelineModel::addGlobalSource(VXGlobalSource* source)
   if (!m_Pipeline->addGlobalSource(source))
     return {};
   insertItem(nullptr, k_GlobalSourceKind, source);
-  connectCoreObject(source);
+  connect(source, &VXGlobalSource::enabledDisabledStateChanged, this,
+          [this](VXGlobalSource* changed, bool isEnabled)
+          { Q_EMIT itemVisibilityChanged(helperIndex(changed), isEnabled); });
+  connect(source, &VXBridgeObject::nameChanged, this,
+          [this, source]()
+          {
+            if (const TreeItem* item = findItem(source))
+              emitRowChanged(item, { Qt::DisplayRole, Qt::ToolTipRole });
+          });
   return helperIndex(source);
 }
 
@@ -763,6 +786,8 @@ void VXPipelineModel::removeTreeItem(TreeItem* item)
     // data views take their actors out of the views now, not when the deferred delete comes
     if (auto* coreObject = qobject_cast<VXCoreObject*>(nodeObject.data()))
       coreObject->finalize();
+    else if (auto* source = qobject_cast<VXGlobalSource*>(nodeObject.data()))
+      source->finalize();
     if (m_Pipeline == nullptr)
       continue;
     if (nodeKind == k_DataSourceKind)
@@ -1116,8 +1141,8 @@ QModelIndex VXPipelineModel::pathIndex(const QString& path) const
   {
     for (const TreeItem* item : items)
     {
-      if (const VXBridgeObject* bridge = item->bridge();
-          bridge != nullptr && bridge->name() == path)
+      if (const VXBridgeObject* topLevel = item->topLevelObject();
+          topLevel != nullptr && topLevel->name() == path)
         return item;
       if (const VXCoreObject* coreObject = item->coreObject();
           coreObject != nullptr && coreObject->pathName() == path)
@@ -1137,8 +1162,10 @@ QWidget* VXPipelineModel::itemWidget(const QModelIndex& index)
     return nullptr;
   if (VXGlobalSource* source = item->globalSource())
   {
+    // a new page on each ask: the page shows the active view's settings
     source->releaseSettingsWidget();
     source->initializeSettingsWidget();
+    return source->settingsWidget();
   }
   VXCoreObject* coreObject = item->coreObject();
   return coreObject != nullptr ? coreObject->settingsWidget() : nullptr;

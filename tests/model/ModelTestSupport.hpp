@@ -72,7 +72,6 @@ public:
   CaptionSource() { m_BaseName = "Caption"; }
   QString humanTypeName() override { return "Caption"; }
   QString typeName() override { return "CaptionSource"; }
-  vtkAlgorithmOutput* outputPort() override { return nullptr; }
   void initializeSettingsWidget() override
   {
     // pages hang from a holder of this object, so a dropped page is still freed
@@ -82,10 +81,6 @@ public:
   QIcon getIcon() override { return {}; }
   nlohmann::json defaultSettings() const override { return nlohmann::json::object(); }
   std::vector<Field> fields() const override { return {}; }
-  void copyActiveSettings() const override {}
-  void pasteToActiveSettings() override {}
-  void receivePipelineOutputReloaded() override {}
-  void addViewWidgetCopy(VXAbstractViewWidget*, VXAbstractViewWidget*) override {}
 
   int pagesBuilt = 0;
 

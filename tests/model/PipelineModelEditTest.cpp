@@ -106,17 +106,19 @@ TEST(PipelineModelCheckState, AnotherActiveViewReportsEachItemsState)
   QSignalSpy visibility(&model, &VXPipelineModel::itemVisibilityChanged);
   scene.pipeline->setActiveViewWidget(&other);
 
-  // every core object of the tree knows only the first view
-  const QList<VXCoreObject*> objects = model.getAllCoreObjects();
+  // every core object of the tree, and the global source, knows only the first view
+  const QList<VXCoreObject*> coreObjects = model.getAllCoreObjects();
+  QList<QObject*> objects(coreObjects.cbegin(), coreObjects.cend());
+  objects.append(scene.caption.data());
   ASSERT_EQ(visibility.count(), objects.size());
-  QList<VXCoreObject*> reported;
+  QList<QModelIndex> reported;
   for (const QList<QVariant>& emission : visibility)
   {
-    reported.append(model.getCoreObject(emission.at(0).value<QModelIndex>()));
+    reported.append(emission.at(0).value<QModelIndex>());
     EXPECT_FALSE(emission.at(1).toBool());
   }
-  for (VXCoreObject* object : objects)
-    EXPECT_TRUE(reported.contains(object)) << object->name().toStdString();
+  for (QObject* object : objects)
+    EXPECT_TRUE(reported.contains(model.helperIndex(object)));
 
   // the data view has no instance in the new view yet: checking it makes one
   const QModelIndex surfaceIndex = model.helperIndex(scene.surfaceView);
@@ -189,8 +191,17 @@ TEST(PipelineModelRename, BridgesCompareAmongBridges)
 
   EXPECT_FALSE(model.setData(againIndex, "surface.vtp", Qt::EditRole));
   EXPECT_EQ(again->name(), "surface.vtp (1)");
-  // a core object's name does not stand in a bridge's way
+  // a global source's name does not stand in a bridge's way
   EXPECT_FALSE(model.itemNameIsDuplicate(againIndex, "Caption"));
+  // global sources are told apart among themselves, with a bridge's " (n)"
+  auto* second = new CaptionSource();
+  const QModelIndex secondIndex = model.addGlobalSource(second).siblingAtColumn(1);
+  EXPECT_EQ(model.data(secondIndex, Qt::DisplayRole).toString(), "Caption (1)");
+  EXPECT_FALSE(model.setData(secondIndex, "Caption", Qt::EditRole));
+  ASSERT_TRUE(model.setData(secondIndex, "Legend", Qt::EditRole));
+  EXPECT_EQ(second->name(), "Legend");
+  EXPECT_EQ(model.data(secondIndex, Qt::ToolTipRole).toString(),
+            "Name: Legend\nType: Global Source");
 
   VXDataSource* source = again->dataSources().first();
   QSignalSpy paths(source, &VXCoreObject::pathChanged);

@@ -198,6 +198,17 @@ TEST_F(GlobalSourceFixture, MenuAddsEachKindAsATopLevelRowCheckedInTheActiveView
   EXPECT_EQ(model()->rowCount(), k_Kinds.size() - 1);
   EXPECT_EQ(m_Module->pipeline()->globalSources().size(), k_Kinds.size() - 1);
   EXPECT_TRUE(propsOf<vtkTextActor>(view(0)).empty());
+
+  // like bridges, sources of one kind are told apart by " (n)", the freed name first
+  VXGlobalSource* firstText = add("VXTextAnnotationSource");
+  VXGlobalSource* secondText = add("VXTextAnnotationSource");
+  ASSERT_NE(secondText, nullptr);
+  EXPECT_EQ(firstText->name(), "Text");
+  EXPECT_EQ(secondText->name(), "Text (1)");
+  EXPECT_EQ(secondText->sourceName(), "Text");
+  EXPECT_TRUE(secondText->dataSources().isEmpty());
+  EXPECT_EQ(model()->data(model()->helperIndex(secondText).siblingAtColumn(1)).toString(),
+            "Text (1)");
 }
 
 TEST_F(GlobalSourceFixture, SplitViewCopiesSettingsAndEveryKindRoundTripsAllItsKeys)

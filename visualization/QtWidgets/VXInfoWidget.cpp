@@ -246,6 +246,11 @@ void VXInfoWidget::saveState(const QModelIndex& parent, nlohmann::json& output,
       itemType = bridge->typeName();
       bridge->write(itemData, viewIndexMap);
     }
+    else if (VXGlobalSource* source = m_Model->getGlobalSource(index))
+    {
+      itemType = source->typeName();
+      source->write(itemData, viewIndexMap);
+    }
     else if (VXCoreObject* object = m_Model->getCoreObject(index))
     {
       itemType = object->typeName();
@@ -749,6 +754,14 @@ QMenu* VXInfoWidget::createContextMenu(const QModelIndex& index)
               [object] { object->copyActiveSettings(); });
       connect(menu->addAction("Paste Settings"), &QAction::triggered, this,
               [object] { object->pasteToActiveSettings(); });
+    }
+    else if (VXGlobalSource* source = m_Model->getGlobalSource(index))
+    {
+      menu->addSeparator();
+      connect(menu->addAction("Copy Settings"), &QAction::triggered, this,
+              [source] { source->copyActiveSettings(); });
+      connect(menu->addAction("Paste Settings"), &QAction::triggered, this,
+              [source] { source->pasteToActiveSettings(); });
     }
     if (m_Model->canReload(index))
     {
