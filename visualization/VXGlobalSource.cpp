@@ -91,6 +91,8 @@ void VXGlobalSource::setPipeline(VXPipeline* pipeline)
   if (pipeline != nullptr)
     m_ActiveViewConnection =
       connect(pipeline, &VXPipeline::activeViewChanged, this, &VXGlobalSource::activeViewChanged);
+  // what a state file's settings could not show is told now that there is an output to tell it in
+  reportErrors();
 }
 
 void VXGlobalSource::activeViewChanged(VXAbstractViewWidget* previousActiveView,

@@ -479,6 +479,16 @@ void VXPipelineModel::connectCoreObject(VXCoreObject* coreObject)
           });
 }
 
+void VXPipelineModel::followName(VXBridgeObject* topLevel)
+{
+  connect(topLevel, &VXBridgeObject::nameChanged, this,
+          [this, topLevel]()
+          {
+            if (const TreeItem* item = findItem(topLevel))
+              emitRowChanged(item, { Qt::DisplayRole, Qt::ToolTipRole });
+          });
+}
+
 void VXPipelineModel::pipelineBridgeAdded(VXBridgeObject* bridge)
 {
   if (bridge == nullptr || findItem(bridge) != nullptr)
@@ -487,12 +497,7 @@ void VXPipelineModel::pipelineBridgeAdded(VXBridgeObject* bridge)
     connect(fileBridge, &FileToVXBridge::autoReloadFlagChanged, this,
             &VXPipelineModel::onFileObjectFlagged);
   insertItem(nullptr, k_BridgeKind, bridge);
-  connect(bridge, &VXBridgeObject::nameChanged, this,
-          [this, bridge]()
-          {
-            if (const TreeItem* item = findItem(bridge))
-              emitRowChanged(item, { Qt::DisplayRole, Qt::ToolTipRole });
-          });
+  followName(bridge);
   if (auto* hostBridge = qobject_cast<KXToVXBridge*>(bridge))
     Q_EMIT kxToVXBridgeObjectAdded(hostBridge);
 }
@@ -587,12 +592,7 @@ QModelIndex VXPipelineModel::addGlobalSource(VXGlobalSource* source)
   connect(source, &VXGlobalSource::enabledDisabledStateChanged, this,
           [this](VXGlobalSource* changed, bool isEnabled)
           { Q_EMIT itemVisibilityChanged(helperIndex(changed), isEnabled); });
-  connect(source, &VXBridgeObject::nameChanged, this,
-          [this, source]()
-          {
-            if (const TreeItem* item = findItem(source))
-              emitRowChanged(item, { Qt::DisplayRole, Qt::ToolTipRole });
-          });
+  followName(source);
   return helperIndex(source);
 }
 

@@ -194,6 +194,8 @@ private:
   void flagChildren(TreeItem* item, bool flagged);
   void emitRowChanged(const TreeItem* item, const QList<int>& roles);
   void connectCoreObject(VXCoreObject* coreObject);
+  /** The row of a bridge or global source follows its name. */
+  void followName(VXBridgeObject* topLevel);
   template<typename Object, std::int32_t Kind>
   void collect(const QList<TreeItem*>& items, QList<Object*>& result) const;
 
