@@ -19,6 +19,9 @@ class VXDataSource;
 class VXFilter;
 class VXQuadViewWindow;
 class VXVisualizationModuleWidget;
+// the generated meta-object code needs these types complete
+Q_MOC_INCLUDE(<quadview / VXQuadViewWindow.hpp>)
+Q_MOC_INCLUDE(<visualization / VXFilter.hpp>)
 
 /**
  * The viewer's window: the visualization module in the middle, its output in

@@ -31,7 +31,7 @@ using namespace dataviewtest;
 namespace
 {
 /** Six vertices with a float "Height" 0..100 (the active scalars) and an int "Phase" of 1, 2, 7. */
-vtkSmartPointer<vtkPolyData> makeData()
+vtkSmartPointer<vtkPolyData> makeHeightPhaseData()
 {
   auto data = vtkSmartPointer<vtkPolyData>::New();
   vtkNew<vtkPoints> points;
@@ -109,7 +109,7 @@ TEST(ColorMapEditor, ChartEditsBecomeTheViewsOwnPresetAndSurviveTheState)
 {
   ScopedSettings settings;
   Scene scene;
-  auto* points = scene.add(scene.source(makeData()), VXRepresentation::Points);
+  auto* points = scene.add(scene.source(makeHeightPhaseData()), VXRepresentation::Points);
   ASSERT_NE(points, nullptr);
   QWidget* page = points->settingsWidget();
   page->show();
@@ -168,7 +168,7 @@ TEST(ColorMapEditor, ChartEditsBecomeTheViewsOwnPresetAndSurviveTheState)
   EXPECT_TRUE(points->colorMapInverted());
   nlohmann::json state;
   points->write(state);
-  auto* copy = scene.add(scene.source(makeData()), VXRepresentation::Points);
+  auto* copy = scene.add(scene.source(makeHeightPhaseData()), VXRepresentation::Points);
   ASSERT_NE(copy, nullptr);
   copy->read(state);
   vtkColorTransferFunction* restored = copy->lookupTable()->getColorTransferFunction();
@@ -187,7 +187,7 @@ TEST(ColorMapEditor, CategoricalRowsEditTheMapAndBadValuesAreNamed)
   ScopedSettings settings;
   RecordedQuestions questions;
   Scene scene;
-  auto* points = scene.add(scene.source(makeData()), VXRepresentation::Points);
+  auto* points = scene.add(scene.source(makeHeightPhaseData()), VXRepresentation::Points);
   ASSERT_NE(points, nullptr);
   QWidget* page = points->settingsWidget();
   page->show();

@@ -29,7 +29,7 @@ using namespace dataviewtest;
 namespace
 {
 /** Eight points with a float "Height" (the active scalars) and an int "Index". */
-vtkSmartPointer<vtkPolyData> makeData()
+vtkSmartPointer<vtkPolyData> makeHeightIndexData()
 {
   auto data = vtkSmartPointer<vtkPolyData>::New();
   vtkNew<vtkPoints> points;
@@ -89,7 +89,7 @@ TEST(ArrayHistogram, CheckBoxShowsTheActiveArrayAndFollowsItsChanges)
 {
   ScopedSettings settings;
   Scene scene;
-  auto data = makeData();
+  auto data = makeHeightIndexData();
   auto* points = scene.add(scene.source(data), VXRepresentation::Points);
   ASSERT_NE(points, nullptr);
   QWidget* page = scene.lastRep->settingsWidget();

@@ -41,6 +41,9 @@ using kxtest::hostResult;
 using kxtest::TestView;
 using kxtest::writeSample;
 
+/** The model's role for a row's check box, as the delegate reads it. */
+constexpr int k_CheckStateRole = 10;
+
 /** A pass-through visual filter: its output is its input. */
 class PassFilter : public VXFilter
 {

@@ -6,7 +6,6 @@ using namespace modeltest;
 
 namespace
 {
-constexpr int k_CheckStateRole = 10;
 
 QList<int> rolesOf(const QSignalSpy& spy, int emission)
 {

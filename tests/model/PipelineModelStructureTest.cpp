@@ -11,7 +11,6 @@ using namespace modeltest;
 
 namespace
 {
-constexpr int k_CheckStateRole = 10;
 constexpr int k_InvalidCheck = -1;
 
 const QString k_SourceHint = "With this item selected, use the above toolbar to add a DataView or "

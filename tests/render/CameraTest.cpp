@@ -19,6 +19,7 @@
 #include <cmath>
 #include <functional>
 
+using rendertest::expectNear3;
 using rendertest::makeBox;
 using rendertest::pump;
 
@@ -56,12 +57,6 @@ struct SnapCase
   std::array<double, 3> viewUp;
 };
 
-void expectNear3(const std::array<double, 3>& actual, const std::array<double, 3>& expected,
-                 double tolerance)
-{
-  for (int i = 0; i < 3; ++i)
-    EXPECT_NEAR(actual[i], expected[i], tolerance) << "component " << i;
-}
 } // namespace
 
 TEST_F(CameraView, SnapsPlaceTheCameraOnTheOppositeSideOfTheAxisItLooksAlongAndRollsTurnIt)

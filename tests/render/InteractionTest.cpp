@@ -19,6 +19,7 @@ using rendertest::click;
 using rendertest::displayOf;
 using rendertest::drag;
 using rendertest::EventCounter;
+using rendertest::expectNear3;
 using rendertest::key;
 using rendertest::makeBox;
 using rendertest::pump;
@@ -40,13 +41,6 @@ CameraState cameraOf(vtkRenderer* renderer)
   camera->GetFocalPoint(state.focalPoint.data());
   camera->GetViewUp(state.viewUp.data());
   return state;
-}
-
-void expectNear3(const std::array<double, 3>& actual, const std::array<double, 3>& expected,
-                 double tolerance = 1e-9)
-{
-  for (int i = 0; i < 3; ++i)
-    EXPECT_NEAR(actual[i], expected[i], tolerance) << "component " << i;
 }
 
 class Interaction : public rendertest::ViewTest

@@ -90,4 +90,11 @@ protected:
 
   std::unique_ptr<VXVisualizationWidget> m_View;
 };
+
+inline void expectNear3(const std::array<double, 3>& actual, const std::array<double, 3>& expected,
+                        double tolerance = 1e-9)
+{
+  for (int i = 0; i < 3; ++i)
+    EXPECT_NEAR(actual[i], expected[i], tolerance) << "component " << i;
+}
 } // namespace rendertest

@@ -28,14 +28,14 @@ using HDF5::Handle;
 using namespace Layout;
 
 /** Thrown inside the writer and turned into an invalid Result at the API boundary. */
-struct Failure
+struct WriteFailure
 {
   std::string message;
 };
 
 [[noreturn]] void fail(std::string message)
 {
-  throw Failure{ std::move(message) };
+  throw WriteFailure{ std::move(message) };
 }
 
 std::string hdf5Detail()
@@ -341,7 +341,7 @@ Result<void> WriteFile(const std::filesystem::path& filePath, const DataStructur
                        filePath.string(), ec.message()));
     return {};
   }
-  catch (const Failure& failure)
+  catch (const WriteFailure& failure)
   {
     std::filesystem::remove(tempPath, ec);
     return error(failure.message);
