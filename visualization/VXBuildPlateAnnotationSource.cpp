@@ -85,8 +85,14 @@ QString VXBuildPlateAnnotationSource::build(VXGlobalSourcePimpl& impl)
     return {};
   // a grid of at most 200 cells a side: a finer one would be a grey blur
   const double spacing = settings.at("grid_spacing").get<double>();
-  const int columns = std::clamp(static_cast<int>(std::ceil(width / spacing)), 1, 200);
-  const int rows = std::clamp(static_cast<int>(std::ceil(depth / spacing)), 1, 200);
+  // clamped as doubles: a huge plate over a tiny spacing does not fit an int
+  const auto cells = [spacing](double length)
+  {
+    const double count = std::ceil(length / spacing);
+    return count >= 200 ? 200 : count >= 1 ? static_cast<int>(count) : 1;
+  };
+  const int columns = cells(width);
+  const int rows = cells(depth);
   // lifted a little so the lines are not lost in the top face
   const double lift = std::max(width, depth) * 1e-3;
   auto grid = vtkSmartPointer<vtkPlaneSource>::New();

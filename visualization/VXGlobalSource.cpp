@@ -593,7 +593,7 @@ QWidget* VXGlobalSource::buildFieldEditor(const Field& field, VXAbstractViewWidg
       connect(edit, &QLineEdit::editingFinished, this,
               [edit, apply]() { apply(edit->text().toStdString()); });
       connect(browse, &QPushButton::clicked, this,
-              [this, edit, apply]()
+              [edit, apply]()
               {
                 const QString path = VXUserPrompt::getOpenFileName(
                   edit, "Open Image", "Images (*.png *.jpg *.jpeg *.bmp *.tif *.tiff)");

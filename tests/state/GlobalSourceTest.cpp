@@ -15,12 +15,14 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 
+#include <vtkActor.h>
 #include <vtkCamera.h>
 #include <vtkCaptionActor2D.h>
 #include <vtkCornerAnnotation.h>
 #include <vtkImageData.h>
 #include <vtkImageSlice.h>
 #include <vtkImageSliceMapper.h>
+#include <vtkMapper.h>
 #include <vtkRenderWindow.h>
 #include <vtkTextActor.h>
 
@@ -343,6 +345,18 @@ TEST_F(GlobalSourceFixture, BadImagesAndBadValuesAreReportedWithoutTakingTheLoad
   EXPECT_TRUE(label->text().isEmpty());
   EXPECT_EQ(m_Module->pipeline()->globalSources().back()->implementation(view(0))->settings(),
             VXTextAnnotationSource().defaultSettings());
+
+  // the largest plate over the finest spacing the page allows: the grid stops at 200 a side
+  VXGlobalSource* plate = add("VXBuildPlateAnnotationSource");
+  ASSERT_TRUE(
+    plate->setSettings(view(0), { { "width", 1e9 }, { "depth", 1e9 }, { "grid_spacing", 1e-6 } }));
+  std::vector<vtkIdType> cells;
+  for (vtkActor* actor : propsOf<vtkActor>(view(0)))
+  {
+    actor->GetMapper()->Update();
+    cells.push_back(vtkDataSet::SafeDownCast(actor->GetMapper()->GetInput())->GetNumberOfCells());
+  }
+  EXPECT_EQ(std::count(cells.begin(), cells.end(), vtkIdType{ 200 * 200 }), 1);
 }
 
 TEST_F(GlobalSourceFixture, RulerHandlesSnapToPixelCornersOfTheShownPicture)
