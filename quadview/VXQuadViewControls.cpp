@@ -1,4 +1,5 @@
 #include "quadview/VXQuadViewControls.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <fmt/format.h>
 
@@ -161,7 +162,7 @@ VXQuadViewControls VXQuadViewControls::read(const nlohmann::json& json, QStringL
   readString(json, "length_units", c.m_LengthUnits, messages);
   readString(json, "active_array", c.m_ActiveArray, messages);
   if (const nlohmann::json* v = find(json, "active_component", isInt, messages))
-    c.m_ActiveComponent = v->get<int>();
+    c.m_ActiveComponent = KXVtkModule::utils::StateInt(*v);
   readBool(json, "color_map_inverted", c.m_ColorMapInverted, messages);
   readBool(json, "shading_enabled", c.m_ShadingEnabled, messages);
   readDouble(json, "ambient", c.m_Ambient, messages);
@@ -171,7 +172,7 @@ VXQuadViewControls VXQuadViewControls::read(const nlohmann::json& json, QStringL
   readBool(json, "light_follows_camera", c.m_LightFollowsCamera, messages);
   readBool(json, "ssao_enabled", c.m_SSAOEnabled, messages);
   if (const nlohmann::json* v = find(json, "volume_blend_mode", isInt, messages))
-    c.m_VolumeBlendMode = v->get<int>();
+    c.m_VolumeBlendMode = KXVtkModule::utils::StateInt(*v);
   readDouble(json, "gi_reach", c.m_GIReach, messages);
   readDouble(json, "volumetric_scattering", c.m_VolumetricScattering, messages);
 

@@ -6,6 +6,9 @@
 
 #include <QtCore/QMap>
 
+#include <cstdint>
+#include <limits>
+
 class QFrame;
 class QElidedLabel;
 class VXAbstractViewWidget;
@@ -28,6 +31,31 @@ KXVTKLIB_EXPORT QElidedLabel* AddSettingsTitle(QFrame* titleFrame, QWidget* prim
                                                QWidget* secondaryButton);
 /** The clipboard's text as a JSON object, or null when it holds no object. */
 KXVTKLIB_EXPORT nlohmann::json ClipboardSettings();
+
+/**
+ * A whole-number setting of a state file as an int. A real is taken toward
+ * zero and anything past int's range is clamped to it, where nlohmann's
+ * get<int>() is undefined for reals out of range; a value that is not a number
+ * throws nlohmann's type_error, as get<int>() does.
+ */
+inline int StateInt(const nlohmann::json& value)
+{
+  constexpr int low = std::numeric_limits<int>::min();
+  constexpr int high = std::numeric_limits<int>::max();
+  if (value.is_number_float())
+  {
+    const double real = value.get<double>();
+    return real <= low ? low : real >= high ? high : static_cast<int>(real);
+  }
+  if (value.is_number_unsigned())
+    return value.get<std::uint64_t>() > static_cast<std::uint64_t>(high) ? high : value.get<int>();
+  if (value.is_number_integer())
+  {
+    const std::int64_t whole = value.get<std::int64_t>();
+    return whole < low ? low : whole > high ? high : static_cast<int>(whole);
+  }
+  return value.get<int>();
+}
 
 /** Wraps a tooltip text in the rich-text frame used throughout the module. */
 KXVTKLIB_EXPORT QString HtmlToolTip(const QString& text);

@@ -1,4 +1,5 @@
 #include "visualization/VXColoringSettings.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <KXComponents/KXPreferences.hpp>
 #include <KXComponents/QtKXSettings.hpp>
@@ -124,6 +125,8 @@ void VXColoringSettings::read(const nlohmann::json& input)
           value = QString::fromStdString(input.at(field.keys[0]).template get<std::string>());
         else if constexpr (std::is_same_v<T, ColorPreset>)
           value = ColorPreset(input.at(field.keys[0]));
+        else if constexpr (std::is_same_v<T, int>)
+          value = KXVtkModule::utils::StateInt(input.at(field.keys[0]));
         else
           value = input.at(field.keys[0]).template get<T>();
       },
@@ -170,7 +173,7 @@ void VXColoringSettings::saveDefaults(QtKXSettings& settings) const
       if (value.is_boolean())
         settings.setValue(key, value.get<bool>());
       else if (value.is_number_integer())
-        settings.setValue(key, value.get<int>());
+        settings.setValue(key, KXVtkModule::utils::StateInt(value));
       else
         settings.setValue(key, value.get<double>());
     }

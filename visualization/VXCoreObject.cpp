@@ -202,7 +202,7 @@ void VXCoreObject::read(const nlohmann::json& input, const QMap<int, VXAbstractV
     return;
   for (const auto& entry : input["render_window_index"])
   {
-    const int index = entry.at("render_window_index").get<int>();
+    const int index = KXVtkModule::utils::StateInt(entry.at("render_window_index"));
     const bool visible = entry.at("core_object_visibility").get<bool>();
     VXAbstractViewWidget* view = views.value(index, nullptr);
     if (view == nullptr)

@@ -1,4 +1,5 @@
 #include "visualization/VXCornerAnnotationSource.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <vtkCornerAnnotation.h>
 #include <vtkTextProperty.h>
@@ -44,7 +45,7 @@ QString VXCornerAnnotationSource::build(VXGlobalSourcePimpl& impl)
   corners->SetText(vtkCornerAnnotation::UpperRight,
                    settings.at("upper_right_text").get<std::string>().c_str());
   // the annotation scales its text with the view unless both limits hold it to one size
-  const int size = settings.at("font_size").get<int>();
+  const int size = KXVtkModule::utils::StateInt(settings.at("font_size"));
   corners->SetMinimumFontSize(size);
   corners->SetMaximumFontSize(size);
   corners->SetLinearFontScaleFactor(1.0);

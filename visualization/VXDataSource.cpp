@@ -47,7 +47,8 @@ bool readColor(const nlohmann::json& input, const char* r, const char* g, const 
     return false;
   if (!input[r].is_number() || !input[g].is_number() || !input[b].is_number())
     return false;
-  color = QColor(input[r].get<int>(), input[g].get<int>(), input[b].get<int>());
+  color = QColor(KXVtkModule::utils::StateInt(input[r]), KXVtkModule::utils::StateInt(input[g]),
+                 KXVtkModule::utils::StateInt(input[b]));
   return true;
 }
 
@@ -344,7 +345,7 @@ void VXDataSource::read(const nlohmann::json& input, const QMap<int, VXAbstractV
   {
     QList<int> indices;
     for (const nlohmann::json& entry : *listed)
-      indices.append(entry.at("render_window_index").get<int>());
+      indices.append(KXVtkModule::utils::StateInt(entry.at("render_window_index")));
     for (auto iter = views.cbegin(); iter != views.cend(); ++iter)
     {
       if (!indices.contains(iter.key()))

@@ -6,6 +6,7 @@
 #include "visualization/VXBox.hpp"
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXPlane.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <QtCore/QUrl>
 #include <QtGui/QDesktopServices>
@@ -82,7 +83,7 @@ void VXFClip::readValues(const nlohmann::json& input)
     setInverted(it->get<bool>());
   if (auto it = input.find("clip_type"); it != input.end() && it->is_number_integer())
   {
-    const int type = it->get<int>();
+    const int type = KXVtkModule::utils::StateInt(*it);
     if (type == 0 || type == 1)
       setClipType(static_cast<ClipType>(type));
   }

@@ -4,6 +4,7 @@
 #include "visualization/QtWidgets/VXFSliceFilterWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/VXPlane.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <QtCore/QUrl>
 #include <QtGui/QDesktopServices>
@@ -61,7 +62,7 @@ void VXFSlice::readValues(const nlohmann::json& input)
     setShowPlaneTool(it->get<bool>());
   if (auto it = input.find("filter_rep_type_to_add"); it != input.end() && it->is_number_integer())
   {
-    const auto type = static_cast<VXRepresentation::Type>(it->get<int>());
+    const auto type = static_cast<VXRepresentation::Type>(KXVtkModule::utils::StateInt(*it));
     if (VXRepresentation::k_RepresentationTypeToString.contains(type))
       m_RepTypeToAdd = type;
   }

@@ -4,6 +4,7 @@
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXUserPrompt.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <QtCore/QUrl>
 #include <QtGui/QDesktopServices>
@@ -237,7 +238,7 @@ void VXFThreshold::readSettings()
   const nlohmann::json values = savedDefaults({}, { "filter_rep_type_to_add" }, {});
   if (auto it = values.find("filter_rep_type_to_add"); it != values.end())
   {
-    const auto type = static_cast<VXRepresentation::Type>(it->get<int>());
+    const auto type = static_cast<VXRepresentation::Type>(KXVtkModule::utils::StateInt(*it));
     if (VXRepresentation::k_RepresentationTypeToString.contains(type))
       m_RepTypeToAdd = type;
   }

@@ -45,10 +45,10 @@ void VXFilter::read(const nlohmann::json& input, const QMap<int, VXAbstractViewW
   if (auto it = input.find("core_object_name"); it != input.end() && it->is_string())
     m_BaseName = QString::fromStdString(it->get<std::string>());
   if (auto it = input.find("core_object_name_suffix"); it != input.end() && it->is_number_integer())
-    setNameSuffixCounter(it->get<int>());
+    setNameSuffixCounter(KXVtkModule::utils::StateInt(*it));
   if (auto it = input.find("filter_rep_type_to_add"); it != input.end() && it->is_number_integer())
   {
-    const auto type = static_cast<VXRepresentation::Type>(it->get<int>());
+    const auto type = static_cast<VXRepresentation::Type>(KXVtkModule::utils::StateInt(*it));
     if (VXRepresentation::k_RepresentationTypeToString.contains(type))
       m_RepTypeToAdd = type;
   }
@@ -236,7 +236,7 @@ void VXFilter::saveDefaults(const nlohmann::json& values)
     if (it->is_boolean())
       settings.setValue(key, it->get<bool>());
     else if (it->is_number_integer())
-      settings.setValue(key, it->get<int>());
+      settings.setValue(key, KXVtkModule::utils::StateInt(*it));
     else if (it->is_number())
       settings.setValue(key, it->get<double>());
   }

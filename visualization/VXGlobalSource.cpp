@@ -378,7 +378,8 @@ void VXGlobalSource::read(const nlohmann::json& input,
         continue;
       if (!entry.at("render_window_index").is_number_integer())
         fail("the setting 'render_window_index' must be a whole number");
-      VXAbstractViewWidget* view = views.value(entry.at("render_window_index").get<int>(), nullptr);
+      VXAbstractViewWidget* view =
+        views.value(KXVtkModule::utils::StateInt(entry.at("render_window_index")), nullptr);
       nlohmann::json changes = entry;
       changes.erase("render_window_index");
       bool visible = true;
@@ -401,7 +402,7 @@ void VXGlobalSource::read(const nlohmann::json& input,
            input.at("render_window_index").is_number_integer())
   {
     // a file that only names the window: the source starts there as a new one would
-    const int index = input.at("render_window_index").get<int>();
+    const int index = KXVtkModule::utils::StateInt(input.at("render_window_index"));
     VXAbstractViewWidget* view =
       index == -1 ? (views.isEmpty() ? nullptr : views.first()) : views.value(index, nullptr);
     if (view != nullptr)
@@ -416,9 +417,10 @@ void VXGlobalSource::read(const nlohmann::json& input,
     input.contains("core_object_name")
       ? QString::fromStdString(input.at("core_object_name").get<std::string>())
       : m_BaseName;
-  const int suffix = input.contains("core_object_name_suffix")
-                       ? std::max(0, input.at("core_object_name_suffix").get<int>())
-                       : m_NameSuffixCounter;
+  const int suffix =
+    input.contains("core_object_name_suffix")
+      ? std::max(0, KXVtkModule::utils::StateInt(input.at("core_object_name_suffix")))
+      : m_NameSuffixCounter;
   setName(baseName, suffix);
   for (const ViewEntry& entry : perView)
   {
@@ -508,7 +510,7 @@ QWidget* VXGlobalSource::buildFieldEditor(const Field& field, VXAbstractViewWidg
     {
       auto* spin = new QSpinBox(parent);
       spin->setRange(static_cast<int>(field.minimum), static_cast<int>(field.maximum));
-      spin->setValue(value.get<int>());
+      spin->setValue(KXVtkModule::utils::StateInt(value));
       connect(spin, &QSpinBox::valueChanged, this, [apply](int v) { apply(v); });
       spin->setObjectName(name);
       return spin;

@@ -708,11 +708,12 @@ void VXGlyphRepPimpl::read(const nlohmann::json& input)
     m_Opacity = std::clamp(input.at("opacity_percent").get<double>() / 100.0, 0.0, 1.0);
   if (input.contains("solid_color_r") && input.contains("solid_color_g") &&
       input.contains("solid_color_b"))
-    m_SolidColor = QColor(std::clamp(input.at("solid_color_r").get<int>(), 0, 255),
-                          std::clamp(input.at("solid_color_g").get<int>(), 0, 255),
-                          std::clamp(input.at("solid_color_b").get<int>(), 0, 255));
+    m_SolidColor =
+      QColor(std::clamp(KXVtkModule::utils::StateInt(input.at("solid_color_r")), 0, 255),
+             std::clamp(KXVtkModule::utils::StateInt(input.at("solid_color_g")), 0, 255),
+             std::clamp(KXVtkModule::utils::StateInt(input.at("solid_color_b")), 0, 255));
   if (input.contains("glyph_type"))
-    m_GlyphType = EnumFromInt<GlyphType>(input.at("glyph_type").get<int>(),
+    m_GlyphType = EnumFromInt<GlyphType>(KXVtkModule::utils::StateInt(input.at("glyph_type")),
                                          static_cast<int>(k_GlyphTypeNames.size()));
   if (input.contains("glyph_orientation_array"))
   {
@@ -721,7 +722,7 @@ void VXGlyphRepPimpl::read(const nlohmann::json& input)
     m_ArraysChosen = true;
   }
   if (input.contains("glyph_scale_mode"))
-    m_ScaleMode = EnumFromInt<ScaleMode>(input.at("glyph_scale_mode").get<int>(),
+    m_ScaleMode = EnumFromInt<ScaleMode>(KXVtkModule::utils::StateInt(input.at("glyph_scale_mode")),
                                          static_cast<int>(k_ScaleModeNames.size()));
   if (input.contains("glyph_scale_array"))
     m_ScaleArray = QString::fromStdString(input.at("glyph_scale_array").get<std::string>());
@@ -735,12 +736,13 @@ void VXGlyphRepPimpl::read(const nlohmann::json& input)
     }
   }
   if (input.contains("glyph_sampling_mode"))
-    m_SamplingMode = EnumFromInt<SamplingMode>(input.at("glyph_sampling_mode").get<int>(),
-                                               static_cast<int>(k_SamplingModeNames.size()));
+    m_SamplingMode =
+      EnumFromInt<SamplingMode>(KXVtkModule::utils::StateInt(input.at("glyph_sampling_mode")),
+                                static_cast<int>(k_SamplingModeNames.size()));
   if (input.contains("glyph_stride"))
-    m_Stride = std::max(1, input.at("glyph_stride").get<int>());
+    m_Stride = std::max(1, KXVtkModule::utils::StateInt(input.at("glyph_stride")));
   if (input.contains("glyph_maximum_count"))
-    m_MaximumCount = std::max(1, input.at("glyph_maximum_count").get<int>());
+    m_MaximumCount = std::max(1, KXVtkModule::utils::StateInt(input.at("glyph_maximum_count")));
   applyNanColor();
   applyGlyphType();
   applyLegendPosition();

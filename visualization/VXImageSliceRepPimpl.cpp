@@ -752,17 +752,19 @@ void VXImageSliceRepPimpl::read(const nlohmann::json& input)
     m_Opacity = std::clamp(input.at("opacity_percent").get<double>() / 100.0, 0.0, 1.0);
   if (input.contains("solid_color_r") && input.contains("solid_color_g") &&
       input.contains("solid_color_b"))
-    m_SolidColor =
-      QColor(input.at("solid_color_r").get<int>(), input.at("solid_color_g").get<int>(),
-             input.at("solid_color_b").get<int>());
+    m_SolidColor = QColor(KXVtkModule::utils::StateInt(input.at("solid_color_r")),
+                          KXVtkModule::utils::StateInt(input.at("solid_color_g")),
+                          KXVtkModule::utils::StateInt(input.at("solid_color_b")));
   if (input.contains("slice_dir"))
-    m_SliceDirection = DirectionFromInt(input.at("slice_dir").get<int>());
+    m_SliceDirection = DirectionFromInt(KXVtkModule::utils::StateInt(input.at("slice_dir")));
   if (input.contains("slice_num"))
-    m_SliceNumber = std::max(0, input.at("slice_num").get<int>());
+    m_SliceNumber = std::max(0, KXVtkModule::utils::StateInt(input.at("slice_num")));
   if (input.contains("toggle_left_slice_num"))
-    m_ToggleLeftSlice = std::max(0, input.at("toggle_left_slice_num").get<int>());
+    m_ToggleLeftSlice =
+      std::max(0, KXVtkModule::utils::StateInt(input.at("toggle_left_slice_num")));
   if (input.contains("toggle_right_slice_num"))
-    m_ToggleRightSlice = std::max(0, input.at("toggle_right_slice_num").get<int>());
+    m_ToggleRightSlice =
+      std::max(0, KXVtkModule::utils::StateInt(input.at("toggle_right_slice_num")));
   if (input.contains("animation_duration"))
     m_AnimationDuration = std::max(0.0, input.at("animation_duration").get<double>());
   applyNanColor();

@@ -2,6 +2,7 @@
 
 #include "utils/ColorUtils.hpp"
 #include "visualization/VXUserPrompt.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <KXComponents/KXPreferences.hpp>
 
@@ -727,7 +728,8 @@ void VXLookupTable::read(const nlohmann::json& json)
   if (const auto it = json.find("indexed_lookup");
       it != json.end() && (it->is_number() || it->is_boolean()))
   {
-    m_ColorTransferFunction->SetIndexedLookup(it->is_boolean() ? it->get<bool>() : it->get<int>());
+    m_ColorTransferFunction->SetIndexedLookup(it->is_boolean() ? it->get<bool>()
+                                                               : KXVtkModule::utils::StateInt(*it));
   }
   if (const auto it = json.find("rgb_pos_vector"); it != json.end() && it->is_array())
   {
@@ -744,7 +746,7 @@ void VXLookupTable::read(const nlohmann::json& json)
   }
   if (const auto it = json.find("color_space"); it != json.end() && it->is_number_integer())
   {
-    m_ColorTransferFunction->SetColorSpace(it->get<int>());
+    m_ColorTransferFunction->SetColorSpace(KXVtkModule::utils::StateInt(*it));
   }
   if (const auto it = json.find("lut_is_inverted"); it != json.end() && it->is_boolean())
   {

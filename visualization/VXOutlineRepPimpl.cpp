@@ -334,20 +334,20 @@ void VXOutlineRepPimpl::read(const nlohmann::json& input)
     m_Opacity = std::clamp(input.at("opacity_percent").get<double>() / 100.0, 0.0, 1.0);
   if (input.contains("solid_color_r") && input.contains("solid_color_g") &&
       input.contains("solid_color_b"))
-    m_SolidColor =
-      QColor(input.at("solid_color_r").get<int>(), input.at("solid_color_g").get<int>(),
-             input.at("solid_color_b").get<int>(), 255);
+    m_SolidColor = QColor(KXVtkModule::utils::StateInt(input.at("solid_color_r")),
+                          KXVtkModule::utils::StateInt(input.at("solid_color_g")),
+                          KXVtkModule::utils::StateInt(input.at("solid_color_b")), 255);
   if (input.contains("edge_visibility"))
     m_EdgeVisibility = input.at("edge_visibility").get<bool>();
   if (input.contains("line_size"))
-    m_LineSize = input.at("line_size").get<int>();
+    m_LineSize = KXVtkModule::utils::StateInt(input.at("line_size"));
   if (input.contains("render_lines_as_tubes"))
     m_RenderLinesAsTubes = input.at("render_lines_as_tubes").get<bool>();
   if (input.contains("data_source_num_of_dims_x") && input.contains("data_source_num_of_dims_y") &&
       input.contains("data_source_num_of_dims_z"))
-    m_DecimationDivisions = { input.at("data_source_num_of_dims_x").get<int>(),
-                              input.at("data_source_num_of_dims_y").get<int>(),
-                              input.at("data_source_num_of_dims_z").get<int>() };
+    m_DecimationDivisions = { KXVtkModule::utils::StateInt(input.at("data_source_num_of_dims_x")),
+                              KXVtkModule::utils::StateInt(input.at("data_source_num_of_dims_y")),
+                              KXVtkModule::utils::StateInt(input.at("data_source_num_of_dims_z")) };
   if (input.contains("data_source_use_input_points"))
     m_UseInputPoints = input.at("data_source_use_input_points").get<bool>();
   if (input.contains("data_source_use_feature_edges"))

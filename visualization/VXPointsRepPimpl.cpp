@@ -708,7 +708,7 @@ void VXPointsRepPimpl::read(const nlohmann::json& input)
   m_Coloring = currentColoringSettings();
   m_Coloring.read(input);
   if (input.contains("point_size"))
-    m_PointSize = input.at("point_size").get<int>();
+    m_PointSize = KXVtkModule::utils::StateInt(input.at("point_size"));
   if (input.contains("render_points_as_spheres"))
     m_RenderPointsAsSpheres = input.at("render_points_as_spheres").get<bool>();
   applyNanColor();

@@ -6,6 +6,7 @@
 #include "visualization/VXDataSource.hpp"
 #include "visualization/VXPipeline.hpp"
 #include "visualization/VXRepresentationPimpl.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <map>
 
@@ -346,14 +347,15 @@ void VXRepresentation::read(const nlohmann::json& input,
   if (input.contains("core_object_name"))
     setBaseName(QString::fromStdString(input.at("core_object_name").get<std::string>()));
   if (input.contains("core_object_name_suffix"))
-    setNameSuffixCounter(input.at("core_object_name_suffix").get<int>());
+    setNameSuffixCounter(KXVtkModule::utils::StateInt(input.at("core_object_name_suffix")));
   if (!input.contains("rep_view_implementations"))
     return;
   for (const auto& entry : input.at("rep_view_implementations"))
   {
     if (!entry.contains("render_window_index"))
       continue;
-    VXAbstractViewWidget* view = views.value(entry.at("render_window_index").get<int>(), nullptr);
+    VXAbstractViewWidget* view =
+      views.value(KXVtkModule::utils::StateInt(entry.at("render_window_index")), nullptr);
     if (view == nullptr)
       continue;
     if (implementation(view) == nullptr)

@@ -291,7 +291,7 @@ void VXRepresentationPimpl::read(const nlohmann::json& input)
     setCustomGridAxesOptions();
 
   if (input.contains("rep_split_id"))
-    m_SplitId = input.at("rep_split_id").get<int>();
+    m_SplitId = KXVtkModule::utils::StateInt(input.at("rep_split_id"));
   if (input.contains("rep_linked"))
     m_Linked = input.at("rep_linked").get<bool>();
   if (input.contains("representation_visible"))

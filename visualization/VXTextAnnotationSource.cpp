@@ -1,4 +1,5 @@
 #include "visualization/VXTextAnnotationSource.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <vtkCoordinate.h>
 #include <vtkTextActor.h>
@@ -76,7 +77,7 @@ QString VXTextAnnotationSource::build(VXGlobalSourcePimpl& impl)
   vtkTextProperty* text = actor->GetTextProperty();
   const std::string family = settings.at("font_family").get<std::string>();
   text->SetFontFamilyAsString(family == "Courier" || family == "Times" ? family.c_str() : "Arial");
-  text->SetFontSize(settings.at("font_size").get<int>());
+  text->SetFontSize(KXVtkModule::utils::StateInt(settings.at("font_size")));
   text->SetBold(settings.at("bold").get<bool>());
   text->SetItalic(settings.at("italic").get<bool>());
   text->SetShadow(settings.at("shadow").get<bool>());

@@ -791,7 +791,7 @@ void VXVolumeRepPimpl::read(const nlohmann::json& input)
   if (input.contains("active_array"))
     m_ActiveArray = QString::fromStdString(input.at("active_array").get<std::string>());
   if (input.contains("active_component"))
-    m_ActiveComponent = input.at("active_component").get<int>();
+    m_ActiveComponent = KXVtkModule::utils::StateInt(input.at("active_component"));
   if (input.contains("color_map_inverted"))
     m_ColorMapInverted = input.at("color_map_inverted").get<bool>();
   if (input.contains("color_preset"))

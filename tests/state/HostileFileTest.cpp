@@ -1,5 +1,9 @@
 #include "StateTestSupport.hpp"
 
+#include <utils/KXVtkModuleUtils.hpp>
+
+#include <climits>
+
 using namespace statetest;
 using json = nlohmann::json;
 
@@ -275,4 +279,17 @@ TEST_F(HostileFixture, FilesThatAreNotStateFilesGiveTheMalformedMessage)
     EXPECT_EQ(treeLines(), lines);
     EXPECT_EQ(grid()->viewCount(), 2);
   }
+}
+
+TEST(StateNumbers, WholeNumbersPastIntsRangeClampAndRealsTruncate)
+{
+  using KXVtkModule::utils::StateInt;
+  EXPECT_EQ(StateInt(json(1e300)), INT_MAX);
+  EXPECT_EQ(StateInt(json(-1e300)), INT_MIN);
+  EXPECT_EQ(StateInt(json(3e9)), INT_MAX);
+  EXPECT_EQ(StateInt(json(-3.9)), -3);
+  EXPECT_EQ(StateInt(json(std::int64_t{ -5'000'000'000 })), INT_MIN);
+  EXPECT_EQ(StateInt(json(std::uint64_t{ 18'000'000'000'000'000'000u })), INT_MAX);
+  EXPECT_EQ(StateInt(json(42)), 42);
+  EXPECT_THROW(StateInt(json("7")), nlohmann::json::type_error);
 }

@@ -435,7 +435,7 @@ QModelIndex VXInfoWidget::loadTopLevelItem(const QString& itemType, const nlohma
   if (itemData.is_object() && itemData.contains("render_window_index") &&
       itemData.at("render_window_index").is_number_integer())
   {
-    const int index = itemData.at("render_window_index").get<int>();
+    const int index = KXVtkModule::utils::StateInt(itemData.at("render_window_index"));
     if (index != -1)
       view = KXVtkModule::utils::GetViewWidget(viewIndexMap, index);
   }

@@ -3,6 +3,7 @@
 #include "visualization/QtWidgets/VXAbstractViewWidget.hpp"
 #include "visualization/QtWidgets/VXViewWidget.hpp"
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <QtCore/QDebug>
 #include <QtCore/QPointer>
@@ -221,8 +222,8 @@ void VXViewGridWidget::loadState(const nlohmann::json& input, VXAbstractViewWidg
   }
 
   // read everything that shapes the grid before anything changes
-  const int rows = input.at(key(k_GridRows)).get<int>();
-  const int cols = input.at(key(k_GridCols)).get<int>();
+  const int rows = KXVtkModule::utils::StateInt(input.at(key(k_GridRows)));
+  const int cols = KXVtkModule::utils::StateInt(input.at(key(k_GridCols)));
   std::vector<double> colWidths;
   std::vector<double> rowHeights;
   if (input.contains(k_ColWidths))
@@ -337,7 +338,7 @@ int VXViewGridWidget::traverseLegacyNode(VXAbstractViewWidget* view, const nlohm
   if (node.contains(VXViewWidget::k_SplitViewIndexKey))
   {
     view->loadState(node);
-    return node.at(VXViewWidget::k_SplitViewIndexKey).get<int>();
+    return KXVtkModule::utils::StateInt(node.at(VXViewWidget::k_SplitViewIndexKey));
   }
   if (!node.contains(k_LegacyOrientationKey))
   {
@@ -345,7 +346,7 @@ int VXViewGridWidget::traverseLegacyNode(VXAbstractViewWidget* view, const nlohm
                << k_LegacyOrientationKey << "; it is skipped.";
     return 0;
   }
-  const int orientation = node.at(k_LegacyOrientationKey).get<int>();
+  const int orientation = KXVtkModule::utils::StateInt(node.at(k_LegacyOrientationKey));
   const nlohmann::json first = node.value("0", nlohmann::json());
   const nlohmann::json second = node.value("1", nlohmann::json());
   const bool firstIsLeaf = first.is_object() && first.contains(VXViewWidget::k_SplitViewIndexKey);

@@ -2,6 +2,7 @@
 
 #include "visualization/QtWidgets/VXVisualizationWidget.hpp"
 #include "visualization/QtWidgets/VXInteractorStyleCamera.hpp"
+#include "utils/KXVtkModuleUtils.hpp"
 
 #include <KXComponents/KXStyle.hpp>
 
@@ -239,7 +240,7 @@ void VXViewWidget::loadState(nlohmann::json input)
 {
   VXAbstractViewWidget::loadState(input);
   if (input.is_object() && input.contains(k_SplitViewIndexKey))
-    setSplitId(input.at(k_SplitViewIndexKey).get<int>());
+    setSplitId(KXVtkModule::utils::StateInt(input.at(k_SplitViewIndexKey)));
 }
 
 void VXViewWidget::updateStatusMessage(QString status)
